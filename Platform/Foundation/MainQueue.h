@@ -1,0 +1,102 @@
+#pragma once
+
+#include <compare>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <mutex>
+#include <optional>
+
+namespace flarebox {
+
+class Clock;
+class VirtualClock;
+
+namespace detail {
+template <class T>
+class Immortal;
+}
+
+/// The main thread's queue of work. Posting is safe from any thread; the host runs it by one call a frame.
+/// Work runs in the order in which it became due, equal times in the order of posting.
+class MainQueue {
+public:
+    using Work = std::function<void()>;
+    using Token = std::uint64_t;
+
+    static MainQueue& shared();
+
+    /// Runs the work at the next turn. Any thread.
+    Token async(Work work);
+    /// Runs the work once `delay` seconds (0 or more) of the clock in force have passed. Any thread.
+    Token after(double delay, Work work);
+    /// Runs the work once the uptime of the clock in force has reached `dueTime`. Any thread.
+    Token at(double dueTime, Work work);
+    /// Takes work back that has not run yet; a token whose work has run is ignored. Main thread.
+    void cancel(Token token);
+
+    /// Runs what is due now: work posted before this call, delayed work whose time has come. Work that posts more work
+    /// leaves it for the next turn. Stops early, keeping the rest, when `budget` seconds of real time are used up. Main thread.
+    /// At least one piece of work runs however small the budget. Returns whether anything ran.
+    bool run(double budget = 1e9);
+    /// Moves the clock in force forward by `seconds`, stopping at every due time on the way to run what is due there.
+    /// Bounded: work that keeps posting without delay is left alone after a thousand turns at one moment. Main thread.
+    static void advance(VirtualClock& clock, double seconds);
+
+    /// Whether something would run now, and the clock's uptime at which the next delayed work is due. Main thread.
+    bool hasDueWork() const;
+    std::optional<double> nextDueTime() const;
+    /// While work runs: the uptime at which it was due. Main thread.
+    double currentDueTime() const { return currentDueTime_; }
+
+    /// Counts something that is under way elsewhere (a transfer, a picture being decoded) and will post work here.
+    /// Lets a script or test wait until the process has come to rest. Any thread.
+    class Activity {
+    public:
+        Activity();
+        ~Activity();
+        Activity(const Activity&) = delete;
+        Activity& operator=(const Activity&) = delete;
+    };
+    /// Nothing due, nothing under way.
+    bool isIdle() const;
+
+    /// Called, from any thread, when work is posted from another thread: lets a host that sleeps wake up. Null for none.
+    /// It must return at once and post nothing. Once this returns, the previous one is not called any more.
+    void setWakeUp(std::function<void()> wakeUp);
+    /// Drops all pending work without running it. Main thread.
+    void removeAll();
+
+private:
+    friend class Clock;
+    friend class detail::Immortal<MainQueue>;
+    struct Key {
+        double dueTime;
+        Token token;
+        auto operator<=>(const Key&) const = default;
+    };
+    using Pending = std::map<Key, Work>;
+
+    MainQueue() = default;
+    ~MainQueue() = default;
+    Pending::node_type takeDue(double now, Token end);
+    void runUntilQuiet();
+    void wake();
+    /// Keeps what is left of every delay when another clock takes over.
+    void shiftDueTimes(double seconds);
+
+    mutable std::mutex mutex_;
+    Pending pending_;
+    Token nextToken_ = 1;
+    double currentDueTime_ = 0;
+    std::mutex wakeUpMutex_;
+    std::function<void()> wakeUp_;
+};
+
+/// The main queue under the platform's names.
+void dispatch_async_main(MainQueue::Work work);
+void dispatch_after_main(double seconds, MainQueue::Work work);
+/// Whether the caller is on the main thread: the one that first used the main queue's `run`, or the process's first thread.
+bool isMainThread();
+
+}  // namespace flarebox

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <UIKit/Geometry.h>
+
+#include <cstdint>
+
+namespace flarebox {
+
+struct PixelRect {
+    int x = 0, y = 0, width = 0, height = 0;
+    friend bool operator==(const PixelRect&, const PixelRect&) = default;
+};
+
+using TextureId = std::uint32_t;  ///< 0 is no texture
+
+/// One rectangle to draw. All coordinates are pixels of the target; the picture is scaled into the destination with
+/// linear filtering and multiplied by the opacity; nothing is drawn outside the clip.
+struct TexturedQuad {
+    TextureId texture = 0;
+    PixelRect source;
+    CGRect destination;
+    CGRect clip;
+    float opacity = 1;
+    friend bool operator==(const TexturedQuad&, const TexturedQuad&) = default;
+};
+
+/// The seam to a game's renderer: textures and rectangles, nothing else. A game with its own renderer implements the four
+/// pure functions. All are called on the main thread, only while the host draws (`UIHost::draw`) or ends (`UIHost::releaseTextures`).
+class Compositor {
+public:
+    enum class Alpha : std::uint8_t { Premultiplied, Straight };
+
+    virtual ~Compositor() = default;
+
+    /// A texture of that many pixels, its content undefined until updated; 0 when it cannot be made (the rectangle is then left out).
+    virtual TextureId createTexture(int width, int height) = 0;
+    /// Copies pixels into a part of the texture. Each pixel is 0xAARRGGBB in the machine's byte order, its alpha as `alphaConvention` says;
+    /// `stride` is in pixels. The memory is the caller's and is gone after the call.
+    virtual void updateTexture(TextureId texture, const PixelRect& region, const std::uint32_t* pixels, int stride) = 0;
+    virtual void destroyTexture(TextureId texture) = 0;
+    virtual void drawQuad(const TexturedQuad& quad) = 0;
+
+    /// How the pixels handed to `updateTexture` carry their alpha.
+    virtual Alpha alphaConvention() const { return Alpha::Premultiplied; }
+    /// Longest side of a texture in pixels; larger pictures are cut down.
+    virtual int maximumTextureSize() const { return 4096; }
+    /// Around all rectangles of one frame.
+    virtual void beginFrame() {}
+    virtual void endFrame() {}
+};
+
+}  // namespace flarebox

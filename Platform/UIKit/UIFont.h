@@ -1,0 +1,33 @@
+#pragma once
+
+#include <UIKit/Geometry.h>
+
+#include <string>
+#include <string_view>
+
+namespace flarebox {
+
+enum class UIFontWeight : int { Regular = 400, Medium = 500, Semibold = 600, Bold = 700 };
+
+/// A typeface at a size in points. A plain value; a name that is not installed falls back to the system font.
+class UIFont {
+public:
+    UIFont() = default;
+    /// `name` in the platform's form, family and weight joined by a hyphen: "HelveticaNeue-Medium".
+    static UIFont fontWithName(std::string_view name, CGFloat size);
+    static UIFont systemFontOfSize(CGFloat size, UIFontWeight weight = UIFontWeight::Regular);
+
+    /// Empty for the system font.
+    const std::string& family() const { return family_; }
+    UIFontWeight weight() const { return weight_; }
+    CGFloat pointSize() const { return size_; }
+    UIFont fontWithSize(CGFloat size) const;
+    friend bool operator==(const UIFont&, const UIFont&) = default;
+
+private:
+    std::string family_;
+    UIFontWeight weight_ = UIFontWeight::Regular;
+    CGFloat size_ = 17;
+};
+
+}  // namespace flarebox

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <UIKit/Compositor.h>
+#include <UIKit/Geometry.h>
+
+#include <cstdint>
+#include <memory>
+#include <string_view>
+
+namespace flarebox {
+
+/// Whether the panel used an input event, or it is the game's.
+enum class InputResult : std::uint8_t { Ignored, Consumed };
+
+enum class UIDeviceOrientation : std::int64_t {
+    Unknown = 0, Portrait = 1, PortraitUpsideDown = 2, LandscapeLeft = 3, LandscapeRight = 4, FaceUp = 5, FaceDown = 6
+};
+
+/// What a host adapter tells the kit and asks of it: screen, input, the frame tick, drawing. One exists at a time; it makes the
+/// application's window and, when destroyed, stops every thread of the kit within 200 ms. Main thread.
+class UIHost {
+public:
+    /// Size in points, scale in pixels per point.
+    UIHost(CGSize screenSize, CGFloat scale);
+    virtual ~UIHost();
+    UIHost(const UIHost&) = delete;
+    UIHost& operator=(const UIHost&) = delete;
+
+    /// The screen's size or scale changed; the window follows. Does not by itself report a new orientation.
+    void setScreen(CGSize size, CGFloat scale);
+    void setOrientation(UIDeviceOrientation orientation);
+
+    // Input, in points of the screen. A touch that began on the panel belongs to it until it ends, one that began beside it to the game.
+    /// `pointer` tells fingers apart; the mouse is 0.
+    InputResult pointerDown(int pointer, CGPoint point);
+    InputResult pointerMoved(int pointer, CGPoint point);
+    InputResult pointerUp(int pointer, CGPoint point);
+    void pointerCancelled(int pointer);
+    /// The mouse moved without a button pressed, or left the window.
+    InputResult pointerHovered(CGPoint point);
+    void pointerLeft();
+    InputResult scrolled(CGPoint point, CGFloat dx, CGFloat dy);
+    /// A key by its name: "escape", "return", "space", "left", ….
+    InputResult keyDown(std::string_view name);
+
+    /// The one call a frame: runs what is due on the main queue within `budget` seconds, advances animations, lays out, and finds
+    /// again what lies under a still pointer.
+    void update(double budget = 0.004);
+    /// Whether the picture differs from the one last drawn.
+    bool needsDisplay() const;
+    /// Draws the panel over what the host has drawn. The host calls it inside its own frame.
+    void draw(Compositor& compositor);
+    /// Gives back every texture made with that compositor; call before it goes away.
+    void releaseTextures(Compositor& compositor);
+
+private:
+    struct State;
+    std::unique_ptr<State> state_;
+};
+
+}  // namespace flarebox

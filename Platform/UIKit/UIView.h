@@ -1,0 +1,175 @@
+#pragma once
+
+#include <Foundation/NSObject.h>
+#include <UIKit/CALayer.h>
+#include <UIKit/Canvas.h>
+#include <UIKit/Geometry.h>
+#include <UIKit/NSLayoutConstraint.h>
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace flarebox {
+
+class UIGestureRecognizer;
+class UITouch;
+class UIWindow;
+
+/// Width or height that a view does not have by itself.
+inline constexpr CGFloat UIViewNoIntrinsicMetric = -1;
+
+enum class UIViewContentMode : std::uint8_t { ScaleToFill, ScaleAspectFit, ScaleAspectFill };
+enum class UILayoutConstraintAxis : std::uint8_t { Horizontal, Vertical };
+
+/// A rectangle of the retained tree: owned by its superview, laid out by constraints or by its frame, drawn into a bitmap of
+/// its own only when something about it changed. Main thread only.
+class UIView : public NSObject {
+    FLAREBOX_CLASS(UIView)
+public:
+    UIView();
+    ~UIView() override;
+
+    // The tree. Sub-views are drawn in order, the last on top.
+    UIView* superview() const { return superview_; }
+    std::span<const Ref<UIView>> subviews() const { return subviews_; }
+    /// Moves the view here, on top; removes it from where it was.
+    void addSubview(UIView& view);
+    void insertSubview(UIView& view, std::size_t index);
+    virtual void removeFromSuperview();
+    void bringSubviewToFront(UIView& view);
+    void sendSubviewToBack(UIView& view);
+    bool isDescendantOfView(const UIView& ancestor) const;
+    /// The window at the root, or null.
+    virtual UIWindow* window() const;
+
+    // Geometry. The frame is in the superview's coordinates; the bounds' origin scrolls the content.
+    const CGRect& frame() const { return frame_; }
+    void setFrame(const CGRect& frame);
+    CGRect bounds() const { return {boundsOrigin_, frame_.size}; }
+    void setBoundsOrigin(CGPoint origin);
+    /// Where the view is shown at this moment of an animation; the frame when none runs.
+    CGRect presentationFrame() const;
+    /// Between this view's coordinates and another's, or the root's for null. Of the final layout, not of an animation's moment.
+    CGPoint convertPointToView(CGPoint point, const UIView* view) const;
+    CGRect convertRectToView(const CGRect& rect, const UIView* view) const;
+    /// The rectangle in root coordinates as it is shown now, animations and scrolling included.
+    CGRect presentationRectInRoot() const;
+
+    // Look.
+    bool isHidden() const { return hidden_; }
+    void setHidden(bool hidden);
+    CGFloat alpha() const { return alpha_; }
+    void setAlpha(CGFloat alpha);
+    CGFloat presentationAlpha() const;
+    const UIColor& backgroundColor() const { return backgroundColor_; }
+    void setBackgroundColor(const UIColor& color);
+    /// White unless set.
+    const UIColor& tintColor() const { return tintColor_; }
+    void setTintColor(const UIColor& color);
+    bool clipsToBounds() const { return clipsToBounds_; }
+    void setClipsToBounds(bool clips);
+    UIViewContentMode contentMode() const { return contentMode_; }
+    void setContentMode(UIViewContentMode mode);
+    CALayer& layer() { return layer_; }
+    const CALayer& layer() const { return layer_; }
+    /// Not hidden, alpha above 0.01, and so are all its ancestors up to a window.
+    bool isVisibleInWindow() const;
+    /// A name for messages, tools and assistive technology; layout files set it.
+    const std::string& accessibilityIdentifier() const { return identifier_; }
+    void setAccessibilityIdentifier(std::string identifier) { identifier_ = std::move(identifier); }
+
+    // Constraints.
+    /// While true the frame is the view's layout; while false the constraints are. True for a new view.
+    bool translatesAutoresizingMaskIntoConstraints() const { return translatesMask_; }
+    void setTranslatesAutoresizingMaskIntoConstraints(bool translates);
+    /// Those that this view holds, in the order they were added.
+    std::span<const Ref<NSLayoutConstraint>> constraints() const { return constraints_; }
+    /// The items must be this view or below it, in one tree; otherwise the constraint is refused with a message.
+    void addConstraint(const Ref<NSLayoutConstraint>& constraint);
+    void addConstraints(std::span<const Ref<NSLayoutConstraint>> constraints);
+    void removeConstraint(NSLayoutConstraint& constraint);
+    void removeConstraints(std::span<const Ref<NSLayoutConstraint>> constraints);
+    /// The size that the content asks for, UIViewNoIntrinsicMetric where it asks for none.
+    virtual CGSize intrinsicContentSize() const;
+    void invalidateIntrinsicContentSize();
+    UILayoutPriority contentHuggingPriority(UILayoutConstraintAxis axis) const;
+    void setContentHuggingPriority(UILayoutPriority priority, UILayoutConstraintAxis axis);
+    UILayoutPriority contentCompressionResistancePriority(UILayoutConstraintAxis axis) const;
+    void setContentCompressionResistancePriority(UILayoutPriority priority, UILayoutConstraintAxis axis);
+
+    // Layout and drawing.
+    void setNeedsLayout();
+    /// Lays out now what needs it: this view's whole tree is solved, this view and what is below it get `layoutSubviews`.
+    void layoutIfNeeded();
+    /// Called when the view's size or its sub-views' constraints changed; the frames of constrained sub-views are already set.
+    virtual void layoutSubviews();
+    void setNeedsDisplay();
+    /// Draws what the view shows between its background and its border. Views that draw nothing need no override and cost no bitmap.
+    virtual void drawRect(Canvas& canvas, const CGRect& bounds);
+    /// Whether `drawRect` would draw something; a view that answers false gets a bitmap only for background, border or shadow.
+    virtual bool drawsContent() const { return false; }
+
+    // Hooks.
+    /// After a layout file made the view and bound all its outlets.
+    virtual void awakeFromNib();
+    virtual void didMoveToSuperview();
+    virtual void didMoveToWindow();
+
+    // Input. Points are in the view's own coordinates, of what is shown at this moment.
+    bool isUserInteractionEnabled() const { return userInteractionEnabled_; }
+    void setUserInteractionEnabled(bool enabled) { userInteractionEnabled_ = enabled; }
+    /// The deepest view under the point that takes input, or null. Hidden, disabled and nearly transparent views take none.
+    virtual UIView* hitTest(CGPoint point);
+    virtual bool pointInside(CGPoint point) const;
+    /// A touch that began in this view. The default hands it to the superview.
+    virtual void touchesBegan(UITouch& touch);
+    virtual void touchesMoved(UITouch& touch);
+    virtual void touchesEnded(UITouch& touch);
+    virtual void touchesCancelled(UITouch& touch);
+    /// Wheel or two-finger scrolling over the view, in points. Returns whether it was used; the superview is asked next otherwise.
+    virtual bool scrollWheel(CGPoint point, CGFloat dx, CGFloat dy);
+    /// The pointer rests or moves over the view (null touch state), or has left it.
+    virtual void pointerEntered() {}
+    virtual void pointerExited() {}
+    void addGestureRecognizer(const Ref<UIGestureRecognizer>& recognizer);
+    std::span<const Ref<UIGestureRecognizer>> gestureRecognizers() const { return gestureRecognizers_; }
+
+    // Animation.
+    /// Runs `animations` now, which changes frames, alpha or lays out; the changes are then shown over `duration` seconds, easing in
+    /// and out, starting from what is on screen. `completion` runs on the main queue at the end (false when superseded by a later one). 0 shows them at once.
+    static void animateWithDuration(double duration, const std::function<void()>& animations,
+                                    std::function<void(bool finished)> completion = nullptr);
+
+private:
+    friend class LayoutEngine;
+    friend class LayerRenderer;
+    friend class ViewAnimations;
+    friend class NSLayoutConstraint;
+
+    UIView* superview_ = nullptr;
+    std::vector<Ref<UIView>> subviews_;
+    std::vector<Ref<NSLayoutConstraint>> constraints_;
+    std::vector<Ref<UIGestureRecognizer>> gestureRecognizers_;
+    CGRect frame_;
+    CGPoint boundsOrigin_;
+    CALayer layer_{*this};
+    UIColor backgroundColor_, tintColor_ = UIColor::whiteColor();
+    CGFloat alpha_ = 1;
+    std::string identifier_;
+    UIViewContentMode contentMode_ = UIViewContentMode::ScaleToFill;
+    bool hidden_ = false, clipsToBounds_ = false, translatesMask_ = true, userInteractionEnabled_ = true;
+    bool needsLayout_ = true, needsDisplay_ = true;
+    // What the layout engine, the renderer and running animations keep per view; null until needed.
+    struct LayoutState;
+    struct RenderState;
+    struct AnimationState;
+    std::unique_ptr<LayoutState> layoutState_;
+    std::unique_ptr<RenderState> renderState_;
+    std::unique_ptr<AnimationState> animationState_;
+};
+
+}  // namespace flarebox

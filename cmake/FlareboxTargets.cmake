@@ -1,0 +1,23 @@
+# What all targets of this project share. Nothing here leaks into a project that includes us.
+
+add_library(FlareboxOptions INTERFACE)
+target_compile_features(FlareboxOptions INTERFACE cxx_std_20)
+target_compile_options(FlareboxOptions INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align -Werror)
+if(FLAREBOX_SANITIZE)
+  target_compile_options(FlareboxOptions INTERFACE -fsanitize=${FLAREBOX_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  target_link_options(FlareboxOptions INTERFACE -fsanitize=${FLAREBOX_SANITIZE})
+endif()
+
+# flarebox_library(NAME FOLDER... ) builds a static library from every source below the folders.
+function(flarebox_library name)
+  set(patterns "")
+  foreach(folder IN LISTS ARGN)
+    list(APPEND patterns "${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.cpp" "${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.h")
+  endforeach()
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${patterns})
+  add_library(${name} STATIC ${sources})
+  set_target_properties(${name} PROPERTIES LINKER_LANGUAGE CXX POSITION_INDEPENDENT_CODE ON)
+  target_include_directories(${name} PUBLIC "${PROJECT_SOURCE_DIR}/Platform" "${PROJECT_SOURCE_DIR}")
+  target_link_libraries(${name} PRIVATE FlareboxOptions PUBLIC Threads::Threads)
+endfunction()
