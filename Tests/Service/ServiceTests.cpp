@@ -204,7 +204,7 @@ TEST_F(ServiceTest, RefusesEachSingleWrongThingAndNamesIt) {
         {engagement(), set("action", "\"4d\""), "'action'"},
         {engagement(), set("asset", "null"), "'asset'"},
         {engagement(), set("session", "\"\""), "'session'"},
-        {coupon(), header("Game-UID", ""), "surplus header 'Game-UID'"},
+        {coupon(), header("Game-UID", "g-1"), "surplus header 'Game-UID'"},
         {coupon(), set("asset", "\"4101\""), "'asset' is not a number"},
         {coupon(), set("asset", "null"), "'asset' is not a number"},
         {coupon(), set("session", "7"), "'session' is not a text or null"},

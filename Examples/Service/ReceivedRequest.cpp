@@ -1,0 +1,14 @@
+#include "ReceivedRequest.h"
+
+#include <strings.h>
+
+namespace flarebox::examples {
+
+std::optional<std::string_view> ReceivedRequest::header(std::string_view name) const {
+    for (const auto& [key, value] : headers) {
+        if (key.size() == name.size() && strncasecmp(key.data(), name.data(), name.size()) == 0) return value;
+    }
+    return std::nullopt;
+}
+
+}  // namespace flarebox::examples
