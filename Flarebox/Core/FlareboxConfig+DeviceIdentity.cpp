@@ -1,0 +1,88 @@
+#include <AdSupport/ASIdentifierManager.h>
+#include <Flarebox/Core/FlareboxConfig.h>
+#include <UIKit/UIAlertController.h>
+#include <UIKit/UIApplication.h>
+#include <UIKit/UINavigationController.h>
+#include <UIKit/UITabBarController.h>
+#include <UIKit/UIViewController.h>
+#include <UIKit/UIWindow.h>
+
+#include <arpa/inet.h>
+#include <ifaddrs.h>
+#include <netinet/in.h>
+
+#include <memory>
+#include <string_view>
+
+namespace flarebox {
+namespace {
+
+constexpr const char* trackingMessage =
+    "Advertising tracking may be disabled. Please turn off the 'Limit Ad Tracking' from Settings -> Privacy -> Advertising.";
+constexpr const char* trackingSettings = "App-Prefs:root=Privacy&path=Advertising";
+
+void openTrackingSettings() {
+    const NSURL settings = NSURL::URLWithString(trackingSettings);
+    UIApplication& application = UIApplication::sharedApplication();
+    if (application.canOpenURL(settings)) application.openURL(settings);
+}
+
+/// The controller over which the kit shows an alert: of a navigation stack the bottom one, of a tab bar the selected one. Null without a window.
+Ref<UIViewController> alertPresenter() {
+    UIApplicationDelegate* delegate = UIApplication::sharedApplication().delegate();
+    UIWindow* window = delegate ? delegate->window() : nullptr;
+    Ref<UIViewController> presenter = window ? window->rootViewController() : nullptr;
+    if (auto* navigation = objectCast<UINavigationController>(presenter.get())) {
+        presenter = navigation->viewControllers().empty() ? nullptr : navigation->viewControllers().front();
+    }
+    if (auto* tabBar = objectCast<UITabBarController>(presenter.get())) presenter = tabBar->selectedViewController();
+    return presenter;
+}
+
+}  // namespace
+
+NSString FlareboxConfig::deviceUID() {
+    ASIdentifierManager& manager = ASIdentifierManager::sharedManager();
+    if (manager.isAdvertisingTrackingEnabled()) return manager.advertisingIdentifier().UUIDString();
+    handleAdsDisable();
+    return nullptr;
+}
+
+void FlareboxConfig::setDeviceUID(const NSString& identifier) {
+    if (sessionEdit_) sessionEdit_->setDeviceId(identifier);
+}
+
+bool FlareboxConfig::validDeviceUID() const {
+    if (!sessionEdit_) return false;
+    return !sessionEdit_->deviceId().text().empty();
+}
+
+void FlareboxConfig::handleAdsDisable() {
+    const Ref<UIViewController> presenter = alertPresenter();
+    if (!presenter) return;
+    const Ref<UIAlertController> alert =
+        UIAlertController::alertControllerWithTitle("", trackingMessage, UIAlertControllerStyle::Alert);
+    alert->addAction(UIAlertAction::actionWithTitle("OK", UIAlertActionStyle::Default, [](UIAlertAction&) { openTrackingSettings(); }));
+    alert->addAction(UIAlertAction::actionWithTitle("Cancel", UIAlertActionStyle::Cancel, [](UIAlertAction&) {}));
+    presenter->presentViewController(alert, true, nullptr);
+}
+
+NSString FlareboxConfig::addressAmong(const ifaddrs* interfaces) {
+    NSString address = "error";
+    for (const ifaddrs* entry = interfaces; entry; entry = entry->ifa_next) {
+        if (!entry->ifa_addr || !entry->ifa_name || entry->ifa_addr->sa_family != AF_INET) continue;
+        const std::string_view name = entry->ifa_name;
+        if (name != "en0" && name != "pdp_ip0") continue;
+        address = inet_ntoa(reinterpret_cast<const sockaddr_in*>(entry->ifa_addr)->sin_addr);
+    }
+    return address;
+}
+
+NSString FlareboxConfig::getIPAddress() {
+    ifaddrs* interfaces = nullptr;
+    if (getifaddrs(&interfaces) != 0) return "error";
+    const std::unique_ptr<ifaddrs, void (*)(ifaddrs*)> owner(interfaces, freeifaddrs);
+    return addressAmong(interfaces);
+}
+
+}  // namespace flarebox

@@ -1,0 +1,86 @@
+#pragma once
+
+#include <Flarebox/Models/FXSessionInfo.h>
+#include <Flarebox/Models/FXUserSession.h>
+#include <Foundation/NSObject.h>
+#include <Foundation/Values.h>
+
+#include <cstdint>
+
+struct ifaddrs;
+
+namespace flarebox {
+
+/// Seconds between refreshes while the configuration holds no positive period.
+extern std::int32_t refreshTimeIntervalDefault;
+
+/// The settings of the kit, filled by the host before it shows the tab. One instance for the process; nothing of it is stored.
+/// Main thread, except `defaultConfig`, `enableLogging` and `logLevel`, which any thread may read.
+class FlareboxConfig : public NSObject {
+    FLAREBOX_CLASS(FlareboxConfig)
+public:
+    /// The one instance, made by the first call. Any thread.
+    static FlareboxConfig& defaultConfig();
+
+    /// Stores the five values as they are, null ones included; a later call overwrites them.
+    /// `gameUID` and `gameVersion` name the game to the service. `logLevel`: 1 everything, 2 warnings and errors, 3 errors, other values nothing.
+    void configFlareboxWithUserSession(const Ref<FXUserSession>& userSession, const NSString& gameUID, const NSString& gameVersion,
+                                       bool enableLogging, std::uint64_t logLevel);
+
+    /// The game's identifier on the service; null until configured.
+    const NSString& gameUID() const { return gameUID_; }
+    void setGameUID(const NSString& gameUID) { gameUID_ = gameUID; }
+    const NSString& gameVersion() const { return gameVersion_; }
+    void setGameVersion(const NSString& gameVersion) { gameVersion_ = gameVersion; }
+    /// Observable by its name; a tab that exists is told through its own `showFlareboxButton`.
+    bool showFlareboxButton() const { return showFlareboxButton_; }
+    void setShowFlareboxButton(bool show);
+    bool initializeOnStart() const { return initializeOnStart_; }
+    void setInitializeOnStart(bool initialize) { initializeOnStart_ = initialize; }
+    /// A slot for the host; the current game session is kept by FlareboxManager.
+    const Ref<FXSessionInfo>& sessionInfo() const { return sessionInfo_; }
+    void setSessionInfo(const Ref<FXSessionInfo>& sessionInfo) { sessionInfo_ = sessionInfo; }
+    /// The player's data; also carries the device identifier. May be null.
+    const Ref<FXUserSession>& sessionEdit() const { return sessionEdit_; }
+    void setSessionEdit(const Ref<FXUserSession>& sessionEdit) { sessionEdit_ = sessionEdit; }
+    bool enableLogging() const { return enableLogging_.load(std::memory_order_relaxed); }
+    void setEnableLogging(bool enable) { enableLogging_.store(enable, std::memory_order_relaxed); }
+    std::uint64_t logLevel() const { return logLevel_.load(std::memory_order_relaxed); }
+    void setLogLevel(std::uint64_t level) { logLevel_.store(level, std::memory_order_relaxed); }
+    /// Seconds between refreshes as set; 0 or less stands for the default.
+    std::int32_t refreshTimeInterval() const { return refreshTimeInterval_; }
+    void setRefreshTimeInterval(std::int32_t seconds) { refreshTimeInterval_ = seconds; }
+    /// The period in force, in seconds: the one set when positive, the default otherwise.
+    std::int32_t getTimeRefresh() const;
+    void setTimeRefresh(std::int32_t seconds) { setRefreshTimeInterval(seconds); }
+
+    /// The advertising identifier as an upper-case UUID text. Null while tracking is switched off; the player is then asked by an alert
+    /// to allow it.
+    static NSString deviceUID();
+    /// Keeps the identifier in `sessionEdit`; without one the call does nothing.
+    void setDeviceUID(const NSString& identifier);
+    /// Whether `sessionEdit` holds an identifier that is not empty.
+    bool validDeviceUID() const;
+    /// Shows the alert that asks for advertising tracking, over the application's window; nothing happens without a window.
+    static void handleAdsDisable();
+    /// The IPv4 address of the interface "en0" or "pdp_ip0" in dotted decimal, the last one listed; "error" when there is none.
+    static NSString getIPAddress();
+    /// The same, of a list as `getifaddrs` makes it; null is an empty list.
+    static NSString addressAmong(const ::ifaddrs* interfaces);
+
+private:
+    template <class T, class... Arguments>
+    friend Ref<T> make(Arguments&&...);
+    FlareboxConfig() = default;
+    void setupDefaultConfig();
+
+    NSString gameUID_, gameVersion_;
+    Ref<FXSessionInfo> sessionInfo_;
+    Ref<FXUserSession> sessionEdit_;
+    std::atomic<std::uint64_t> logLevel_{0};
+    std::int32_t refreshTimeInterval_ = 0;
+    bool showFlareboxButton_ = false, initializeOnStart_ = false;
+    std::atomic<bool> enableLogging_{false};
+};
+
+}  // namespace flarebox

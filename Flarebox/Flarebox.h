@@ -1,0 +1,11 @@
+#pragma once
+
+/// @file
+/// Everything that a host game needs of the kit. A host adapter comes on top: <Host/SDL/SDLHost.h> for games on SDL2,
+/// <Host/Headless/HeadlessHost.h> for tests and tools.
+
+#include <Flarebox/Core/FlareboxConfig.h>
+#include <Flarebox/Core/Logging.h>
+#include <Flarebox/Managers/FlareboxManager.h>
+#include <Flarebox/Models/FXUserSession.h>
+#include <Flarebox/Views/FlareboxView.h>

@@ -1,0 +1,39 @@
+#include <Flarebox/Core/FlareboxBundle.h>
+#include <Flarebox/Managers/FlareboxManager.h>
+#include <Foundation/NSUserDefaults.h>
+#include <Networking/AFJSONRequestSerializer.h>
+#include <Networking/AFJSONResponseSerializer.h>
+
+namespace flarebox {
+
+const ClassInfo& FlareboxManager::staticClass() {
+    static const ClassInfo info("FlareboxManager", &AFHTTPSessionManager::staticClass(), nullptr);
+    return info;
+}
+
+FlareboxManager& FlareboxManager::sharedInstance() {
+    // Never destroyed: the session it carries lasts as long as the process.
+    static FlareboxManager* const shared = [] {
+        const NSString address = flareboxBundle().objectForInfoDictionaryKey("API_URL").as<NSString>();
+        return make<FlareboxManager>(NSURL::URLWithString(address)).leak();
+    }();
+    return *shared;
+}
+
+FlareboxManager::FlareboxManager(const NSURL& baseURL) : AFHTTPSessionManager(baseURL) {
+    setRequestSerializer(AFJSONRequestSerializer::serializer());
+    setResponseSerializer(AFJSONResponseSerializer::serializer());
+}
+
+Ref<NSMutableURLRequest> FlareboxManager::requestWithMethod(const NSString& method, const NSString& path, const NSDictionary& params,
+                                                            const NSDictionary& headers) {
+    const std::string address = baseURL().absoluteString() + path.string();
+    Ref<NSMutableURLRequest> request = requestSerializer()->requestWithMethod(method, address, params, nullptr);
+    if (!request) return nullptr;
+    request->setTimeoutInterval(static_cast<double>(NSUserDefaults::standardUserDefaults().integerForKey("timeoutInterval")));
+    for (const auto& [name, value] : headers.entries()) request->setValueForHTTPHeaderField(value.as<NSString>(), name.as<NSString>());
+    request->setValueForHTTPHeaderField("application/json", "Accept");
+    return request;
+}
+
+}  // namespace flarebox

@@ -1,0 +1,69 @@
+#pragma once
+
+#include <Flarebox/Models/FXAssetInfo.h>
+#include <Flarebox/Models/FXCoupon.h>
+#include <Flarebox/Models/FXEngagementData.h>
+#include <Flarebox/Models/FXSessionInfo.h>
+#include <Foundation/NSError.h>
+#include <Networking/AFHTTPSessionManager.h>
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+namespace flarebox {
+
+/// Domain and code of the error for an input that a service operation needs and does not have.
+extern const char* const kApiErrorDomain;
+extern const int kApiMissingParamErrorCode;
+
+/// Assets in the order in which they are listed. Shared, so that the client and the tab hold the same list.
+using AssetList = std::vector<Ref<FXAssetInfo>>;
+
+/// The one client of the service. Its operations read the configuration afresh, send one request each, and call their
+/// completion once on the main queue. Main thread.
+class FlareboxManager : public AFHTTPSessionManager {
+    FLAREBOX_CLASS(FlareboxManager)
+public:
+    /// Made by the first call from the "API_URL" of the kit's information table.
+    static FlareboxManager& sharedInstance();
+
+    /// The assets last loaded; null before the first load.
+    const std::shared_ptr<AssetList>& gameAssets() const { return gameAssets_; }
+    void setGameAssets(std::shared_ptr<AssetList> assets) { gameAssets_ = std::move(assets); }
+    /// The current game session; null until one was created.
+    const Ref<FXSessionInfo>& sessionInfo() const { return sessionInfo_; }
+    void setSessionInfo(const Ref<FXSessionInfo>& session) { sessionInfo_ = session; }
+    /// When the tab was last opened; absent before.
+    const NSDate& flareboxOpenedDate() const { return flareboxOpenedDate_; }
+    void setFlareboxOpenedDate(const NSDate& date) { flareboxOpenedDate_ = date; }
+
+    /// A request for a path (starting with "/") below the base address: its text is appended as it stands. `params` (absent for none) go into
+    /// the query of a "GET" and into a JSON body otherwise. The time-out is the host's default "timeoutInterval" in whole seconds, 0
+    /// for the transport's own. Null when no request can be made of these.
+    Ref<NSMutableURLRequest> requestWithMethod(const NSString& method, const NSString& path, const NSDictionary& params,
+                                               const NSDictionary& headers);
+
+    /// Creates a game session for the configured player. Needs a game UID, a game version and a user session.
+    void createSesstion(const std::function<void(const Ref<FXSessionInfo>&, const Ref<NSError>&)>& completion);
+    /// Loads the first 20 assets of the game, in the service's order. Needs a game UID and a game version.
+    void loadGameCommonAssets(const std::function<void(const std::shared_ptr<AssetList>&, const Ref<NSError>&)>& completion);
+    /// Reports what the player did. The record must not be null.
+    void sendEngagement(const Ref<FXEngagementData>& engagement, const std::function<void(const Ref<NSError>&)>& completion);
+    /// Saves a coupon to the player's account. The record must not be null.
+    void saveCoupon(const Ref<FXCoupon>& coupon, const std::function<void(const Ref<FXCoupon>&, const Ref<NSError>&)>& completion);
+
+private:
+    template <class T, class... Arguments>
+    friend Ref<T> make(Arguments&&...);
+    explicit FlareboxManager(const NSURL& baseURL);
+
+    using Answer = std::function<void(const Value& answer, const Ref<NSError>& error)>;
+    void send(const NSString& method, const NSString& path, const NSDictionary& params, const NSDictionary& headers, Answer answer);
+
+    std::shared_ptr<AssetList> gameAssets_;
+    Ref<FXSessionInfo> sessionInfo_;
+    NSDate flareboxOpenedDate_;
+};
+
+}  // namespace flarebox

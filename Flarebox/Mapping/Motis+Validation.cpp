@@ -1,0 +1,160 @@
+#include <Flarebox/Mapping/Motis.h>
+#include <Flarebox/Mapping/MotisPlan.h>
+#include <Foundation/NSNumberFormatter.h>
+
+#include <algorithm>
+
+namespace flarebox {
+
+namespace {
+
+bool equalsIgnoringCase(std::string_view text, std::string_view lowerCase) {
+    return std::ranges::equal(text, lowerCase, {}, [](char character) {
+        return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
+    });
+}
+
+bool isSecondsText(std::string_view text) { return text.find_first_not_of("1234567890.,") == std::string_view::npos; }
+
+/// The number that a text stands for where a number is wanted: a truth value by name, or its floating-point reading.
+NSNumber numberFromText(const NSString& text) {
+    if (equalsIgnoringCase(text.text(), "true")) return true;
+    if (equalsIgnoringCase(text.text(), "false")) return false;
+    return text.doubleValue();
+}
+
+bool convertToScalar(char code, Value& value) {
+    if (value.kind() == Value::Kind::Number) return true;
+    const auto text = value.as<NSString>();
+    if (!text) return false;
+    if (code == 'B') value = numberFromText(text).doubleValue() != 0;
+    if (code == 'Q') value = mts_decimalFormatterNoFloats().numberFromString(text);
+    return static_cast<bool>(value);
+}
+
+/// A collection of that kind with the array's elements.
+bool convertArray(ClassKind kind, const NSArray& array, Value& value) {
+    switch (kind) {
+        case ClassKind::MutableArray: value = array.mutableCopy(); return true;
+        case ClassKind::Array: value = array.copy(); return true;
+        case ClassKind::MutableSet: value = NSMutableSet::setWithValues(array.elements()); return true;
+        case ClassKind::Set: value = NSSet::setWithValues(array.elements()); return true;
+        case ClassKind::MutableOrderedSet: value = NSMutableOrderedSet::orderedSetWithValues(array.elements()); return true;
+        case ClassKind::OrderedSet: value = NSOrderedSet::orderedSetWithValues(array.elements()); return true;
+        default: return false;
+    }
+}
+
+bool convertNumber(ClassKind kind, const NSNumber& number, Value& value) {
+    if (kind == ClassKind::Date) value = NSDate::dateWithTimeIntervalSince1970(number.doubleValue());
+    else if (kind == ClassKind::String) value = NSString(number.stringValue());
+    else return false;
+    return true;
+}
+
+}  // namespace
+
+bool MotisObject::mts_validateAutomaticallyValue(Value& value, std::string_view property) {
+    const MotisPlan& plan = classInfo().plan();
+    if (const PropertyPlan* known = plan.property(property)) return convert(*known, value);
+    return convert(plan.describe(property), value);
+}
+
+bool MotisObject::mts_validateAutomaticallyValue(Value& value, const ClassInfo& cls, std::string_view property) {
+    const MotisPlan& plan = classInfo().plan();
+    const PropertyPlan* known = plan.property(property);
+    return convertToClass(known ? *known : plan.describe(property), cls, kindOfClass(cls), value);
+}
+
+void MotisObject::mts_validateArrayContent(NSArray& array, std::string_view property) {
+    const MotisPlan& plan = classInfo().plan();
+    const PropertyPlan* known = plan.property(property);
+    checkElements(known ? *known : plan.describe(property), array);
+}
+
+bool MotisObject::convert(const PropertyPlan& property, Value& value) {
+    if (!value) return true;
+    switch (property.rule.kind) {
+        case TypeRule::Kind::Anything: return true;
+        case TypeRule::Kind::Nothing: return false;
+        case TypeRule::Kind::Scalar: return convertToScalar(property.rule.scalarCode, value);
+        case TypeRule::Kind::Object: break;
+    }
+    return convertToClass(property, *property.rule.targetClass, property.rule.classKind, value);
+}
+
+bool MotisObject::convertToClass(const PropertyPlan& property, const ClassInfo& cls, ClassKind kind, Value& value) {
+    if (auto array = value.as<NSArray>()) {
+        checkElements(property, array);
+        return convertArray(kind, array, value);
+    }
+    if (value && value.isKindOf(cls)) return true;
+    if (value.kind() == Value::Kind::String) return convertText(kind, value);
+    if (const auto number = value.as<NSNumber>()) return convertNumber(kind, number, value);
+    const auto dictionary = value.as<NSDictionary>();
+    if (!dictionary) return false;
+    if (kind == ClassKind::Model) return makeNestedObject(property, cls, value);
+    if (kind != ClassKind::MutableDictionary) return false;
+    value = dictionary.mutableCopy();
+    return true;
+}
+
+bool MotisObject::convertText(ClassKind kind, Value& value) const {
+    const auto text = value.as<NSString>();
+    switch (kind) {
+        case ClassKind::URL: value = NSURL::URLWithString(text); break;
+        case ClassKind::Data: value = NSData::dataWithBase64EncodedString(text); break;
+        case ClassKind::Number: value = numberFromText(text); break;
+        case ClassKind::Date:
+            if (NSDateFormatter* formatter = classInfo().plan().dateFormatter()) value = formatter->dateFromString(text);
+            else if (isSecondsText(text.text())) value = NSDate::dateWithTimeIntervalSince1970(text.doubleValue());
+            else return false;
+            break;
+        default: return false;
+    }
+    return static_cast<bool>(value);
+}
+
+bool MotisObject::makeNestedObject(const PropertyPlan& property, const ClassInfo& cls, Value& value) {
+    const auto dictionary = value.as<NSDictionary>();
+    bool abort = false;
+    Ref<NSObject> object = mts_willCreateObjectOfClass(cls, dictionary, property.name, abort);
+    if (abort) return false;
+    if (!object) {
+        object = cls.create();
+        if (auto* model = objectCast<MotisObject>(object.get())) model->mts_setValuesForKeysWithDictionary(dictionary);
+    }
+    value = object ? Value(object) : Value();
+    if (!object) return false;
+    mts_didCreateObject(*object, property.name);
+    return true;
+}
+
+void MotisObject::checkElements(const PropertyPlan& property, NSArray& array) {
+    // From the end, so that a removal leaves the indexes still to visit as they are. Copied on the first change.
+    const NSArray original = array.copy();
+    NSMutableArray changed;
+    const auto copyForChange = [&]() -> NSMutableArray& {
+        if (!changed) changed = original.mutableCopy();
+        return changed;
+    };
+    for (std::size_t index = original.count(); index-- > 0;) {
+        const Value element = original.objectAtIndex(index);
+        Value value = element.isNull() ? Value() : element;
+        Ref<NSError> error;
+        bool isValid = mts_validateArrayObjectForArrayKey(value, property.name, error);
+        if (isValid && property.elementClass && value.isSameAs(element)) {
+            isValid = convertToClass(property, *property.elementClass, kindOfClass(*property.elementClass), value);
+        }
+        if (!isValid) {
+            copyForChange().removeObjectAtIndex(index);
+            mts_invalidValueForArrayKey(value, property.name, error);
+        } else if (!value.isSameAs(element)) {
+            if (value) copyForChange().replaceObjectAtIndex(index, value);
+            else copyForChange().removeObjectAtIndex(index);
+        }
+    }
+    if (changed) array = changed.copy();
+}
+
+}  // namespace flarebox

@@ -1,0 +1,198 @@
+#include <Flarebox/Mapping/Motis.h>
+
+#include <Flarebox/Mapping/MotisPlan.h>
+#include <Foundation/Immortal.h>
+
+namespace flarebox {
+
+namespace {
+
+/// The value that a key path's component selects by name: a JSON object's entry, or for an array the array of what each of
+/// its elements has under the name, with the JSON null for nothing.
+Value valueUnderName(const Value& container, std::string_view name) {
+    if (const auto dictionary = container.as<NSDictionary>()) return dictionary.objectForKey(name);
+    const auto array = container.as<NSArray>();
+    if (!array) return nullptr;
+    std::vector<Value> selected;
+    selected.reserve(array.count());
+    for (const Value& element : array) {
+        Value value = valueUnderName(element, name);
+        selected.push_back(value ? std::move(value) : Value::null());
+    }
+    return NSArray::arrayWithValues(std::move(selected));
+}
+
+/// One step of a key path; absent when it leads nowhere.
+Value step(const Value& container, const MTSKeyPath::Component& component) {
+    const auto array = container.as<NSArray>();
+    if (array && component.index >= 0) return array.objectAtIndex(static_cast<std::size_t>(component.index));
+    return valueUnderName(container, component.name);
+}
+
+}  // namespace
+
+const MotisClass& MotisObject::staticClass() {
+    static detail::Immortal<MotisClass> cls("MotisObject", NSObject::staticClass(), ClassInfo::Factory(&createObject<MotisObject>),
+                                            std::vector<MotisProperty>(), MotisDeclarations());
+    return *cls;
+}
+
+// --- Filling ---
+
+void MotisObject::mts_setValuesForKeysWithDictionary(const NSDictionary& dictionary) {
+    const MotisPlan& plan = classInfo().plan();
+    // A hook may change the dictionary, when it is a mutable one, or let go of it.
+    const NSDictionary entries = dictionary.copy();
+    for (const auto& [key, value] : entries.entries()) {
+        if (const auto text = key.as<NSString>()) setEntry(plan, text.text(), value);
+        else mts_ignoredSetValueForUndefinedMappingKey(value, key.description());
+    }
+}
+
+void MotisObject::setEntry(const MotisPlan& plan, std::string_view key, const Value& value) {
+    const KeyPlan* known = plan.key(key);
+    if (known && known->isPlain()) return assign(*known->property, value, key);
+
+    bool isSetDirectly = false;
+    if (known && known->paths) {
+        for (const MTSKeyPath& path : *known->paths) {
+            if (path.isPlain()) isSetDirectly = true;
+            walkKeyPath(path, value);
+        }
+    }
+    if (!isSetDirectly) mts_setValue(value, key);
+}
+
+void MotisObject::walkKeyPath(const MTSKeyPath& path, const Value& start) {
+    Value value = start;
+    for (const MTSKeyPath::Component& component : path.components().subspan(1)) {
+        value = step(value, component);
+        if (!value) return;
+    }
+    mts_setValue(value, path.key());
+}
+
+void MotisObject::mts_setValue(const Value& value, std::string_view key) {
+    const MotisPlan& plan = classInfo().plan();
+    const KeyPlan* known = plan.key(key);
+    if (known && known->property) return assign(*known->property, value, key);
+    if (!plan.setsUndefinedKeys()) return mts_ignoredSetValueForUndefinedMappingKey(value, key);
+    if (const PropertyPlan* property = plan.property(key)) return assign(*property, value, key);
+    assign(plan.describe(key), value, key);
+}
+
+void MotisObject::assign(const PropertyPlan& property, const Value& incoming, std::string_view key) {
+    Value value = incoming.isNull() ? Value() : incoming;
+    if (property.takesAsIs(value)) {
+        this->*property.field = std::move(value);
+        return;
+    }
+    Ref<NSError> error;
+    if (!validate(property, value, error)) return mts_invalidValueForKey(value, property.name, error);
+    if (property.hooks.checksEquality && mts_checkValueEqualityBeforeAssignmentForKey(property.name)) {
+        const Value current = mts_valueForKey(key);
+        if (current && current == value) return;
+    }
+    store(property, value);
+}
+
+void MotisObject::store(const PropertyPlan& property, const Value& value) {
+    if (property.field) this->*property.field = value;
+    else if (property.hooks.writesByName || !property.property) setValue(value, property.name);
+    else property.property->set(*this, value);
+}
+
+bool MotisObject::validate(const PropertyPlan& property, Value& value, Ref<NSError>& error) {
+    if (property.hooks.validatesValues || property.validator) {
+        const Value original = value;
+        if (!mts_validateValue(value, property.name, error)) return false;
+        if (!value.isSameAs(original)) return true;
+        error = nullptr;
+    }
+    if (property.valueMapping) {
+        Value mapped = mts_mapValue(value, property.name);
+        if (!mapped.isSameAs(value)) {
+            value = std::move(mapped);
+            return true;
+        }
+    }
+    return convert(property, value);
+}
+
+NSString MotisObject::mts_mapKey(std::string_view key) const {
+    const MotisPlan& plan = classInfo().plan();
+    const KeyPlan* known = plan.key(key);
+    if (known && known->property) return known->property->name;
+    return plan.setsUndefinedKeys() ? NSString(key) : NSString();
+}
+
+Value MotisObject::mts_mapValue(const Value& value, std::string_view property) const {
+    const MotisPlan& plan = classInfo().plan();
+    const PropertyPlan* known = plan.property(property);
+    const NSDictionary table = known ? known->valueMapping : plan.describe(property).valueMapping;
+    if (table.count() == 0) return value;
+
+    if (value) {
+        if (Value hit = table.objectForKey(value)) return hit;
+    }
+    if (const auto number = value.as<NSNumber>()) {
+        if (Value hit = table.objectForKey(Value(number.stringValue()))) return hit;
+    } else if (const auto text = value.as<NSString>()) {
+        if (Value hit = table.objectForKey(Value(static_cast<double>(text.floatValue())))) return hit;
+        if (Value hit = table.objectForKey(Value(text.integerValue()))) return hit;
+    }
+    if (Value fallback = table.objectForKey(Value::null())) return fallback;
+    return value;
+}
+
+// --- Reading ---
+
+Value MotisObject::mts_valueForKey(std::string_view key) const {
+    const MotisPlan& plan = classInfo().plan();
+    const KeyPlan* known = plan.key(key);
+    if (known && known->property) {
+        const PropertyPlan& property = *known->property;
+        if (property.hooks.readsByName || !property.property) return valueForKey(property.name);
+        return property.property->get(*this);
+    }
+    return plan.setsUndefinedKeys() ? valueForKey(key) : Value();
+}
+
+NSDictionary MotisObject::mts_dictionaryWithValuesForKeys(const NSArray& keys) const {
+    std::vector<NSDictionary::Entry> entries;
+    entries.reserve(keys.count());
+    for (const Value& key : keys) {
+        Value value = mts_valueForKey(key.as<NSString>().text());
+        entries.emplace_back(key, value ? std::move(value) : Value::null());
+    }
+    return NSDictionary::dictionaryWithEntries(std::move(entries));
+}
+
+// --- Hooks' defaults ---
+
+bool MotisObject::mts_validateValue(Value& value, std::string_view property, Ref<NSError>& error) {
+    return validateValue(value, property, error);
+}
+
+bool MotisObject::validateValue(Value& value, std::string_view property, Ref<NSError>& error) {
+    const PropertyValidator* validator = classInfo().validator(property);
+    return !validator || validator->validate(*this, value, error);
+}
+
+void MotisObject::mts_ignoredSetValueForUndefinedMappingKey(const Value&, std::string_view) {}
+
+void MotisObject::mts_invalidValueForKey(const Value&, std::string_view, const Ref<NSError>&) {}
+
+bool MotisObject::mts_checkValueEqualityBeforeAssignmentForKey(std::string_view) { return false; }
+
+Ref<NSObject> MotisObject::mts_willCreateObjectOfClass(const ClassInfo&, const NSDictionary&, std::string_view, bool&) {
+    return nullptr;
+}
+
+void MotisObject::mts_didCreateObject(NSObject&, std::string_view) {}
+
+bool MotisObject::mts_validateArrayObjectForArrayKey(Value&, std::string_view, Ref<NSError>&) { return true; }
+
+void MotisObject::mts_invalidValueForArrayKey(const Value&, std::string_view, const Ref<NSError>&) {}
+
+}  // namespace flarebox

@@ -1,0 +1,103 @@
+#pragma once
+
+#include <Flarebox/Mapping/Motis.h>
+#include <Flarebox/Mapping/TypeAttribute.h>
+#include <Foundation/NSDateFormatter.h>
+
+#include <deque>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace flarebox {
+
+/// What filling needs to know about one property.
+struct PropertyPlan {
+    std::string name;
+    /// Null for a name of the mapping that is no property.
+    const Property* property = nullptr;
+    TypeRule rule;
+    /// The check that the class lists for the property; null for none.
+    const PropertyValidator* validator = nullptr;
+    /// Absent when there are no entries.
+    NSDictionary valueMapping;
+    /// The class of the elements when the property is an array; null for "any".
+    Class elementClass = nullptr;
+    OverriddenHooks hooks;
+    /// Where an object property keeps its value, when it may be written without asking anybody; null otherwise.
+    Value MotisObject::*field = nullptr;
+    /// With `field`: values of this kind fit as they are, and so does every value when `takesAnything`.
+    Value::Kind fittingKind = Value::Kind::Absent;
+    bool takesAnything = false;
+
+    /// Whether a value is assigned unchanged, with no hook, translation or conversion in between.
+    bool takesAsIs(const Value& value) const {
+        return field && (value.kind() == fittingKind || value.isAbsent() || takesAnything);
+    }
+};
+
+/// What is to be done with one JSON key.
+struct KeyPlan {
+    std::string key;
+    /// The property that the key itself maps to; null when it maps to none.
+    const PropertyPlan* property = nullptr;
+    /// The key paths that start with the key; null when there are none.
+    const MTSKeyPathList* paths = nullptr;
+
+    bool isPlain() const { return property && paths && paths->isSinglePlainKey(); }
+};
+
+/// Everything about a class that filling and reading its objects needs, decided on the class's first use. Immutable.
+class MotisPlan {
+public:
+    explicit MotisPlan(const MotisClass& cls);
+    MotisPlan(const MotisPlan&) = delete;
+    MotisPlan& operator=(const MotisPlan&) = delete;
+
+    /// Null when neither the mapping nor a key path knows the key.
+    const KeyPlan* key(std::string_view key) const;
+    /// Null for a name that the class neither maps nor declares.
+    const PropertyPlan* property(std::string_view name) const;
+    /// The plan of any property name, which need not be known.
+    PropertyPlan describe(std::string_view name) const;
+
+    /// The property names of the merged mapping in its order, duplicates included.
+    const std::vector<std::string>& mappedNames() const { return mappedNames_; }
+    bool setsUndefinedKeys() const { return setsUndefinedKeys_; }
+    NSDateFormatter* dateFormatter() const { return dateFormatter_.get(); }
+
+private:
+    /// Finds texts in constant time without allocating.
+    class NameTable {
+    public:
+        explicit NameTable(std::size_t count);
+        void insert(std::string_view name, std::uint32_t position);
+        /// The position of the entry for which `matches(position)`; negative when there is none.
+        template <class Matches>
+        std::int64_t find(std::string_view name, Matches matches) const;
+
+    private:
+        struct Slot {
+            std::uint32_t hash = 0;
+            std::uint32_t positionPlusOne = 0;
+        };
+        static std::uint32_t hashOf(std::string_view name);
+        std::size_t mask_;
+        std::vector<Slot> slots_;
+    };
+
+    void planProperties(const NSDictionary& mapping);
+    void planKeys(const NSDictionary& mapping);
+    const PropertyPlan* planProperty(std::string_view name);
+
+    const MotisClass& class_;
+    bool setsUndefinedKeys_;
+    Ref<NSDateFormatter> dateFormatter_;
+    std::vector<std::string> mappedNames_;
+    std::deque<PropertyPlan> properties_;
+    std::vector<KeyPlan> keys_;
+    NameTable propertyTable_;
+    NameTable keyTable_;
+};
+
+}  // namespace flarebox

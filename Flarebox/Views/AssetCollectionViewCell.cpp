@@ -1,0 +1,65 @@
+#include <Flarebox/Core/Logging.h>
+#include <Flarebox/Views/AssetCollectionViewCell.h>
+#include <Networking/UIImageView+AFNetworking.h>
+#include <UIKit/UIActivityIndicatorView.h>
+#include <UIKit/UIImageView.h>
+
+namespace flarebox {
+
+const ClassInfo& AssetCollectionViewCell::staticClass() {
+    static const Outlet outlets[] = {
+        outlet<&AssetCollectionViewCell::imgAsset_>("imgAsset"),
+        outlet<&AssetCollectionViewCell::indicator_>("indicator"),
+    };
+    static const ClassInfo info("AssetCollectionViewCell", &UICollectionViewCell::staticClass(), createObject<AssetCollectionViewCell>,
+                                {.outlets = outlets});
+    return info;
+}
+
+void AssetCollectionViewCell::awakeFromNib() { UICollectionViewCell::awakeFromNib(); }
+
+void AssetCollectionViewCell::loadCellData(const Ref<FXAssetInfo>& asset, bool selected) {
+    asset_ = asset;
+    imgAsset_->layer().setBorderColor(UIColor::whiteColor());
+    imgAsset_->layer().setCornerRadius(bounds().width() / 2);
+    focusCell(selected);
+    imgAsset_->setImage(nullptr);
+    hideLoading();
+    iconAddress_ = NSURL::URLWithString(asset->fileIcon());
+    if (iconAddress_) loadIcon(iconAddress_);
+}
+
+void AssetCollectionViewCell::loadIcon(const NSURL& address) {
+    showLoading();
+    const Ref<AssetCollectionViewCell> self(this);
+    setImageWithURLRequest(
+        *imgAsset_, NSMutableURLRequest::requestWithURL(address), nullptr,
+        [self](const NSMutableURLRequest& request, const Ref<NSHTTPURLResponse>&, const Ref<UIImage>& image) {
+            if (!(request.URL() == self->iconAddress_)) return;
+            self->hideLoading();
+            self->imgAsset_->setImage(image, true);
+        },
+        [self](const NSMutableURLRequest& request, const Ref<NSHTTPURLResponse>&, const Ref<NSError>& error) {
+            if (!(request.URL() == self->iconAddress_)) return;
+            self->hideLoading();
+            warningLog("%@", error->localizedDescription());
+        });
+}
+
+void AssetCollectionViewCell::focusCell(bool focused) {
+    imgAsset_->layer().setBorderWidth(focused ? 1.0 : 0.0);
+    setNeedsLayout();
+    layoutIfNeeded();
+}
+
+void AssetCollectionViewCell::showLoading() {
+    indicator_->setHidden(false);
+    indicator_->startAnimating();
+}
+
+void AssetCollectionViewCell::hideLoading() {
+    indicator_->setHidden(true);
+    indicator_->stopAnimating();
+}
+
+}  // namespace flarebox

@@ -1,0 +1,143 @@
+#include <Flarebox/Core/Logging.h>
+#include <Flarebox/Views/AssetCollectionViewCell.h>
+#include <Flarebox/Views/FlareboxView.h>
+#include <Flarebox/Views/UIButton+extends.h>
+#include <Networking/UIImageView+AFNetworking.h>
+#include <UIKit/UIApplication.h>
+#include <UIKit/UIButton.h>
+#include <UIKit/UIImageView.h>
+#include <UIKit/UILabel.h>
+
+#include <algorithm>
+
+namespace flarebox {
+namespace {
+
+constexpr const char* cellIdentifier = "AssetCollectionViewCell";
+
+bool isPresent(const NSString& text) { return !text.text().empty(); }
+
+}  // namespace
+
+void FlareboxView::updateFlarebox() {
+    std::erase_if(*assestsList_, [](const Ref<FXAssetInfo>& asset) { return !isPresent(asset->fileIcon()); });
+    if (assestsList_->empty()) return showEmptyView();
+    collectionView_->reloadData();
+    collectionView_->performBatchUpdates(nullptr, [self = Ref<FlareboxView>(this)](bool finished) {
+        if (finished) self->selectFirstAsset();
+    });
+    showAssetView();
+}
+
+void FlareboxView::selectFirstAsset() {
+    if (!assestsList_ || assestsList_->empty()) return;
+    selectAsset(assestsList_->front());
+    enable(*btnCoupon_);
+    reloadCellVisibles();
+}
+
+void FlareboxView::selectAsset(const Ref<FXAssetInfo>& asset) {
+    currentAsset_ = asset;
+    lbAssetTitle_->setText(asset->title());
+    lbAssetDesc_->setText(asset->_description());
+    loadAssetPicture(asset->fileImage());
+    if (isPresent(asset->whereToBuy())) enable(*btnBuy_);
+    else disable(*btnBuy_);
+    validateAssetPreventModes();
+}
+
+void FlareboxView::loadAssetPicture(const NSString& address) {
+    imgAssetContent_->setImage(nullptr);
+    const NSURL url = NSURL::URLWithString(address);
+    if (!url) return;
+    const Weak<UIImageView> picture = imgAssetContent_;
+    setImageWithURLRequest(
+        *imgAssetContent_, NSMutableURLRequest::requestWithURL(url), nullptr,
+        [self = Ref<FlareboxView>(this), url](const NSMutableURLRequest& request, const Ref<NSHTTPURLResponse>&, const Ref<UIImage>& image) {
+            // The player may have moved on: the picture is shown only while its own asset, or one with the same picture, is current.
+            if (!self->currentAsset_ || !(request.URL() == url)) return;
+            if (!(NSURL::URLWithString(self->currentAsset_->fileImage()) == url)) return;
+            self->imgAssetContent_->setImage(image, true);
+        },
+        [](const NSMutableURLRequest&, const Ref<NSHTTPURLResponse>&, const Ref<NSError>& error) {
+            warningLog("%@", error->localizedDescription());
+        });
+}
+
+void FlareboxView::validateAssetPreventModes() {
+    btn2d_->setEnabled(isPresent(currentAsset_->fileImage()));
+    btn2d_->setSelected(true);
+}
+
+void FlareboxView::pressBuyButton() {
+    if (!currentAsset_) return;
+    UIApplication::sharedApplication().openURL(NSURL::URLWithString(currentAsset_->whereToBuy()));
+}
+
+void FlareboxView::pressNextAssetButton() {
+    std::vector<NSIndexPath> visible = collectionView_->indexPathsForVisibleItems();
+    if (visible.empty()) return;
+    std::sort(visible.begin(), visible.end());
+    const NSIndexPath last = visible.back();
+    const std::size_t count = assestsList_ ? assestsList_->size() : 0;
+    if (last.row + 1 >= count) {
+        if (count > 0) collectionView_->scrollToItemAtIndexPath({0, count - 1}, UICollectionViewScrollPosition::None, false);
+        return;
+    }
+    const Ref<UICollectionViewCell> cell = collectionView_->cellForItemAtIndexPath(last);
+    if (!cell) return;
+    CGPoint offset = collectionView_->contentOffset();
+    offset.x += cell->frame().width();
+    collectionView_->setContentOffset(offset, false);
+}
+
+void FlareboxView::pressPreviousAssetButton() {
+    const std::vector<NSIndexPath> visible = collectionView_->indexPathsForVisibleItems();
+    if (visible.empty()) return;
+    const Ref<UICollectionViewCell> cell = collectionView_->cellForItemAtIndexPath(*std::min_element(visible.begin(), visible.end()));
+    if (!cell) return;
+    CGPoint offset = collectionView_->contentOffset();
+    offset.x = std::max(0.0, offset.x - cell->frame().width());
+    collectionView_->setContentOffset(offset, false);
+}
+
+bool FlareboxView::isCurrentAsset(const FXAssetInfo& asset) const { return currentAsset_ && asset._id() == currentAsset_->_id(); }
+
+void FlareboxView::reloadCellVisibles() {
+    for (const NSIndexPath& path : collectionView_->indexPathsForVisibleItems()) {
+        if (!assestsList_ || path.row >= assestsList_->size()) continue;
+        const Ref<UICollectionViewCell> cell = collectionView_->cellForItemAtIndexPath(path);
+        if (auto* assetCell = objectCast<AssetCollectionViewCell>(cell.get())) assetCell->focusCell(isCurrentAsset(*(*assestsList_)[path.row]));
+    }
+}
+
+std::size_t FlareboxView::collectionViewNumberOfItemsInSection(UICollectionView&, std::size_t) {
+    return assestsList_ ? assestsList_->size() : 0;
+}
+
+CGSize FlareboxView::collectionViewLayoutSizeForItemAtIndexPath(UICollectionView& view, const NSIndexPath&) {
+    const double side = std::min(view.frame().width(), view.frame().height()) - 10 * getViewSize().height / 420;
+    return {side, side};
+}
+
+Ref<UICollectionViewCell> FlareboxView::collectionViewCellForItemAtIndexPath(UICollectionView& view, const NSIndexPath& path) {
+    Ref<UICollectionViewCell> cell = view.dequeueReusableCell(cellIdentifier, path);
+    const Ref<FXAssetInfo>& asset = (*assestsList_)[path.row];
+    if (auto* assetCell = objectCast<AssetCollectionViewCell>(cell.get())) assetCell->loadCellData(asset, isCurrentAsset(*asset));
+    return cell;
+}
+
+void FlareboxView::collectionViewDidSelectItemAtIndexPath(UICollectionView&, const NSIndexPath& path) {
+    selectAsset((*assestsList_)[path.row]);
+    reloadCellVisibles();
+}
+
+void FlareboxView::scrollViewDidScroll(UIScrollView& view) { leftAssetListShadowView_->setHidden(view.contentOffset().x < 1); }
+
+void FlareboxView::scrollViewDidEndDragging(UIScrollView&, bool willDecelerate) {
+    if (!willDecelerate) reloadCellVisibles();
+}
+
+void FlareboxView::scrollViewWillBeginDecelerating(UIScrollView&) { reloadCellVisibles(); }
+
+}  // namespace flarebox

@@ -1,0 +1,198 @@
+#include <AdSupport/ASIdentifierManager.h>
+#include <Flarebox/Core/FlareboxConfig.h>
+#include <Flarebox/Core/Logging.h>
+#include <Flarebox/Views/FlareboxView.h>
+#include <Networking/AFImageResponseSerializer.h>
+#include <Networking/AFNetworkReachabilityManager.h>
+#include <UIKit/UIActivityIndicatorView.h>
+#include <UIKit/UILabel.h>
+
+namespace flarebox {
+namespace {
+
+constexpr const char* trackingMessage =
+    "Advertising tracking may be disabled. Please turn off the 'Limit Ad Tracking' from Settings -> Privacy -> Advertising.";
+constexpr const char* requestErrorMessage = "Something went wrong";
+constexpr const char* networkErrorMessage = "You have no internet connection";
+
+/// Stands between the countdown and its tab: a timer keeps its target alive, and a tab that the host let go has to end.
+class Countdown : public NSObject {
+    FLAREBOX_CLASS(Countdown)
+public:
+    explicit Countdown(FlareboxView& tab) : tab_(&tab) {}
+
+private:
+    void tick() {
+        if (const auto tab = tab_.lock()) tab->countDown();
+    }
+    Weak<FlareboxView> tab_;
+};
+
+const ClassInfo& Countdown::staticClass() {
+    static const Action actions[] = {action<&Countdown::tick>("tick")};
+    static const ClassInfo info("Countdown", &NSObject::staticClass(), nullptr, {.actions = actions});
+    return info;
+}
+
+}  // namespace
+
+bool FlareboxView::validSessionData() {
+    FlareboxConfig& config = FlareboxConfig::defaultConfig();
+    if (config.validDeviceUID()) return true;
+    if (!ASIdentifierManager::sharedManager().isAdvertisingTrackingEnabled()) {
+        showErrorMessage(trackingMessage);
+        return false;
+    }
+    const NSString identifier = FlareboxConfig::deviceUID();
+    config.setDeviceUID(identifier);
+    return bool(identifier);
+}
+
+void FlareboxView::loadData() {
+    assetView_->setHidden(true);
+    emptyView_->setHidden(true);
+    if (!validSessionData()) return startFreshTimer();
+
+    AFNetworkReachabilityManager& reachability = AFNetworkReachabilityManager::sharedManager();
+    reachability.startMonitoring();
+    reachability.setReachabilityStatusChangeBlock([self = Ref<FlareboxView>(this)](std::int64_t status) { self->reachabilityChanged(status); });
+}
+
+void FlareboxView::reachabilityChanged(std::int64_t status) {
+    netWorkStatus_ = status;
+    if (!isNetworkConnected()) {
+        startFreshTimer();
+        showNetworkErrorMessage();
+    } else if (FlareboxManager::sharedInstance().sessionInfo()) {
+        loadAssets();
+    } else {
+        createGameSession();
+    }
+}
+
+void FlareboxView::createGameSession() {
+    if (!isNetworkConnected() || !loadingView_->isHidden()) return;
+    showLoadingView(true);
+    infoLog("create a game session");
+    FlareboxManager::sharedInstance().createSesstion(
+        [self = Ref<FlareboxView>(this)](const Ref<FXSessionInfo>& session, const Ref<NSError>& error) {
+            self->gameSessionCreated(session, error);
+        });
+}
+
+void FlareboxView::gameSessionCreated(const Ref<FXSessionInfo>& session, const Ref<NSError>& error) {
+    showLoadingView(false);
+    if (error) {
+        startFreshTimer();
+        errorLog("%@", error->localizedDescription());
+        showRequestErrorMessage();
+        return;
+    }
+    infoLog("Game session created");
+    FlareboxManager::sharedInstance().setSessionInfo(session);
+    loadAssets();
+}
+
+void FlareboxView::loadAssets() {
+    if (!isNetworkConnected() || !loadingView_->isHidden()) return;
+    showLoadingView(true);
+    infoLog("Load common game assets");
+    FlareboxManager::sharedInstance().loadGameCommonAssets(
+        [self = Ref<FlareboxView>(this)](const std::shared_ptr<AssetList>& assets, const Ref<NSError>& error) {
+            self->assetsLoaded(assets, error);
+        });
+}
+
+void FlareboxView::assetsLoaded(const std::shared_ptr<AssetList>& assets, const Ref<NSError>& error) {
+    showLoadingView(false);
+    startFreshTimer();
+    if (error) {
+        errorLog("%@", error->localizedDescription());
+        showRequestErrorMessage();
+        return;
+    }
+    infoLog("Common game assets load done");
+    FlareboxManager& manager = FlareboxManager::sharedInstance();
+    manager.setGameAssets(assets);
+    assestsList_ = manager.gameAssets();
+    showLoadingView(false);
+    currentAsset_ = nullptr;
+    updateFlarebox();
+}
+
+void FlareboxView::startFreshTimer() {
+    if (refreshTimer_) refreshTimer_->invalidate();
+    refreshDataTime_ = FlareboxConfig::defaultConfig().getTimeRefresh();
+    refreshTimer_ = NSTimer::scheduledTimer(1.0, *make<Countdown>(*this), "tick", nullptr, true);
+}
+
+void FlareboxView::countDown() {
+    if (--refreshDataTime_ != 0) return;
+    refreshTimer_->invalidate();
+    refreshTimer_ = nullptr;
+    if (!shouldRefresh()) return startFreshTimer();
+    infoLog("Refresh game assets data");
+    loadData();
+}
+
+bool FlareboxView::shouldRefresh() const {
+    if (!FlareboxConfig::defaultConfig().validDeviceUID()) return true;
+    if (!assestsList_ || assestsList_->empty()) return true;
+    return !isOpened() && isHasBeenOpened_ && loadingView_->isHidden();
+}
+
+void FlareboxView::changeRefreshDataTime(std::int32_t seconds) {
+    FlareboxConfig::defaultConfig().setTimeRefresh(seconds);
+    startFreshTimer();
+}
+
+bool FlareboxView::isNetworkConnected() const { return netWorkStatus_ != 0 && netWorkStatus_ != -1; }
+
+void FlareboxView::showLoadingView(bool show) {
+    if (show) {
+        hideErrorMessage();
+        loadingView_->setHidden(false);
+        indicator_->startAnimating();
+    } else {
+        loadingView_->setHidden(true);
+        indicator_->stopAnimating();
+    }
+}
+
+void FlareboxView::showErrorMessage(std::string_view message) {
+    showLoadingView(false);
+    lbErrorMessage_->setHidden(false);
+    lbErrorMessage_->setText(message);
+}
+
+void FlareboxView::hideErrorMessage() {
+    lbErrorMessage_->setHidden(true);
+    lbErrorMessage_->setText("");
+}
+
+void FlareboxView::showRequestErrorMessage() { showErrorMessage(requestErrorMessage); }
+
+void FlareboxView::showNetworkErrorMessage() {
+    showErrorMessage(networkErrorMessage);
+    warningLog("%@", networkErrorMessage);
+}
+
+void FlareboxView::showEmptyView() {
+    emptyView_->setHidden(false);
+    assetView_->setHidden(true);
+}
+
+void FlareboxView::showAssetView() {
+    emptyView_->setHidden(true);
+    assetView_->setHidden(false);
+}
+
+AFHTTPSessionManager& FlareboxView::operationManager() {
+    if (!operationManager_) {
+        operationManager_ = AFHTTPSessionManager::manager();
+        operationManager_->setResponseSerializer(AFImageResponseSerializer::serializer());
+    }
+    return *operationManager_;
+}
+
+}  // namespace flarebox

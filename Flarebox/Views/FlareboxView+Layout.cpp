@@ -1,0 +1,125 @@
+#include <Flarebox/Core/FlareboxBundle.h>
+#include <Flarebox/Core/FlareboxConfig.h>
+#include <Flarebox/Views/FlareboxView.h>
+#include <Flarebox/Views/UIButton+extends.h>
+#include <Foundation/NSNotificationCenter.h>
+#include <UIKit/UIButton.h>
+#include <UIKit/UIDevice.h>
+#include <UIKit/UIFont.h>
+#include <UIKit/UILabel.h>
+#include <UIKit/UINib.h>
+#include <UIKit/UIScreen.h>
+
+namespace flarebox {
+namespace {
+
+// The panel on its design grid, in points on a screen 600 points high.
+constexpr float designScreenHeight = 600, designHeight = 420, designWidth = 275;
+/// A screen side of at most this many inches counts as small: the tab then fills it.
+constexpr float smallScreenInches = 4;
+
+bool isSettled(UIDeviceOrientation orientation) {
+    using enum UIDeviceOrientation;
+    return orientation != Unknown && orientation != FaceUp && orientation != FaceDown;
+}
+
+}  // namespace
+
+// Single precision throughout: the sizes are compared with those of other platforms, digit by digit.
+CGSize FlareboxView::getViewSize() {
+    const CGSize screen = UIScreen::mainScreen().bounds().size;
+    const float density = 160.0F * static_cast<float>(UIScreen::mainScreen().scale());
+    const auto heightInches = static_cast<float>(screen.height / density);
+    const auto widthInches = static_cast<float>(screen.width / density);
+    const auto unit = static_cast<float>(screen.height / designScreenHeight);
+    float height = designHeight * unit;
+    float width = designWidth * unit;
+    const auto growToHeight = static_cast<float>(screen.height / height);
+    const auto growToWidth = static_cast<float>(screen.width / width);
+    float growth = 1;
+    if (heightInches <= smallScreenInches && width * growToHeight < screen.width) growth = growToHeight;
+    else if (widthInches <= smallScreenInches && height * growToWidth < screen.height) growth = growToWidth;
+    width *= growth;
+    height *= growth;
+    return {width, height};
+}
+
+void FlareboxView::setupView() {
+    UIDevice& device = UIDevice::currentDevice();
+    addCloseGestureAction();
+    currentOrientation_ = static_cast<std::int64_t>(device.orientation());
+    layoutView();
+    setTranslatesAutoresizingMaskIntoConstraints(false);
+    collectionView_->setDataSource(this);
+    collectionView_->setDelegate(this);
+    collectionView_->registerNib(UINib::nibWithNibName("AssetCollectionViewCell", flareboxBundle()), "AssetCollectionViewCell");
+    enable(*btnCoupon_);
+    disable(*btnBuy_);
+    emptyView_->setHidden(true);
+    assetView_->setHidden(true);
+    lbErrorMessage_->setHidden(true);
+    currentAssetMode_ = AssetMode2D;
+    device.beginGeneratingDeviceOrientationNotifications();
+    NSNotificationCenter::defaultCenter().addObserver(*this, "deviceOrientationDidChange", UIDeviceOrientationDidChangeNotification, nullptr);
+    FlareboxConfig::defaultConfig().addObserver(*this, "showFlareboxButton", NSKeyValueObservingOptionNew);
+}
+
+void FlareboxView::layoutView() {
+    const CGSize size = getViewSize();
+    const double unit = size.height / designHeight;
+    const auto systemFont = [unit](double points) { return UIFont::systemFontOfSize(points * unit); };
+
+    preventerMenuWidth_->setConstant(35 * (size.width / designWidth));
+    lbEmptyAssets_->setFont(UIFont::fontWithName("HelveticaNeue-Medium", 25 * unit));
+    lbEmptyAssetsDetail_->setFont(systemFont(16));
+    lbAssetTitle_->setFont(systemFont(16));
+    lbAssetDesc_->setFont(systemFont(12));
+    lbErrorMessage_->setFont(systemFont(16));
+    lbFlareboxLogo_->setFont(systemFont(23));
+    assetContainerBottom_->setConstant(30 * unit);
+    logoTopContraint_->setConstant(10 * unit);
+    btnCoupon_->titleLabel().setFont(systemFont(15));
+    assetLogoPadding_->setConstant(7 * unit);
+    btnBuy_->titleLabel().setFont(systemFont(15));
+
+    btnCoupon_->titleLabel().setAdjustsFontSizeToFitWidth(true);
+    btnBuy_->titleLabel().setAdjustsFontSizeToFitWidth(true);
+    setNeedsLayout();
+    layoutIfNeeded();
+    collectionView_->reloadData();
+}
+
+void FlareboxView::loadLayoutConstrains() {
+    using enum NSLayoutAttribute;
+    using enum NSLayoutRelation;
+    UIView& parent = *superview();
+    const CGSize size = getViewSize();
+    widthFixedConstraint_ = NSLayoutConstraint::constraintWithItem(*this, Width, Equal, nullptr, NotAnAttribute, 1, size.width);
+    heightFixedConstraint_ = NSLayoutConstraint::constraintWithItem(*this, Height, Equal, nullptr, NotAnAttribute, 1, size.height);
+    const auto leading = NSLayoutConstraint::constraintWithItem(*this, Leading, Equal, &parent, Leading, 1, -size.width);
+    const auto center = NSLayoutConstraint::constraintWithItem(*this, CenterY, Equal, &parent, CenterY, 1, 0);
+    for (const auto& constraint : {heightFixedConstraint_, widthFixedConstraint_, leading, center}) parent.addConstraint(constraint);
+    constraintLeadingContentView_ = leading;
+}
+
+void FlareboxView::deviceOrientationDidChange() {
+    const UIDeviceOrientation orientation = UIDevice::currentDevice().orientation();
+    if (!isSettled(orientation) || static_cast<std::int64_t>(orientation) == currentOrientation_) return;
+    NSObject::cancelPreviousPerformRequests(*this, "relayoutLayers", nullptr);
+    currentOrientation_ = static_cast<std::int64_t>(orientation);
+    performSelectorAfterDelay("orientationChangedMethod", nullptr, 0);
+}
+
+void FlareboxView::orientationChangedMethod() {
+    layoutView();
+    const CGSize size = getViewSize();
+    if (widthFixedConstraint_) widthFixedConstraint_->setConstant(size.width);
+    if (heightFixedConstraint_) heightFixedConstraint_->setConstant(size.height);
+    if (openButtonWidthContraint_) openButtonWidthContraint_->setConstant(36 * (UIScreen::mainScreen().bounds().height() / designScreenHeight));
+    if (const auto leading = constraintLeadingContentView_.lock()) leading->setConstant(isOpened() ? 0.0 : -size.width);
+    setNeedsLayout();
+    setNeedsDisplay();
+    layoutIfNeeded();
+}
+
+}  // namespace flarebox

@@ -1,0 +1,212 @@
+#include <Flarebox/Core/FlareboxBundle.h>
+#include <Flarebox/Core/FlareboxConfig.h>
+#include <Flarebox/Views/AssetCollectionViewCell.h>
+#include <Flarebox/Views/FlareboxView.h>
+#include <Flarebox/Views/Shades.h>
+#include <Foundation/MainQueue.h>
+#include <Foundation/NSNotificationCenter.h>
+#include <UIKit/UIActivityIndicatorView.h>
+#include <UIKit/UIApplication.h>
+#include <UIKit/UIButton.h>
+#include <UIKit/UIImageView.h>
+#include <UIKit/UILabel.h>
+#include <UIKit/UINib.h>
+#include <UIKit/UIScreen.h>
+#include <UIKit/UISwipeGestureRecognizer.h>
+#include <UIKit/UIWindow.h>
+
+#include <vector>
+
+namespace flarebox {
+namespace {
+
+constexpr double slideDuration = 0.3F;
+constexpr double attachDelay = 0.1;
+
+}  // namespace
+
+const ClassInfo& FlareboxView::staticClass() {
+    using enum Outlet::Source;
+    static const Outlet outlets[] = {
+        outlet<&FlareboxView::constraintLeadingContentView_>("constraintLeadingContentView", Code),
+        outlet<&FlareboxView::emptyView_>("emptyView"),
+        outlet<&FlareboxView::assetView_>("assetView"),
+        outlet<&FlareboxView::contentView_>("contentView"),
+        outlet<&FlareboxView::assetContentView_>("assetContentView"),
+        outlet<&FlareboxView::collectionView_>("collectionView"),
+        outlet<&FlareboxView::lbAssetTitle_>("lbAssetTitle"),
+        outlet<&FlareboxView::lbAssetDesc_>("lbAssetDesc"),
+        outlet<&FlareboxView::btnClose_>("btnClose"),
+        outlet<&FlareboxView::btnOpen_>("btnOpen"),
+        outlet<&FlareboxView::imgAssetContent_>("imgAssetContent"),
+        outlet<&FlareboxView::btn2d_>("btn2d"),
+        outlet<&FlareboxView::btn3d_>("btn3d"),
+        outlet<&FlareboxView::btnVideo_>("btnVideo"),
+        outlet<&FlareboxView::btnCoupon_>("btnCoupon"),
+        outlet<&FlareboxView::btnBuy_>("btnBuy"),
+        outlet<&FlareboxView::btnPrevious_>("btnPrevious"),
+        outlet<&FlareboxView::btnNext_>("btnNext"),
+        outlet<&FlareboxView::leftAssetListShadowView_>("leftAssetListShadowView"),
+        outlet<&FlareboxView::loadingView_>("loadingView"),
+        outlet<&FlareboxView::indicator_>("indicator"),
+        outlet<&FlareboxView::videoContainer_>("videoContainer"),
+        outlet<&FlareboxView::scnContainer_>("scnContainer"),
+        outlet<&FlareboxView::lbEmptyAssets_>("lbEmptyAssets"),
+        outlet<&FlareboxView::lbEmptyAssetsDetail_>("lbEmptyAssetsDetail"),
+        outlet<&FlareboxView::lbErrorMessage_>("lbErrorMessage"),
+        outlet<&FlareboxView::lbFlareboxLogo_>("lbFlareboxLogo"),
+        outlet<&FlareboxView::closeButtonTopContraint_>("closeButtonTopContraint"),
+        outlet<&FlareboxView::assetContainerBottom_>("assetContainerBottom"),
+        outlet<&FlareboxView::logoTopContraint_>("logoTopContraint"),
+        outlet<&FlareboxView::assetLogoPadding_>("assetLogoPadding"),
+        outlet<&FlareboxView::preventerMenuWidth_>("preventerMenuWidth"),
+        outlet<&FlareboxView::preventerMenuView_>("preventerMenuView"),
+        outlet<&FlareboxView::panelShadow_>("panelShadow"),
+        outlet<&FlareboxView::widthFixedConstraint_>("widthFixedConstraint", Code),
+        outlet<&FlareboxView::heightFixedConstraint_>("heightFixedConstraint", Code),
+        outlet<&FlareboxView::openButtonWidthContraint_>("openButtonWidthContraint", Code),
+    };
+    static const Action actions[] = {
+        action<&FlareboxView::open>("open"),
+        action<&FlareboxView::close>("close"),
+        action<&FlareboxView::pressOpenButton>("pressOpenButton"),
+        action<&FlareboxView::pressCloseButton>("pressCloseButton"),
+        action<&FlareboxView::pressBuyButton>("pressBuyButton"),
+        action<&FlareboxView::pressNextAssetButton>("pressNextAssetButton"),
+        action<&FlareboxView::pressPreviousAssetButton>("pressPreviousAssetButton"),
+        action<&FlareboxView::deviceOrientationDidChange>("deviceOrientationDidChange"),
+        action<&FlareboxView::orientationChangedMethod>("orientationChangedMethod"),
+        action<&FlareboxView::relayoutLayers>("relayoutLayers"),
+    };
+    static const ClassInfo info("FlareboxView", &UIView::staticClass(), createObject<FlareboxView>,
+                                {.actions = actions, .outlets = outlets});
+    return info;
+}
+
+FlareboxView::FlareboxView() = default;
+
+FlareboxView::~FlareboxView() {
+    NSNotificationCenter::defaultCenter().removeObserver(*this);
+    if (refreshTimer_) refreshTimer_->invalidate();
+}
+
+Ref<FlareboxView> FlareboxView::init() {
+    // The classes that the layout files name have to be known before the files are read.
+    FlareboxView::staticClass();
+    AssetCollectionViewCell::staticClass();
+    PanelShadowView::staticClass();
+    ListFadeView::staticClass();
+    const std::vector<Ref<NSObject>> objects = UINib::nibWithNibName("FlareboxView", flareboxBundle())->instantiateWithOwner(nullptr);
+    return Ref<FlareboxView>(objects.empty() ? nullptr : objectCast<FlareboxView>(objects.front().get()));
+}
+
+void FlareboxView::awakeFromNib() {
+    UIView::awakeFromNib();
+    isHasBeenOpened_ = false;
+    showLoadingView(false);
+    setupView();
+    loadData();
+}
+
+void FlareboxView::addCloseGestureAction() {
+    const Ref<UISwipeGestureRecognizer> swipe = UISwipeGestureRecognizer::initWithTarget(*this, "close");
+    swipe->setDirection(UISwipeGestureRecognizerDirectionLeft);
+    addGestureRecognizer(swipe);
+}
+
+void FlareboxView::observeValueForKeyPath(std::string_view, NSObject&, const NSKeyValueChange&, void*) {
+    // The configuration's switch tells how a tab starts; one that exists is told through showFlareboxButton.
+}
+
+void FlareboxView::showAtWindow() {
+    dispatch_after_main(attachDelay, [self = Ref<FlareboxView>(this)] {
+        UIApplicationDelegate* delegate = UIApplication::sharedApplication().delegate();
+        UIWindow* window = delegate ? delegate->window() : nullptr;
+        if (!window) return;
+        const std::vector<Ref<UIView>> views(window->subviews().begin(), window->subviews().end());
+        for (const Ref<UIView>& view : views) {
+            if (auto* tab = objectCast<FlareboxView>(view.get())) tab->removeFromSuperview();
+        }
+        self->showAtView(*window);
+    });
+}
+
+void FlareboxView::showAtView(UIView& parent) {
+    parent.addSubview(*this);
+    loadLayoutConstrains();
+    attachOpenButton(parent);
+    dispatch_async_main([self = Ref<FlareboxView>(this)] { self->toggleFlarebox(false, false); });
+}
+
+void FlareboxView::attachOpenButton(UIView& parent) {
+    using enum NSLayoutAttribute;
+    using enum NSLayoutRelation;
+    parent.addSubview(*btnOpen_);
+    const CGFloat width = 36 * (UIScreen::mainScreen().bounds().height() / 600);
+    openButtonWidthContraint_ = NSLayoutConstraint::constraintWithItem(*btnOpen_, Width, Equal, nullptr, NotAnAttribute, 1, width);
+    parent.addConstraint(NSLayoutConstraint::constraintWithItem(*btnOpen_, CenterY, Equal, &parent, CenterY, 1, 0));
+    parent.addConstraint(NSLayoutConstraint::constraintWithItem(*btnOpen_, Leading, Equal, this, Trailing, 1, 0));
+    parent.addConstraint(openButtonWidthContraint_);
+}
+
+void FlareboxView::toggleFlarebox() { toggleFlarebox(!isOpened(), true); }
+
+void FlareboxView::toggleFlarebox(bool open, bool animated) {
+    if (isOpened() && open) return;
+    isNeedFlareboxOpenedEvent_ = open;
+    if (open) {
+        isHasBeenOpened_ = true;
+        FlareboxManager::sharedInstance().setFlareboxOpenedDate(NSDate::date());
+        handleFlareboxOpened();
+    }
+    placePanel(open, animated);
+}
+
+void FlareboxView::placePanel(bool open, bool animated) {
+    if (const auto leading = constraintLeadingContentView_.lock()) leading->setConstant(open ? 0.0 : -getViewSize().width);
+    const Ref<UIView> parent(superview());
+    if (!parent) return;
+    const auto place = [&] {
+        parent->layoutIfNeeded();
+        // A closed panel is out of sight, and so has to be what it throws onto the game.
+        panelShadow_->setAlpha(open ? 1 : 0);
+    };
+    if (animated) UIView::animateWithDuration(slideDuration, place);
+    else place();
+}
+
+bool FlareboxView::isOpened() const {
+    const auto leading = constraintLeadingContentView_.lock();
+    return !leading || leading->constant() == 0.0;
+}
+
+void FlareboxView::handleFlareboxOpened() {
+    const bool hasAssets = assestsList_ && !assestsList_->empty();
+    if (hasAssets && !currentAsset_) {
+        selectAsset(assestsList_->front());
+        collectionView_->reloadData();
+    } else if (!hasAssets) {
+        loadData();
+    }
+}
+
+void FlareboxView::showFlareboxButton(bool show) {
+    btnOpen_->setHidden(!show);
+    if (!show) close();
+}
+
+bool FlareboxView::isFlareboxButtonVisible() const { return !btnOpen_->isHidden(); }
+
+void FlareboxView::setFlareboxButtonAlpha(double alpha) { btnOpen_->setAlpha(alpha); }
+
+void FlareboxView::didMoveToSuperview() {
+    UIView::didMoveToSuperview();
+    toggleFlarebox(false, false);
+}
+
+void FlareboxView::removeFromSuperview() {
+    if (btnOpen_) btnOpen_->removeFromSuperview();
+    UIView::removeFromSuperview();
+}
+
+}  // namespace flarebox

@@ -1,0 +1,171 @@
+#pragma once
+
+#include <Flarebox/Managers/FlareboxManager.h>
+#include <Flarebox/Models/FXAssetInfo.h>
+#include <Foundation/NSTimer.h>
+#include <Networking/AFHTTPSessionManager.h>
+#include <UIKit/UICollectionView.h>
+#include <UIKit/UIView.h>
+
+#include <cstdint>
+#include <memory>
+#include <string_view>
+
+namespace flarebox {
+
+class UIActivityIndicatorView;
+class UIButton;
+class UIImageView;
+class UILabel;
+class NSNotification;
+
+/// What the tab's content area shows.
+enum AssetMode : std::uint64_t { AssetMode2D = 0, AssetMode3D = 1, AssetModeVideo = 2 };
+
+/// The tab: a panel at the left edge of its parent, hidden beyond the edge while closed, with an open button that sticks out.
+/// It loads the game's assets as soon as it exists and shows them when opened. The host owns it. Main thread only.
+class FlareboxView : public UIView, public UICollectionViewDataSource, public UICollectionViewDelegate {
+    FLAREBOX_CLASS(FlareboxView)
+public:
+    FlareboxView();
+    ~FlareboxView() override;
+
+    /// The tab made from its layout file; null, with a message on standard error, when the kit's resources are missing.
+    static Ref<FlareboxView> init();
+
+    // Showing.
+    /// Attaches the tab, closed, to the application's main window 0.1 seconds from now, replacing any tab there. Nothing happens without a window.
+    void showAtWindow();
+    /// Attaches the tab, closed, to a view. A parent that it is attached to already gets a second set of constraints: remove the tab first.
+    void showAtView(UIView& parent);
+    void removeFromSuperview() override;
+    void open() { toggleFlarebox(true, true); }
+    void close() { toggleFlarebox(false, true); }
+    void toggleFlarebox();
+    /// Animated over 0.3 seconds, or at once. An open tab asked to open does nothing.
+    void toggleFlarebox(bool open, bool animated);
+    /// The state that the tab has or is moving to. A tab that was never attached counts as open.
+    bool isOpened() const;
+    void showFlareboxButton() { showFlareboxButton(true); }
+    void hideFlareboxButton() { showFlareboxButton(false); }
+    /// Hiding the open button also closes the tab.
+    void showFlareboxButton(bool show);
+    bool isFlareboxButtonVisible() const;
+    /// 0 to 1.
+    void setFlareboxButtonAlpha(double alpha);
+
+    // Data.
+    /// Seconds between refreshes; 0 or less for the default. Restarts the countdown.
+    void changeRefreshDataTime(std::int32_t seconds);
+    /// Starts a new game session; for hosts that have changed the configured game.
+    void updateWithNewGameUDID() { createGameSession(); }
+
+    // What the tab holds, for tools and tests.
+    const std::shared_ptr<AssetList>& assestsList() const { return assestsList_; }
+    const Ref<FXAssetInfo>& currentAsset() const { return currentAsset_; }
+    AssetMode currentAssetMode() const { return currentAssetMode_; }
+    std::int64_t netWorkStatus() const { return netWorkStatus_; }
+    std::int32_t refreshDataTime() const { return refreshDataTime_; }
+    bool isHasBeenOpened() const { return isHasBeenOpened_; }
+    /// An image-loading client, made on first use.
+    AFHTTPSessionManager& operationManager();
+
+    // The load chain.
+    void loadData();
+    bool validSessionData();
+    void createGameSession();
+    void loadAssets();
+    void startFreshTimer();
+    void countDown();
+    bool isNetworkConnected() const;
+    void showLoadingView(bool show);
+    void showErrorMessage(std::string_view message);
+    void hideErrorMessage();
+    void showRequestErrorMessage();
+    void showNetworkErrorMessage();
+    void showEmptyView();
+    void showAssetView();
+
+    // Layout.
+    /// The size that the tab has on the main screen, in points.
+    static CGSize getViewSize();
+    void deviceOrientationDidChange();
+
+    // Browsing.
+    void updateFlarebox();
+    void selectAsset(const Ref<FXAssetInfo>& asset);
+    void reloadCellVisibles();
+    void pressNextAssetButton();
+    void pressPreviousAssetButton();
+
+    // Hooks of the platform.
+    void awakeFromNib() override;
+    void didMoveToSuperview() override;
+    void observeValueForKeyPath(std::string_view keyPath, NSObject& object, const NSKeyValueChange& change, void* context) override;
+
+private:
+    // FlareboxView.cpp
+    void addCloseGestureAction();
+    void handleFlareboxOpened();
+    void pressOpenButton() { toggleFlarebox(); }
+    void pressCloseButton() { toggleFlarebox(false, true); }
+    void attachOpenButton(UIView& parent);
+    void placePanel(bool open, bool animated);
+
+    // FlareboxView+Data.cpp
+    void reachabilityChanged(std::int64_t status);
+    void gameSessionCreated(const Ref<FXSessionInfo>& session, const Ref<NSError>& error);
+    void assetsLoaded(const std::shared_ptr<AssetList>& assets, const Ref<NSError>& error);
+    bool shouldRefresh() const;
+
+    // FlareboxView+Layout.cpp
+    void setupView();
+    void layoutView();
+    void loadLayoutConstrains();
+    void orientationChangedMethod();
+    void relayoutLayers() {}
+
+    // FlareboxView+Browsing.cpp
+    void loadAssetPicture(const NSString& address);
+    void selectFirstAsset();
+    bool isCurrentAsset(const FXAssetInfo& asset) const;
+    void validateAssetPreventModes();
+    void pressBuyButton();
+    std::size_t collectionViewNumberOfItemsInSection(UICollectionView& view, std::size_t section) override;
+    CGSize collectionViewLayoutSizeForItemAtIndexPath(UICollectionView& view, const NSIndexPath& path) override;
+    Ref<UICollectionViewCell> collectionViewCellForItemAtIndexPath(UICollectionView& view, const NSIndexPath& path) override;
+    void collectionViewDidSelectItemAtIndexPath(UICollectionView& view, const NSIndexPath& path) override;
+    void scrollViewDidScroll(UIScrollView& view) override;
+    void scrollViewDidEndDragging(UIScrollView& view, bool willDecelerate) override;
+    void scrollViewWillBeginDecelerating(UIScrollView& view) override;
+
+    // Bound by the layout file; owned by the view tree.
+    Weak<UIView> emptyView_, assetView_, contentView_, assetContentView_, leftAssetListShadowView_, loadingView_, videoContainer_,
+        scnContainer_, preventerMenuView_, panelShadow_;
+    Weak<UICollectionView> collectionView_;
+    Weak<UILabel> lbAssetTitle_, lbAssetDesc_, lbEmptyAssets_, lbEmptyAssetsDetail_, lbErrorMessage_, lbFlareboxLogo_;
+    Weak<UIButton> btnClose_, btn2d_, btn3d_, btnVideo_, btnCoupon_, btnBuy_, btnPrevious_, btnNext_;
+    Weak<UIImageView> imgAssetContent_;
+    Weak<UIActivityIndicatorView> indicator_;
+    Weak<NSLayoutConstraint> closeButtonTopContraint_, assetContainerBottom_, logoTopContraint_, assetLogoPadding_, preventerMenuWidth_;
+    /// Owned: it is the parent's sub-view while the tab is attached, and nobody's in between.
+    Ref<UIButton> btnOpen_;
+
+    /// The tab's leading edge against its parent's: 0 open, minus the tab's width closed. Held by the parent.
+    Weak<NSLayoutConstraint> constraintLeadingContentView_;
+    Ref<NSLayoutConstraint> widthFixedConstraint_, heightFixedConstraint_, openButtonWidthContraint_;
+
+    Ref<AFHTTPSessionManager> operationManager_;
+    std::shared_ptr<AssetList> assestsList_;
+    Ref<FXAssetInfo> currentAsset_;
+    Ref<NSTimer> refreshTimer_;
+    AssetMode currentAssetMode_ = AssetMode2D;
+    std::int64_t netWorkStatus_ = 0;
+    std::int64_t currentOrientation_ = 0;
+    std::int32_t refreshDataTime_ = 0;
+    /// An opened event is still owed for the current opening.
+    bool isNeedFlareboxOpenedEvent_ = false;
+    bool isHasBeenOpened_ = false;
+};
+
+}  // namespace flarebox

@@ -1,0 +1,38 @@
+#include <Flarebox/Views/Shades.h>
+
+namespace flarebox {
+namespace {
+
+constexpr UIColor panelColor = UIColor::rgb(0x13151A);
+constexpr float shadowStrength = 0.35F;
+constexpr int shadowSteps = 12;
+
+}  // namespace
+
+const ClassInfo& PanelShadowView::staticClass() {
+    static const ClassInfo info("PanelShadowView", &UIView::staticClass(), createObject<PanelShadowView>);
+    return info;
+}
+
+void PanelShadowView::drawRect(Canvas& canvas, const CGRect& bounds) {
+    // A straight ramp shows its end as an edge; falling off by the square, it vanishes.
+    const CGFloat step = bounds.width() / shadowSteps;
+    const auto strength = [](int at) {
+        const float rest = 1 - static_cast<float>(at) / shadowSteps;
+        return UIColor::blackColor().withAlpha(shadowStrength * rest * rest);
+    };
+    for (int i = 0; i < shadowSteps; ++i) {
+        canvas.fillGradient(CGRectMake(bounds.minX() + i * step, bounds.minY(), step, bounds.height()), strength(i), strength(i + 1), true);
+    }
+}
+
+const ClassInfo& ListFadeView::staticClass() {
+    static const ClassInfo info("ListFadeView", &UIView::staticClass(), createObject<ListFadeView>);
+    return info;
+}
+
+void ListFadeView::drawRect(Canvas& canvas, const CGRect& bounds) {
+    canvas.fillGradient(bounds, panelColor, panelColor.withAlpha(0), true);
+}
+
+}  // namespace flarebox

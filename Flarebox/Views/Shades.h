@@ -1,0 +1,23 @@
+#pragma once
+
+#include <UIKit/UIView.h>
+
+namespace flarebox {
+
+/// The soft shadow that the open panel throws onto the game to its right: darkest at the panel's edge.
+class PanelShadowView : public UIView {
+    FLAREBOX_CLASS(PanelShadowView)
+public:
+    void drawRect(Canvas& canvas, const CGRect& bounds) override;
+    bool drawsContent() const override { return true; }
+};
+
+/// The edge into which a scrolled list fades, at its left end.
+class ListFadeView : public UIView {
+    FLAREBOX_CLASS(ListFadeView)
+public:
+    void drawRect(Canvas& canvas, const CGRect& bounds) override;
+    bool drawsContent() const override { return true; }
+};
+
+}  // namespace flarebox

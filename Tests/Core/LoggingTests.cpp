@@ -1,0 +1,75 @@
+#include <Flarebox/Core/FlareboxConfig.h>
+#include <Flarebox/Core/Logging.h>
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+namespace flarebox {
+namespace {
+
+TEST(Logging, LevelsDecideWhatIsPrinted) {
+    struct Case {
+        bool enabled;
+        std::uint64_t level;
+        bool info, warning, error;
+    };
+    const Case cases[] = {
+        {false, 1, false, false, false}, {true, 0, false, false, false}, {true, 1, true, true, true},
+        {true, 2, false, true, true},    {true, 3, false, false, true},  {true, 4, false, false, false},
+        {true, std::numeric_limits<std::uint64_t>::max(), false, false, false},
+    };
+    FlareboxConfig& config = FlareboxConfig::defaultConfig();
+    for (const Case& setting : cases) {
+        config.setEnableLogging(setting.enabled);
+        config.setLogLevel(setting.level);
+        ::testing::internal::CaptureStderr();
+        infoLog("one");
+        warningLog("two\n");
+        errorLog("%@", "three");
+        std::string expected;
+        if (setting.info) expected += "KestrinSDK Info: one\n";
+        if (setting.warning) expected += "KestrinSDK Warning: two\n";
+        if (setting.error) expected += "KestrinSDK Error: three\n";
+        EXPECT_EQ(::testing::internal::GetCapturedStderr(), expected) << setting.level;
+    }
+    config.setEnableLogging(false);
+}
+
+TEST(Logging, FormatsAnyArgumentsSafely) {
+    struct Case {
+        std::string_view format;
+        std::vector<Value> arguments;
+        std::string expected;
+    };
+    const Case cases[] = {
+        {"%@ of %@", {"cup", 3}, "cup of 3"},
+        {"%d|%5d|%-5d|%05d|%+d", {1, 2, 3, 4, 5}, "1|    2|3    |00004|+5"},
+        {"%lld %llu %qu %hhd", {std::numeric_limits<std::int64_t>::min(), std::numeric_limits<std::uint64_t>::max(), 7, 300},
+         "-9223372036854775808 18446744073709551615 7 300"},
+        {"%x %X %o %#x", {255, 255, 8, 255}, "ff FF 10 0xff"},
+        {"%.2f %g %5.1f", {1.005, 0.5, 2}, "1.00 0.5   2.0"},
+        {"%s [%8s] [%-8s] %.2s", {"text", "right", "left", "cut"}, "text [   right] [left    ] cu"},
+        {"%c%c", {'A', 7777}, "A\xEF\xBF\xBD"},
+        {"100%% of %@", {"it"}, "100% of it"},
+        // Wrong, missing and surplus arguments.
+        {"%d and %f", {"three", "four"}, "three and four"},
+        {"%s and %@", {5, nullptr}, "5 and (null)"},
+        {"%@ then %@ %d", {"only"}, "only then %@ %d"},
+        {"none", {1, 2}, "none"},
+        {"%@", {"%s%n%@"}, "%s%n%@"},
+        // What is no conversion stays as it stands.
+        {"%n %* %k % %", {1}, "%n %* %k % %"},
+        {"%99999999d", {1}, std::string(511, ' ') + "1"},
+        {"%.99999999f", {0.5}, "0.5" + std::string(511, '0')},
+        {"%f", {std::numeric_limits<double>::max()}, std::to_string(std::numeric_limits<double>::max())},
+        {"", {}, ""},
+        {"%", {}, "%"},
+    };
+    for (const Case& example : cases) {
+        EXPECT_EQ(formatLog(example.format, example.arguments), example.expected) << example.format;
+    }
+}
+
+}  // namespace
+}  // namespace flarebox
