@@ -67,20 +67,23 @@ void FlareboxView::setupView() {
 void FlareboxView::layoutView() {
     const CGSize size = getViewSize();
     const double unit = size.height / designHeight;
-    const auto systemFont = [unit](double points) { return UIFont::systemFontOfSize(points * unit); };
+    // The weights are the layout file's.
+    const auto scaleFont = [unit](UILabel& label, double points) {
+        label.setFont(UIFont::systemFontOfSize(points * unit, label.font().weight()));
+    };
 
     preventerMenuWidth_->setConstant(35 * (size.width / designWidth));
     lbEmptyAssets_->setFont(UIFont::fontWithName("HelveticaNeue-Medium", 25 * unit));
-    lbEmptyAssetsDetail_->setFont(systemFont(16));
-    lbAssetTitle_->setFont(systemFont(16));
-    lbAssetDesc_->setFont(systemFont(12));
-    lbErrorMessage_->setFont(systemFont(16));
-    lbFlareboxLogo_->setFont(systemFont(23));
+    scaleFont(*lbEmptyAssetsDetail_.get(), 16);
+    scaleFont(*lbAssetTitle_.get(), 16);
+    scaleFont(*lbAssetDesc_.get(), 12);
+    scaleFont(*lbErrorMessage_.get(), 16);
+    scaleFont(*lbFlareboxLogo_.get(), 23);
     assetContainerBottom_->setConstant(30 * unit);
     logoTopContraint_->setConstant(10 * unit);
-    btnCoupon_->titleLabel().setFont(systemFont(15));
+    scaleFont(btnCoupon_->titleLabel(), 15);
     assetLogoPadding_->setConstant(7 * unit);
-    btnBuy_->titleLabel().setFont(systemFont(15));
+    scaleFont(btnBuy_->titleLabel(), 15);
 
     btnCoupon_->titleLabel().setAdjustsFontSizeToFitWidth(true);
     btnBuy_->titleLabel().setAdjustsFontSizeToFitWidth(true);
