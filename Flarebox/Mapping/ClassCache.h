@@ -9,12 +9,13 @@
 
 namespace flarebox {
 
-/// A process-wide table from a class's name to something made once per class. Entries are never removed or moved. Any thread.
+/// A process-wide table from a class's name to something made once per class. Entries are never removed or moved. Any
+/// thread.
 template <class Entry>
 class ClassCache {
 public:
-    /// The class's entry, made under the lock on first use, which may ask this cache for other classes. When making fails
-    /// with an exception nothing is stored and the lock is released.
+    /// The class's entry, made under the lock on first use, which may ask this cache for other classes. When making
+    /// fails with an exception nothing is stored and the lock is released.
     template <class Make>
     Entry& entry(std::string_view className, Make make) {
         const std::lock_guard lock(mutex_);

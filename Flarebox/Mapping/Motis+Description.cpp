@@ -8,7 +8,9 @@ namespace {
 /// Objects that hold each other would never end; nothing sensible nests this deeply.
 constexpr int deepestLevel = 200;
 
-std::string indentation(int level) { return std::string(level > 0 ? 4 * static_cast<std::size_t>(level) : 0, ' '); }
+std::string indentation(int level) {
+    return std::string(level > 0 ? 4 * static_cast<std::size_t>(level) : 0, ' ');
+}
 
 void appendElements(std::string& text, std::span<const Value> elements, int level) {
     for (std::size_t position = 0; position < elements.size(); ++position) {
@@ -19,7 +21,9 @@ void appendElements(std::string& text, std::span<const Value> elements, int leve
 }
 
 // Readers of these texts rely on the comma after the last of several members of a set or dictionary.
-const char* separatorOfUnordered(std::size_t count) { return count > 1 ? ",\n" : "\n"; }
+const char* separatorOfUnordered(std::size_t count) {
+    return count > 1 ? ",\n" : "\n";
+}
 
 void appendMembers(std::string& text, std::span<const Value> members, int level) {
     for (const Value& member : members) {
@@ -38,7 +42,9 @@ void appendEntries(std::string& text, std::span<const NSDictionary::Entry> entri
 
 void appendValue(std::string& text, const Value& value, int level) {
     switch (value.kind()) {
-        case Value::Kind::Absent: text += "nil"; return;
+        case Value::Kind::Absent:
+            text += "nil";
+            return;
         case Value::Kind::Array:
             text += "[\n";
             appendElements(text, value.as<NSArray>().elements(), level);
@@ -54,8 +60,11 @@ void appendValue(std::string& text, const Value& value, int level) {
             appendEntries(text, value.as<NSDictionary>().entries(), level);
             text += indentation(level + 1) + "}";
             return;
-        case Value::Kind::String: text.append("\"").append(value.as<NSString>().text()).append("\""); return;
-        default: text += mts_descriptionWithIndentation(value, level + 1);
+        case Value::Kind::String:
+            text.append("\"").append(value.as<NSString>().text()).append("\"");
+            return;
+        default:
+            text += mts_descriptionWithIndentation(value, level + 1);
     }
 }
 
@@ -85,7 +94,9 @@ std::string MotisObject::mts_descriptionWithIndentation(int level) const {
     return text + indentation(level) + "}";
 }
 
-std::string mts_description(const Value& value) { return mts_descriptionWithIndentation(value, 0); }
+std::string mts_description(const Value& value) {
+    return mts_descriptionWithIndentation(value, 0);
+}
 
 std::string mts_descriptionWithIndentation(const Value& value, int level) {
     if (const auto* model = value.object<MotisObject>()) return model->mts_descriptionWithIndentation(level);

@@ -14,7 +14,9 @@ bool equalsIgnoringCase(std::string_view text, std::string_view lowerCase) {
     });
 }
 
-bool isSecondsText(std::string_view text) { return text.find_first_not_of("1234567890.,") == std::string_view::npos; }
+bool isSecondsText(std::string_view text) {
+    return text.find_first_not_of("1234567890.,") == std::string_view::npos;
+}
 
 /// The number that a text stands for where a number is wanted: a truth value by name, or its floating-point reading.
 NSNumber numberFromText(const NSString& text) {
@@ -35,20 +37,36 @@ bool convertToScalar(char code, Value& value) {
 /// A collection of that kind with the array's elements.
 bool convertArray(ClassKind kind, const NSArray& array, Value& value) {
     switch (kind) {
-        case ClassKind::MutableArray: value = array.mutableCopy(); return true;
-        case ClassKind::Array: value = array.copy(); return true;
-        case ClassKind::MutableSet: value = NSMutableSet::setWithValues(array.elements()); return true;
-        case ClassKind::Set: value = NSSet::setWithValues(array.elements()); return true;
-        case ClassKind::MutableOrderedSet: value = NSMutableOrderedSet::orderedSetWithValues(array.elements()); return true;
-        case ClassKind::OrderedSet: value = NSOrderedSet::orderedSetWithValues(array.elements()); return true;
-        default: return false;
+        case ClassKind::MutableArray:
+            value = array.mutableCopy();
+            return true;
+        case ClassKind::Array:
+            value = array.copy();
+            return true;
+        case ClassKind::MutableSet:
+            value = NSMutableSet::setWithValues(array.elements());
+            return true;
+        case ClassKind::Set:
+            value = NSSet::setWithValues(array.elements());
+            return true;
+        case ClassKind::MutableOrderedSet:
+            value = NSMutableOrderedSet::orderedSetWithValues(array.elements());
+            return true;
+        case ClassKind::OrderedSet:
+            value = NSOrderedSet::orderedSetWithValues(array.elements());
+            return true;
+        default:
+            return false;
     }
 }
 
 bool convertNumber(ClassKind kind, const NSNumber& number, Value& value) {
-    if (kind == ClassKind::Date) value = NSDate::dateWithTimeIntervalSince1970(number.doubleValue());
-    else if (kind == ClassKind::String) value = NSString(number.stringValue());
-    else return false;
+    if (kind == ClassKind::Date)
+        value = NSDate::dateWithTimeIntervalSince1970(number.doubleValue());
+    else if (kind == ClassKind::String)
+        value = NSString(number.stringValue());
+    else
+        return false;
     return true;
 }
 
@@ -75,10 +93,14 @@ void MotisObject::mts_validateArrayContent(NSArray& array, std::string_view prop
 bool MotisObject::convert(const PropertyPlan& property, Value& value) {
     if (!value) return true;
     switch (property.rule.kind) {
-        case TypeRule::Kind::Anything: return true;
-        case TypeRule::Kind::Nothing: return false;
-        case TypeRule::Kind::Scalar: return convertToScalar(property.rule.scalarCode, value);
-        case TypeRule::Kind::Object: break;
+        case TypeRule::Kind::Anything:
+            return true;
+        case TypeRule::Kind::Nothing:
+            return false;
+        case TypeRule::Kind::Scalar:
+            return convertToScalar(property.rule.scalarCode, value);
+        case TypeRule::Kind::Object:
+            break;
     }
     return convertToClass(property, *property.rule.targetClass, property.rule.classKind, value);
 }
@@ -102,15 +124,25 @@ bool MotisObject::convertToClass(const PropertyPlan& property, const ClassInfo& 
 bool MotisObject::convertText(ClassKind kind, Value& value) const {
     const auto text = value.as<NSString>();
     switch (kind) {
-        case ClassKind::URL: value = NSURL::URLWithString(text); break;
-        case ClassKind::Data: value = NSData::dataWithBase64EncodedString(text); break;
-        case ClassKind::Number: value = numberFromText(text); break;
-        case ClassKind::Date:
-            if (NSDateFormatter* formatter = classInfo().plan().dateFormatter()) value = formatter->dateFromString(text);
-            else if (isSecondsText(text.text())) value = NSDate::dateWithTimeIntervalSince1970(text.doubleValue());
-            else return false;
+        case ClassKind::URL:
+            value = NSURL::URLWithString(text);
             break;
-        default: return false;
+        case ClassKind::Data:
+            value = NSData::dataWithBase64EncodedString(text);
+            break;
+        case ClassKind::Number:
+            value = numberFromText(text);
+            break;
+        case ClassKind::Date:
+            if (NSDateFormatter* formatter = classInfo().plan().dateFormatter())
+                value = formatter->dateFromString(text);
+            else if (isSecondsText(text.text()))
+                value = NSDate::dateWithTimeIntervalSince1970(text.doubleValue());
+            else
+                return false;
+            break;
+        default:
+            return false;
     }
     return static_cast<bool>(value);
 }
@@ -150,8 +182,10 @@ void MotisObject::checkElements(const PropertyPlan& property, NSArray& array) {
             copyForChange().removeObjectAtIndex(index);
             mts_invalidValueForArrayKey(value, property.name, error);
         } else if (!value.isSameAs(element)) {
-            if (value) copyForChange().replaceObjectAtIndex(index, value);
-            else copyForChange().removeObjectAtIndex(index);
+            if (value)
+                copyForChange().replaceObjectAtIndex(index, value);
+            else
+                copyForChange().removeObjectAtIndex(index);
         }
     }
     if (changed) array = changed.copy();

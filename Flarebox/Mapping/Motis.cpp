@@ -7,8 +7,8 @@ namespace flarebox {
 
 namespace {
 
-/// The value that a key path's component selects by name: a JSON object's entry, or for an array the array of what each of
-/// its elements has under the name, with the JSON null for nothing.
+/// The value that a key path's component selects by name: a JSON object's entry, or for an array the array of what each
+/// of its elements has under the name, with the JSON null for nothing.
 Value valueUnderName(const Value& container, std::string_view name) {
     if (const auto dictionary = container.as<NSDictionary>()) return dictionary.objectForKey(name);
     const auto array = container.as<NSArray>();
@@ -32,7 +32,8 @@ Value step(const Value& container, const MTSKeyPath::Component& component) {
 }  // namespace
 
 const MotisClass& MotisObject::staticClass() {
-    static detail::Immortal<MotisClass> cls("MotisObject", NSObject::staticClass(), ClassInfo::Factory(&createObject<MotisObject>),
+    static detail::Immortal<MotisClass> cls("MotisObject", NSObject::staticClass(),
+                                            ClassInfo::Factory(&createObject<MotisObject>),
                                             std::vector<MotisProperty>(), MotisDeclarations());
     return *cls;
 }
@@ -44,8 +45,10 @@ void MotisObject::mts_setValuesForKeysWithDictionary(const NSDictionary& diction
     // A hook may change the dictionary, when it is a mutable one, or let go of it.
     const NSDictionary entries = dictionary.copy();
     for (const auto& [key, value] : entries.entries()) {
-        if (const auto text = key.as<NSString>()) setEntry(plan, text.text(), value);
-        else mts_ignoredSetValueForUndefinedMappingKey(value, key.description());
+        if (const auto text = key.as<NSString>())
+            setEntry(plan, text.text(), value);
+        else
+            mts_ignoredSetValueForUndefinedMappingKey(value, key.description());
     }
 }
 
@@ -97,9 +100,12 @@ void MotisObject::assign(const PropertyPlan& property, const Value& incoming, st
 }
 
 void MotisObject::store(const PropertyPlan& property, const Value& value) {
-    if (property.field) this->*property.field = value;
-    else if (property.hooks.writesByName || !property.property) setValue(value, property.name);
-    else property.property->set(*this, value);
+    if (property.field)
+        this->*property.field = value;
+    else if (property.hooks.writesByName || !property.property)
+        setValue(value, property.name);
+    else
+        property.property->set(*this, value);
 }
 
 bool MotisObject::validate(const PropertyPlan& property, Value& value, Ref<NSError>& error) {
@@ -183,7 +189,9 @@ void MotisObject::mts_ignoredSetValueForUndefinedMappingKey(const Value&, std::s
 
 void MotisObject::mts_invalidValueForKey(const Value&, std::string_view, const Ref<NSError>&) {}
 
-bool MotisObject::mts_checkValueEqualityBeforeAssignmentForKey(std::string_view) { return false; }
+bool MotisObject::mts_checkValueEqualityBeforeAssignmentForKey(std::string_view) {
+    return false;
+}
 
 Ref<NSObject> MotisObject::mts_willCreateObjectOfClass(const ClassInfo&, const NSDictionary&, std::string_view, bool&) {
     return nullptr;
@@ -191,7 +199,9 @@ Ref<NSObject> MotisObject::mts_willCreateObjectOfClass(const ClassInfo&, const N
 
 void MotisObject::mts_didCreateObject(NSObject&, std::string_view) {}
 
-bool MotisObject::mts_validateArrayObjectForArrayKey(Value&, std::string_view, Ref<NSError>&) { return true; }
+bool MotisObject::mts_validateArrayObjectForArrayKey(Value&, std::string_view, Ref<NSError>&) {
+    return true;
+}
 
 void MotisObject::mts_invalidValueForArrayKey(const Value&, std::string_view, const Ref<NSError>&) {}
 

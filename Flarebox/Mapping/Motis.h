@@ -18,10 +18,11 @@ struct PropertyPlan;
 /// The common root of all model classes: fills an object from a JSON object, and reads it back.
 ///
 /// Model classes are declared with FLAREBOX_MODEL (Flarebox/Mapping/MotisDeclaration.h). Any thread may fill or read
-/// objects; one object is not to be filled by two threads at once. Nothing here reports an error by itself: what cannot be
-/// assigned goes to a hook, the property keeps its value, and filling goes on with the next key.
+/// objects; one object is not to be filled by two threads at once. Nothing here reports an error by itself: what cannot
+/// be assigned goes to a hook, the property keeps its value, and filling goes on with the next key.
 ///
-/// Throughout, "key" is a JSON key or a dotted key path of the mapping where a value comes in, and a property name in hooks.
+/// Throughout, "key" is a JSON key or a dotted key path of the mapping where a value comes in, and a property name in
+/// hooks.
 class MotisObject : public NSObject {
 public:
     static const MotisClass& staticClass();
@@ -29,8 +30,8 @@ public:
 
     // --- Filling ---
 
-    /// Assigns every entry of a JSON object, in its order, by plain keys and by key paths. Keys that are no text are passed
-    /// on as undefined ones.
+    /// Assigns every entry of a JSON object, in its order, by plain keys and by key paths. Keys that are no text are
+    /// passed on as undefined ones.
     void mts_setValuesForKeysWithDictionary(const NSDictionary& dictionary);
     /// Maps, checks, converts and assigns one value. The JSON null assigns an absent value.
     void mts_setValue(const Value& value, std::string_view key);
@@ -39,8 +40,8 @@ public:
     /// The translation of a value by the class's value mapping of a property; the very same value when there is none.
     Value mts_mapValue(const Value& value, std::string_view property) const;
 
-    /// Checks a value against the declared type of a property and converts it where a rule exists. False when it does not
-    /// fit; the value is then absent when a conversion was tried and failed, and unchanged otherwise.
+    /// Checks a value against the declared type of a property and converts it where a rule exists. False when it does
+    /// not fit; the value is then absent when a conversion was tried and failed, and unchanged otherwise.
     bool mts_validateAutomaticallyValue(Value& value, std::string_view property);
     /// The same against a class.
     bool mts_validateAutomaticallyValue(Value& value, const ClassInfo& cls, std::string_view property);
@@ -62,8 +63,8 @@ public:
 
     // --- Hooks, each to be overridden at will ---
 
-    /// Before any automatic handling of a mapped value. May replace it, which ends its handling: it is assigned as it is.
-    /// Answering false refuses it. By default `validateValue`.
+    /// Before any automatic handling of a mapped value. May replace it, which ends its handling: it is assigned as it
+    /// is. Answering false refuses it. By default `validateValue`.
     virtual bool mts_validateValue(Value& value, std::string_view property, Ref<NSError>& error);
     /// By default the validator that the class lists for the property, or acceptance.
     virtual bool validateValue(Value& value, std::string_view property, Ref<NSError>& error);
@@ -81,7 +82,8 @@ public:
     /// For each element of an array property, absent for a JSON null. May replace it; false removes it.
     virtual bool mts_validateArrayObjectForArrayKey(Value& element, std::string_view property, Ref<NSError>& error);
     /// An element was refused and removed.
-    virtual void mts_invalidValueForArrayKey(const Value& element, std::string_view property, const Ref<NSError>& error);
+    virtual void mts_invalidValueForArrayKey(const Value& element, std::string_view property,
+                                             const Ref<NSError>& error);
 
 private:
     void setEntry(const MotisPlan& plan, std::string_view key, const Value& value);

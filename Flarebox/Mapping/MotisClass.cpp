@@ -29,7 +29,9 @@ struct ValueMappings;
 struct KeyPaths;
 using PropertyTables = std::map<std::string, NSDictionary, std::less<>>;
 
-NSDictionary emptyTable() { return NSDictionary::dictionaryWithEntries({}); }
+NSDictionary emptyTable() {
+    return NSDictionary::dictionaryWithEntries({});
+}
 
 /// `added` over `base`; an entry of `added` takes the place of one with the same key.
 NSDictionary merged(const NSDictionary& base, const NSDictionary& added) {
@@ -53,7 +55,9 @@ MotisClass::MotisClass(std::string_view name, const ClassInfo& superclass, Facto
       declarations_(declarations),
       validators_(declarations.validators ? declarations.validators() : std::vector<PropertyValidator>()) {}
 
-MotisClass::~MotisClass() { const std::unique_ptr<const MotisPlan> plan(plan_.load()); }
+MotisClass::~MotisClass() {
+    const std::unique_ptr<const MotisPlan> plan(plan_.load());
+}
 
 const MotisClass* MotisClass::modelSuperclass() const {
     const ClassInfo& root = MotisObject::staticClass();
@@ -108,7 +112,8 @@ Ref<NSDateFormatter> MotisClass::mts_validationDateFormatter() const {
 }
 
 // --- Merged tables ---
-// A class asks its superclass before it takes the lock, so that one class's declarations never run inside another's entry.
+// A class asks its superclass before it takes the lock, so that one class's declarations never run inside another's
+// entry.
 
 const MotisClass::MappingTables& MotisClass::mappingTables() const {
     const MotisClass* base = modelSuperclass();
@@ -121,9 +126,13 @@ const MotisClass::MappingTables& MotisClass::mappingTables() const {
     });
 }
 
-NSDictionary MotisClass::mts_cachedMapping() const { return mappingTables().merged; }
+NSDictionary MotisClass::mts_cachedMapping() const {
+    return mappingTables().merged;
+}
 
-NSDictionary MotisClass::declaredMapping() const { return mappingTables().declared; }
+NSDictionary MotisClass::declaredMapping() const {
+    return mappingTables().declared;
+}
 
 const ArrayClassMapping& MotisClass::mts_cachedArrayClassMapping() const {
     static detail::Immortal<ArrayClassMapping> none;
@@ -173,8 +182,10 @@ const MTSKeyPathIndex& MotisClass::mts_keyPaths() const {
             if (!key.as<NSString>()) continue;
             MTSKeyPath path = MTSKeyPath::initWithKeyPath(key.as<NSString>().text());
             auto& list = index[path.components().front().name];
-            if (list) list->append(std::move(path));
-            else list = std::make_shared<MTSKeyPathList>(std::move(path));
+            if (list)
+                list->append(std::move(path));
+            else
+                list = std::make_shared<MTSKeyPathList>(std::move(path));
         }
         return index;
     });
@@ -184,7 +195,8 @@ const MTSKeyPathIndex& MotisClass::mts_keyPaths() const {
 
 const MotisProperty* MotisClass::line(std::string_view property) const {
     for (const MotisClass* cls = this; cls; cls = cls->modelSuperclass()) {
-        const auto found = std::ranges::find(cls->lines(), property, [](const MotisProperty& line) { return line.property.name; });
+        const auto found =
+            std::ranges::find(cls->lines(), property, [](const MotisProperty& line) { return line.property.name; });
         if (found != cls->lines().end()) return &*found;
     }
     return nullptr;

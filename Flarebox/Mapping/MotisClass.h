@@ -35,7 +35,8 @@ struct OverriddenHooks {
     bool writesByName = false;
 };
 
-/// What a model class declares about itself as static members; null where neither it nor a superclass declares anything.
+/// What a model class declares about itself as static members; null where neither it nor a superclass declares
+/// anything.
 struct MotisDeclarations {
     // The class's own only: the engine merges them with those of the superclasses.
     NSDictionary (*mapping)() = nullptr;
@@ -69,9 +70,11 @@ public:
 
     /// JSON key or dotted key path -> property name: what the class declares, or else inherits.
     NSDictionary mts_mapping() const;
-    /// Whether a key without a mapping is assigned to the property of the same name; by default when there is no mapping at all.
+    /// Whether a key without a mapping is assigned to the property of the same name; by default when there is no
+    /// mapping at all.
     bool mts_shouldSetUndefinedKeys() const;
-    /// Incoming value -> value to assign, for one property; the JSON null as key is the fallback. Absent when there is none.
+    /// Incoming value -> value to assign, for one property; the JSON null as key is the fallback. Absent when there is
+    /// none.
     NSDictionary mts_valueMappingForKey(std::string_view property) const;
     ArrayClassMapping mts_arrayClassMapping() const;
     /// Reads dates from text; null when the class declares none.
@@ -82,11 +85,12 @@ public:
     NSDictionary mts_cachedValueMappingForKey(std::string_view property) const;
     const ArrayClassMapping& mts_cachedArrayClassMapping() const;
 
-    /// The class's key paths. The lists of a component that a superclass has too are that superclass's own: a superclass
-    /// that was used before its subclass then also walks the subclass's paths.
+    /// The class's key paths. The lists of a component that a superclass has too are that superclass's own: a
+    /// superclass that was used before its subclass then also walks the subclass's paths.
     const MTSKeyPathIndex& mts_keyPaths() const;
 
-    /// The type attribute of a declared or inherited property, cut at its first comma; empty when there is no such property.
+    /// The type attribute of a declared or inherited property, cut at its first comma; empty when there is no such
+    /// property.
     std::string_view mts_typeAttributeForKey(std::string_view property) const;
 
     /// The mapping that this very class declares, without what it inherits; empty when it declares none.

@@ -34,8 +34,10 @@ struct MotisDeclarationReader {
 private:
     template <auto A, auto B>
     static constexpr bool isSame() {
-        if constexpr (std::same_as<decltype(A), decltype(B)>) return A == B;
-        else return false;
+        if constexpr (std::same_as<decltype(A), decltype(B)>)
+            return A == B;
+        else
+            return false;
     }
 
     template <class C>
@@ -53,16 +55,21 @@ private:
     static Ref<NSObject> create() { return created<T>(); }
 
     // One of these per declaration: whether C has it, and whether T has one of its own.
-#define FLAREBOX_READ_DECLARATION(Declaration)                                            \
-    template <class C>                                                                    \
-    static constexpr bool has_##Declaration() {                                           \
-        return requires { &C::Declaration; };                                             \
-    }                                                                                     \
-    template <class C, class S>                                                           \
-    static constexpr bool owns_##Declaration() {                                          \
-        if constexpr (!has_##Declaration<C>()) return false;                              \
-        else if constexpr (!has_##Declaration<S>()) return true;                          \
-        else return !isSame<&C::Declaration, &S::Declaration>();                          \
+#define FLAREBOX_READ_DECLARATION(Declaration)                  \
+    template <class C>                                          \
+    static constexpr bool has_##Declaration() {                 \
+        return requires {                                       \
+            &C::Declaration;                                    \
+        };                                                      \
+    }                                                           \
+    template <class C, class S>                                 \
+    static constexpr bool owns_##Declaration() {                \
+        if constexpr (!has_##Declaration<C>())                  \
+            return false;                                       \
+        else if constexpr (!has_##Declaration<S>())             \
+            return true;                                        \
+        else                                                    \
+            return !isSame<&C::Declaration, &S::Declaration>(); \
     }
     FLAREBOX_READ_DECLARATION(mts_mapping)
     FLAREBOX_READ_DECLARATION(mts_valueMappingForKey)
@@ -79,7 +86,8 @@ private:
             found.valueMappingForKey = &T::mts_valueMappingForKey;
         if constexpr (owns_mts_arrayClassMapping<T, Superclass>()) found.arrayClassMapping = &T::mts_arrayClassMapping;
         if constexpr (owns_validators<T, Superclass>()) found.validators = &T::validators;
-        if constexpr (has_mts_shouldSetUndefinedKeys<T>()) found.shouldSetUndefinedKeys = &T::mts_shouldSetUndefinedKeys;
+        if constexpr (has_mts_shouldSetUndefinedKeys<T>())
+            found.shouldSetUndefinedKeys = &T::mts_shouldSetUndefinedKeys;
         if constexpr (has_mts_validationDateFormatter<T>())
             found.validationDateFormatter = &T::mts_validationDateFormatter;
         found.hooks = hooks<T>();
@@ -91,7 +99,8 @@ private:
     template <class C>
     static constexpr OverriddenHooks hooks() {
         OverriddenHooks found{true, true, true, true};
-        if constexpr (requires { &C::mts_validateValue; } && requires { &C::validateValue; }) {
+        if constexpr (
+            requires { &C::mts_validateValue; } && requires { &C::validateValue; }) {
             found.validatesValues =
                 !std::same_as<decltype(&C::mts_validateValue), decltype(&MotisObject::mts_validateValue)> ||
                 !std::same_as<decltype(&C::validateValue), decltype(&MotisObject::validateValue)>;
@@ -124,14 +133,16 @@ private:
     macro line __VA_OPT__(FLAREBOX_EACH_AGAIN FLAREBOX_PARENTHESES(macro, __VA_ARGS__))
 #define FLAREBOX_EACH_AGAIN() FLAREBOX_EACH_STEP
 
-#define FLAREBOX_PROPERTY(getter, setter, Type, ...)                                                                \
-public:                                                                                                             \
-    ::flarebox::PropertyType<Type>::Access getter() const { return ::flarebox::PropertyType<Type>::read(getter##_); } \
-    void setter(::flarebox::PropertyType<Type>::Access value) {                                                       \
-        getter##_ = ::flarebox::PropertyType<Type>::write(std::move(value));                                        \
-    }                                                                                                               \
-                                                                                                                    \
-private:                                                                                                            \
+#define FLAREBOX_PROPERTY(getter, setter, Type, ...)                         \
+public:                                                                      \
+    ::flarebox::PropertyType<Type>::Access getter() const {                  \
+        return ::flarebox::PropertyType<Type>::read(getter##_);              \
+    }                                                                        \
+    void setter(::flarebox::PropertyType<Type>::Access value) {              \
+        getter##_ = ::flarebox::PropertyType<Type>::write(std::move(value)); \
+    }                                                                        \
+                                                                             \
+private:                                                                     \
     ::flarebox::PropertyType<Type>::Stored getter##_{};
 
 #define FLAREBOX_PROPERTY_LINE(getter, setter, Type, ...) \
@@ -147,31 +158,35 @@ private:                                                                        
 ///             (team,  setTeam,  Ref<Team>,   "team", Optional)) // the other side may leave it out
 ///     };
 ///
-/// Types: NSString, NSNumber, NSDate, NSArray and the other value handles, mutable ones included; Value for "any object";
-/// Ref<Class>; Declared<"Class<Protocol>">; and arithmetic types, which start at zero.
+/// Types: NSString, NSNumber, NSDate, NSArray and the other value handles, mutable ones included; Value for "any
+/// object"; Ref<Class>; Declared<"Class<Protocol>">; and arithmetic types, which start at zero.
 ///
 /// The class may further define, as public static members, `mts_mapping()` (in place of the keys of the lines),
 /// `mts_valueMappingForKey(property)`, `mts_arrayClassMapping()`, `mts_shouldSetUndefinedKeys()`,
 /// `mts_validationDateFormatter()` and `validators()`, as MotisClass describes them, and override the hooks of
 /// MotisObject. A class without this line counts as its superclass.
-#define FLAREBOX_MODEL(Name, Superclass, ...)                                                    \
-public:                                                                                          \
-    static constexpr std::string_view motisClassName() { return #Name; }                         \
-    static const ::flarebox::MotisClass& staticClass() {                                         \
-        return ::flarebox::detail::MotisDeclarationReader<Name, Superclass>::makeClass(#Name);   \
-    }                                                                                            \
-    const ::flarebox::MotisClass& classInfo() const override { return Name::staticClass(); }     \
-    FLAREBOX_EACH(FLAREBOX_PROPERTY, __VA_ARGS__)                                                \
-private:                                                                                         \
-    template <class, class>                                                                      \
-    friend struct ::flarebox::detail::MotisDeclarationReader;                                    \
-    using MotisSelf = Name;                                                                      \
-    static std::vector<::flarebox::MotisProperty> motisProperties() {                            \
-        [[maybe_unused]] static constexpr auto Required = ::flarebox::Presence::Required;        \
-        [[maybe_unused]] static constexpr auto Optional = ::flarebox::Presence::Optional;        \
-        return {FLAREBOX_EACH(FLAREBOX_PROPERTY_LINE, __VA_ARGS__)};                             \
-    }                                                                                            \
-    /* So that the class is found by its name before anything of it is used. */                  \
-    inline static const bool motisIsRegistered_ = (staticClass(), true);                         \
-                                                                                                 \
+#define FLAREBOX_MODEL(Name, Superclass, ...)                                                  \
+public:                                                                                        \
+    static constexpr std::string_view motisClassName() {                                       \
+        return #Name;                                                                          \
+    }                                                                                          \
+    static const ::flarebox::MotisClass& staticClass() {                                       \
+        return ::flarebox::detail::MotisDeclarationReader<Name, Superclass>::makeClass(#Name); \
+    }                                                                                          \
+    const ::flarebox::MotisClass& classInfo() const override {                                 \
+        return Name::staticClass();                                                            \
+    }                                                                                          \
+    FLAREBOX_EACH(FLAREBOX_PROPERTY, __VA_ARGS__)                                              \
+private:                                                                                       \
+    template <class, class>                                                                    \
+    friend struct ::flarebox::detail::MotisDeclarationReader;                                  \
+    using MotisSelf = Name;                                                                    \
+    static std::vector<::flarebox::MotisProperty> motisProperties() {                          \
+        [[maybe_unused]] static constexpr auto Required = ::flarebox::Presence::Required;      \
+        [[maybe_unused]] static constexpr auto Optional = ::flarebox::Presence::Optional;      \
+        return {FLAREBOX_EACH(FLAREBOX_PROPERTY_LINE, __VA_ARGS__)};                           \
+    }                                                                                          \
+    /* So that the class is found by its name before anything of it is used. */                \
+    inline static const bool motisIsRegistered_ = (staticClass(), true);                       \
+                                                                                               \
 public:

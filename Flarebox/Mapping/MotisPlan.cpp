@@ -14,15 +14,24 @@ Value::Kind fittingKind(const TypeRule& rule) {
         return rule.targetClass == &cls ? kind : Value::Kind::Absent;
     };
     switch (rule.classKind) {
-        case ClassKind::String: return exactly(NSString::staticClass(), Value::Kind::String);
-        case ClassKind::Number: return exactly(NSNumber::staticClass(), Value::Kind::Number);
-        case ClassKind::Date: return exactly(NSDate::staticClass(), Value::Kind::Date);
-        case ClassKind::URL: return exactly(NSURL::staticClass(), Value::Kind::URL);
-        case ClassKind::Data: return exactly(NSData::staticClass(), Value::Kind::Data);
-        case ClassKind::Set: return exactly(NSSet::staticClass(), Value::Kind::Set);
-        case ClassKind::OrderedSet: return exactly(NSOrderedSet::staticClass(), Value::Kind::OrderedSet);
-        case ClassKind::Dictionary: return exactly(NSDictionary::staticClass(), Value::Kind::Dictionary);
-        default: return Value::Kind::Absent;
+        case ClassKind::String:
+            return exactly(NSString::staticClass(), Value::Kind::String);
+        case ClassKind::Number:
+            return exactly(NSNumber::staticClass(), Value::Kind::Number);
+        case ClassKind::Date:
+            return exactly(NSDate::staticClass(), Value::Kind::Date);
+        case ClassKind::URL:
+            return exactly(NSURL::staticClass(), Value::Kind::URL);
+        case ClassKind::Data:
+            return exactly(NSData::staticClass(), Value::Kind::Data);
+        case ClassKind::Set:
+            return exactly(NSSet::staticClass(), Value::Kind::Set);
+        case ClassKind::OrderedSet:
+            return exactly(NSOrderedSet::staticClass(), Value::Kind::OrderedSet);
+        case ClassKind::Dictionary:
+            return exactly(NSDictionary::staticClass(), Value::Kind::Dictionary);
+        default:
+            return Value::Kind::Absent;
     }
 }
 

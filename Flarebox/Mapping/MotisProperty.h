@@ -52,8 +52,8 @@ bool boolFromValue(const Value& value) noexcept;
 template <detail::ClassText ClassName>
 struct Declared {};
 
-/// How a property of type T is stored, read and written. Object properties keep whatever was assigned by name and read as
-/// absent (or null) when that is not a T; scalar properties convert.
+/// How a property of type T is stored, read and written. Object properties keep whatever was assigned by name and read
+/// as absent (or null) when that is not a T; scalar properties convert.
 template <class T>
 struct PropertyType;
 
@@ -62,12 +62,15 @@ struct PropertyType<T> {
     using Stored = Value;
     using Access = T;
     static Access read(const Value& stored) {
-        if constexpr (std::same_as<T, Value>) return stored;
-        else return stored.as<T>();
+        if constexpr (std::same_as<T, Value>)
+            return stored;
+        else
+            return stored.as<T>();
     }
     static Value write(Access value) { return value; }
     static std::string_view attribute() {
-        if constexpr (std::same_as<T, Value>) return "T@";
+        if constexpr (std::same_as<T, Value>)
+            return "T@";
         else {
             static const std::string text = detail::objectTypeAttribute(T::staticClass().name());
             return text;
@@ -84,8 +87,10 @@ struct PropertyType<Ref<T>> {
     static std::string_view attribute() {
         // By name where there is one: the classes of two models may name each other before either exists.
         static const std::string text = detail::objectTypeAttribute([] {
-            if constexpr (requires { T::motisClassName(); }) return T::motisClassName();
-            else return T::staticClass().name();
+            if constexpr (requires { T::motisClassName(); })
+                return T::motisClassName();
+            else
+                return T::staticClass().name();
         }());
         return text;
     }
@@ -104,7 +109,7 @@ struct PropertyType<Declared<ClassName>> {
 };
 
 template <class T>
-    requires std::is_arithmetic_v<T>
+requires std::is_arithmetic_v<T>
 struct PropertyType<T> {
     using Stored = T;
     using Access = T;
@@ -114,29 +119,41 @@ struct PropertyType<T> {
     /// A number of any kind, saturated at the ends of T's range; the leading number of a text; 0 for anything else.
     static T fromValue(const Value& value) noexcept {
         using Limits = std::numeric_limits<T>;
-        if constexpr (std::same_as<T, bool>) return detail::boolFromValue(value);
+        if constexpr (std::same_as<T, bool>)
+            return detail::boolFromValue(value);
         else if constexpr (std::same_as<T, float>) {
             const double number = detail::floatingFromValue(value);
             if (number > static_cast<double>(Limits::max())) return Limits::infinity();
             if (number < static_cast<double>(Limits::lowest())) return -Limits::infinity();
             return static_cast<T>(number);
-        } else if constexpr (std::is_floating_point_v<T>) return static_cast<T>(detail::floatingFromValue(value));
+        } else if constexpr (std::is_floating_point_v<T>)
+            return static_cast<T>(detail::floatingFromValue(value));
         else if constexpr (std::is_signed_v<T>)
             return static_cast<T>(detail::signedFromValue(value, Limits::min(), Limits::max()));
-        else return static_cast<T>(detail::unsignedFromValue(value, Limits::max()));
+        else
+            return static_cast<T>(detail::unsignedFromValue(value, Limits::max()));
     }
     static Value toValue(T stored) {
-        if constexpr (std::is_floating_point_v<T>) return static_cast<double>(stored);
-        else return stored;
+        if constexpr (std::is_floating_point_v<T>)
+            return static_cast<double>(stored);
+        else
+            return stored;
     }
     static constexpr std::string_view attribute() {
-        if constexpr (std::same_as<T, bool>) return "TB";
-        else if constexpr (std::same_as<T, float>) return "Tf";
-        else if constexpr (std::is_floating_point_v<T>) return "Td";
-        else if constexpr (sizeof(T) == 1) return std::is_signed_v<T> ? "Tc" : "TC";
-        else if constexpr (sizeof(T) == 2) return std::is_signed_v<T> ? "Ts" : "TS";
-        else if constexpr (sizeof(T) == 4) return std::is_signed_v<T> ? "Ti" : "TI";
-        else return std::is_signed_v<T> ? "Tq" : "TQ";
+        if constexpr (std::same_as<T, bool>)
+            return "TB";
+        else if constexpr (std::same_as<T, float>)
+            return "Tf";
+        else if constexpr (std::is_floating_point_v<T>)
+            return "Td";
+        else if constexpr (sizeof(T) == 1)
+            return std::is_signed_v<T> ? "Tc" : "TC";
+        else if constexpr (sizeof(T) == 2)
+            return std::is_signed_v<T> ? "Ts" : "TS";
+        else if constexpr (sizeof(T) == 4)
+            return std::is_signed_v<T> ? "Ti" : "TI";
+        else
+            return std::is_signed_v<T> ? "Tq" : "TQ";
     }
 };
 
@@ -163,13 +180,17 @@ MotisProperty declareProperty(std::string_view name, std::string_view jsonKey = 
     line.property.typeAttribute = PropertyType<T>::attribute();
     line.property.get = [](const NSObject& object) -> Value {
         const auto& stored = static_cast<const Owner&>(object).*Field;
-        if constexpr (std::same_as<Stored, Value>) return stored;
-        else return PropertyType<T>::toValue(stored);
+        if constexpr (std::same_as<Stored, Value>)
+            return stored;
+        else
+            return PropertyType<T>::toValue(stored);
     };
     line.property.set = [](NSObject& object, const Value& value) {
         auto& stored = static_cast<Owner&>(object).*Field;
-        if constexpr (std::same_as<Stored, Value>) stored = value;
-        else stored = PropertyType<T>::fromValue(value);
+        if constexpr (std::same_as<Stored, Value>)
+            stored = value;
+        else
+            stored = PropertyType<T>::fromValue(value);
     };
     if constexpr (std::same_as<Stored, Value>) line.field = static_cast<Value MotisObject::*>(Field);
     return line;

@@ -12,7 +12,8 @@ Ref<NSNumberFormatter> decimalFormatter(bool allowsFloats) {
     return formatter;
 }
 
-/// The only initialiser of the kit that runs at load: it makes sure that what all threads share exists before there are any.
+/// The only initialiser of the kit that runs at load: it makes sure that what all threads share exists before there are
+/// any.
 const bool isInitialised = (mts_motisInitialization(), true);
 
 }  // namespace

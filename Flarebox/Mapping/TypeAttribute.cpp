@@ -12,8 +12,10 @@ namespace {
 std::vector<std::string> splitAtCommas(std::string_view text) {
     std::vector<std::string> pieces(1);
     for (const char character : text) {
-        if (character == ',') pieces.emplace_back();
-        else pieces.back().push_back(character);
+        if (character == ',')
+            pieces.emplace_back();
+        else
+            pieces.back().push_back(character);
     }
     return pieces;
 }
@@ -27,7 +29,9 @@ std::vector<std::string> protocolsIn(std::string_view firstGroup) {
 
 }  // namespace
 
-bool mts_isClassTypeTypeAttribute(std::string_view typeAttribute) { return typeAttribute.starts_with("T@"); }
+bool mts_isClassTypeTypeAttribute(std::string_view typeAttribute) {
+    return typeAttribute.starts_with("T@");
+}
 
 MTSClassType mts_getClassName(std::string_view typeAttribute) {
     if (!mts_isClassTypeTypeAttribute(typeAttribute)) return {};

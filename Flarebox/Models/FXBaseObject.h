@@ -9,17 +9,29 @@ namespace flarebox {
 ///
 /// `init()` applies the record's defaults, `initWithDictionary()` does not: a field that the JSON object leaves out is
 /// absent. Whatever is no JSON object gives an empty record.
-#define FX_RECORD(Name, Superclass, ...)                                                                             \
-    FLAREBOX_MODEL(Name, Superclass __VA_OPT__(, ) __VA_ARGS__)                                                      \
-    static ::flarebox::Ref<Name> init() { return withDefaults(::flarebox::make<Name>()); }                           \
-    static ::flarebox::Ref<Name> initWithDictionary(const ::flarebox::Value& dictionary) {                           \
-        return filled(::flarebox::make<Name>(), dictionary);                                                         \
-    }                                                                                                                \
-    ::flarebox::Ref<Name> copy() const { return ::flarebox::Ref<Name>(static_cast<Name*>(copyWithZone().get())); }         \
-    static ::flarebox::NSDictionary mapping() { return staticClass().mts_mapping(); }                                \
-    static bool propertyIsOptional(std::string_view property) { return isOptional(staticClass(), property); }        \
-    static ::flarebox::NSArray mts_motisKeys() { return motisKeys(staticClass()); }                                  \
-    static ::flarebox::NSArray mappingPropertyNames() { return mts_motisKeys(); }
+#define FX_RECORD(Name, Superclass, ...)                                                   \
+    FLAREBOX_MODEL(Name, Superclass __VA_OPT__(, ) __VA_ARGS__)                            \
+    static ::flarebox::Ref<Name> init() {                                                  \
+        return withDefaults(::flarebox::make<Name>());                                     \
+    }                                                                                      \
+    static ::flarebox::Ref<Name> initWithDictionary(const ::flarebox::Value& dictionary) { \
+        return filled(::flarebox::make<Name>(), dictionary);                               \
+    }                                                                                      \
+    ::flarebox::Ref<Name> copy() const {                                                   \
+        return ::flarebox::Ref<Name>(static_cast<Name*>(copyWithZone().get()));            \
+    }                                                                                      \
+    static ::flarebox::NSDictionary mapping() {                                            \
+        return staticClass().mts_mapping();                                                \
+    }                                                                                      \
+    static bool propertyIsOptional(std::string_view property) {                            \
+        return isOptional(staticClass(), property);                                        \
+    }                                                                                      \
+    static ::flarebox::NSArray mts_motisKeys() {                                           \
+        return motisKeys(staticClass());                                                   \
+    }                                                                                      \
+    static ::flarebox::NSArray mappingPropertyNames() {                                    \
+        return mts_motisKeys();                                                            \
+    }
 
 /// The base of everything that crosses the wire: made from a JSON object and turned back into one, archived, copied and
 /// described, all by the property table of its class.

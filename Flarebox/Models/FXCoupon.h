@@ -4,11 +4,13 @@
 
 namespace flarebox {
 
-/// A coupon saved for the player.
+/// A coupon saved for the player: the uid of the game session and the id of the asset.
 class FXCoupon : public FXBaseObject {
-    FX_RECORD(FXCoupon, FXBaseObject,                                // the wire's key, and whether it may be left out
-              (session, setSession, NSString, "session", Optional),  // uid of the game session
-              (asset, setAsset, NSNumber, "asset"))                  // id of the asset
+    // clang-format off
+    FX_RECORD(FXCoupon, FXBaseObject,
+        (session, setSession, NSString, "session", Optional),
+        (asset,   setAsset,   NSNumber, "asset"))
+    // clang-format on
 };
 
 }  // namespace flarebox

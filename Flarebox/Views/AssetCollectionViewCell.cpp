@@ -33,14 +33,14 @@ void AssetCollectionViewCell::loadIcon(const NSURL& address) {
     showLoading();
     const Ref<AssetCollectionViewCell> self(this);
     setImageWithURLRequest(
-        *imgAsset_, NSMutableURLRequest::requestWithURL(address), nullptr,
-        [self](const NSMutableURLRequest& request, const Ref<NSHTTPURLResponse>&, const Ref<UIImage>& image) {
-            if (!(request.URL() == self->iconAddress_)) return;
+        *imgAsset_, NSURLRequest::requestWithURL(address), nullptr,
+        [self](const Ref<NSURLRequest>& request, const Ref<NSHTTPURLResponse>&, const Ref<UIImage>& image) {
+            if (!(request->URL() == self->iconAddress_)) return;
             self->hideLoading();
             self->imgAsset_->setImage(image, true);
         },
-        [self](const NSMutableURLRequest& request, const Ref<NSHTTPURLResponse>&, const Ref<NSError>& error) {
-            if (!(request.URL() == self->iconAddress_)) return;
+        [self](const Ref<NSURLRequest>& request, const Ref<NSHTTPURLResponse>&, const Ref<NSError>& error) {
+            if (!(request->URL() == self->iconAddress_)) return;
             self->hideLoading();
             warningLog("%@", error->localizedDescription());
         });

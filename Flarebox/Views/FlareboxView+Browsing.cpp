@@ -50,16 +50,15 @@ void FlareboxView::loadAssetPicture(const NSString& address) {
     imgAssetContent_->setImage(nullptr);
     const NSURL url = NSURL::URLWithString(address);
     if (!url) return;
-    const Weak<UIImageView> picture = imgAssetContent_;
     setImageWithURLRequest(
-        *imgAssetContent_, NSMutableURLRequest::requestWithURL(url), nullptr,
-        [self = Ref<FlareboxView>(this), url](const NSMutableURLRequest& request, const Ref<NSHTTPURLResponse>&, const Ref<UIImage>& image) {
+        *imgAssetContent_, NSURLRequest::requestWithURL(url), nullptr,
+        [self = Ref<FlareboxView>(this), url](const Ref<NSURLRequest>& request, const Ref<NSHTTPURLResponse>&, const Ref<UIImage>& image) {
             // The player may have moved on: the picture is shown only while its own asset, or one with the same picture, is current.
-            if (!self->currentAsset_ || !(request.URL() == url)) return;
+            if (!self->currentAsset_ || !(request->URL() == url)) return;
             if (!(NSURL::URLWithString(self->currentAsset_->fileImage()) == url)) return;
             self->imgAssetContent_->setImage(image, true);
         },
-        [](const NSMutableURLRequest&, const Ref<NSHTTPURLResponse>&, const Ref<NSError>& error) {
+        [](const Ref<NSURLRequest>&, const Ref<NSHTTPURLResponse>&, const Ref<NSError>& error) {
             warningLog("%@", error->localizedDescription());
         });
 }

@@ -74,11 +74,11 @@ void FlareboxView::layoutView() {
 
     preventerMenuWidth_->setConstant(35 * (size.width / designWidth));
     lbEmptyAssets_->setFont(UIFont::fontWithName("HelveticaNeue-Medium", 25 * unit));
-    scaleFont(*lbEmptyAssetsDetail_.get(), 16);
-    scaleFont(*lbAssetTitle_.get(), 16);
-    scaleFont(*lbAssetDesc_.get(), 12);
-    scaleFont(*lbErrorMessage_.get(), 16);
-    scaleFont(*lbFlareboxLogo_.get(), 23);
+    scaleFont(*lbEmptyAssetsDetail_, 16);
+    scaleFont(*lbAssetTitle_, 16);
+    scaleFont(*lbAssetDesc_, 12);
+    scaleFont(*lbErrorMessage_, 16);
+    scaleFont(*lbFlareboxLogo_, 23);
     assetContainerBottom_->setConstant(30 * unit);
     logoTopContraint_->setConstant(10 * unit);
     scaleFont(btnCoupon_->titleLabel(), 15);
