@@ -2,6 +2,7 @@
 
 #include <Foundation/Reference.h>
 
+#include <atomic>
 #include <span>
 #include <string_view>
 
@@ -11,13 +12,18 @@ class ClassInfo;
 class NSObject;
 class Value;
 
+namespace detail {
+struct MemberIndex;
+}
+
 /// A class as a value; null means "no class".
 using Class = const ClassInfo*;
 
 /// A property that can be read and written by name.
 struct Property {
     std::string_view name;
-    /// Declared type in the platform's encoding: `T@"NSString"`, `T@` (any object), or `T` and a scalar code as in `Tq`, `TB`, `Td`.
+    /// Declared type in the platform's encoding: `T@"NSString"`, `T@` (any object), or `T` and a scalar code as in
+    /// `Tq`, `TB`, `Td`.
     std::string_view typeAttribute;
     Value (*get)(const NSObject& object);
     void (*set)(NSObject& object, const Value& value);
@@ -56,8 +62,8 @@ public:
         std::span<const Outlet> outlets = {};
     };
 
-    /// `name` and the tables must outlive the process (string literals, static arrays). `superclass` is null for the root
-    /// only; `factory` is null for classes that cannot be made by name.
+    /// `name` and the tables must outlive the process (string literals, static arrays). `superclass` is null for the
+    /// root only; `factory` is null for classes that cannot be made by name.
     ClassInfo(std::string_view name, Class superclass, Factory factory);
     ClassInfo(std::string_view name, Class superclass, Factory factory, Tables tables);
     virtual ~ClassInfo();
@@ -79,10 +85,14 @@ public:
     const Outlet* outlet(std::string_view name) const;
 
 private:
+    const detail::MemberIndex& members() const;
+
     std::string_view name_;
     Class superclass_;
     Factory factory_;
     Tables tables_;
+    /// Own and inherited members by name, built when first asked for: the tables may be initialised after the class.
+    mutable std::atomic<const detail::MemberIndex*> members_{nullptr};
 };
 
 /// The registered class of that name, or null. Any thread.
@@ -94,7 +104,8 @@ Ref<NSObject> createObject() {
     return make<T>();
 }
 
-/// Table entry for a member function without arguments, or with one that is an object pointer of any class (null when the sender is of another class).
+/// Table entry for a member function without arguments, or with one that is an object pointer of any class (null when
+/// the sender is of another class).
 template <auto Member>
 constexpr Action action(std::string_view name);
 
@@ -103,11 +114,13 @@ template <auto Member>
 constexpr Outlet outlet(std::string_view name, Outlet::Source source = Outlet::Source::LayoutFile);
 
 /// Goes first into the body of every class that is known at run time; its `staticClass` is defined in the source file.
-#define FLAREBOX_CLASS(Name)                                                                  \
-public:                                                                                       \
-    static const ::flarebox::ClassInfo& staticClass();                                        \
-    const ::flarebox::ClassInfo& classInfo() const override { return Name::staticClass(); }   \
-                                                                                              \
+#define FLAREBOX_CLASS(Name)                                  \
+public:                                                       \
+    static const ::flarebox::ClassInfo& staticClass();        \
+    const ::flarebox::ClassInfo& classInfo() const override { \
+        return Name::staticClass();                           \
+    }                                                         \
+                                                              \
 private:
 
 }  // namespace flarebox

@@ -4,8 +4,8 @@
 
 namespace flarebox {
 
-/// The one source of time for timers, delays, animations and dates. Reading is safe on any thread, moving and installing
-/// belong to the main thread.
+/// The one source of time for timers, delays, animations and dates. Reading is safe on any thread, moving and
+/// installing belong to the main thread.
 class Clock {
 public:
     virtual ~Clock() = default;

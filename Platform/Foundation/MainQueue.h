@@ -36,8 +36,8 @@ public:
     void cancel(Token token);
 
     /// Runs what is due now: work posted before this call, delayed work whose time has come. Work that posts more work
-    /// leaves it for the next turn. Stops early, keeping the rest, when `budget` seconds of real time are used up. Main thread.
-    /// At least one piece of work runs however small the budget. Returns whether anything ran.
+    /// leaves it for the next turn. Stops early, keeping the rest, when `budget` seconds of real time are used up. Main
+    /// thread. At least one piece of work runs however small the budget. Returns whether anything ran.
     bool run(double budget = 1e9);
     /// Moves the clock in force forward by `seconds`, stopping at every due time on the way to run what is due there.
     /// Bounded: work that keeps posting without delay is left alone after a thousand turns at one moment. Main thread.
@@ -61,8 +61,8 @@ public:
     /// Nothing due, nothing under way.
     bool isIdle() const;
 
-    /// Called, from any thread, when work is posted from another thread: lets a host that sleeps wake up. Null for none.
-    /// It must return at once and post nothing. Once this returns, the previous one is not called any more.
+    /// Called, from any thread, when work is posted from another thread: lets a host that sleeps wake up. Null for
+    /// none. It must return at once and post nothing. Once this returns, the previous one is not called any more.
     void setWakeUp(std::function<void()> wakeUp);
     /// Drops all pending work without running it. Main thread.
     void removeAll();
@@ -81,6 +81,7 @@ private:
     ~MainQueue() = default;
     Pending::node_type takeDue(double now, Token end);
     void runUntilQuiet();
+    std::optional<double> firstDueTimeAfter(double moment) const;
     void wake();
     /// Keeps what is left of every delay when another clock takes over.
     void shiftDueTimes(double seconds);
@@ -96,7 +97,8 @@ private:
 /// The main queue under the platform's names.
 void dispatch_async_main(MainQueue::Work work);
 void dispatch_after_main(double seconds, MainQueue::Work work);
-/// Whether the caller is on the main thread: the one that first used the main queue's `run`, or the process's first thread.
+/// Whether the caller is on the main thread: the one that first used the main queue's `run`, or the process's first
+/// thread.
 bool isMainThread();
 
 }  // namespace flarebox

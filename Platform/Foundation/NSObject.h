@@ -52,18 +52,19 @@ public:
     bool respondsToSelector(std::string_view selector) const;
     /// Performs a listed action now; false when there is none of that name.
     bool performSelector(std::string_view selector, NSObject* argument = nullptr);
-    /// Performs a listed action on the main queue after `delay` seconds (0: next turn). The object is kept alive until then.
-    /// Main thread.
+    /// Performs a listed action on the main queue after `delay` seconds (0: next turn). The object is kept alive until
+    /// then. Main thread.
     void performSelectorAfterDelay(std::string_view selector, const Ref<NSObject>& argument, double delay);
     /// Cancels what `performSelectorAfterDelay` of this target, name and argument has not yet performed.
     static void cancelPreviousPerformRequests(NSObject& target, std::string_view selector, NSObject* argument);
 
-    /// Registers for changes of a property. The registration ends with `removeObserver`, or by itself when either object
-    /// is destroyed. Main thread.
+    /// Registers for changes of a property. The registration ends with `removeObserver`, or by itself when either
+    /// object is destroyed. Main thread.
     void addObserver(NSObject& observer, std::string_view keyPath, std::uint32_t options, void* context = nullptr);
     void removeObserver(NSObject& observer, std::string_view keyPath);
     /// Called on an observer after a change.
-    virtual void observeValueForKeyPath(std::string_view keyPath, NSObject& object, const NSKeyValueChange& change, void* context);
+    virtual void observeValueForKeyPath(std::string_view keyPath, NSObject& object, const NSKeyValueChange& change,
+                                        void* context);
 
 protected:
     /// For setters of observable properties.
@@ -95,8 +96,10 @@ constexpr Action action(std::string_view name) {
                 auto invokeWith = [&]<class C, class A>(void (C::*member)(A*)) {
                     (static_cast<C&>(object).*member)(objectCast<A>(argument));
                 };
-                if constexpr (requires { invoke(Member); }) invoke(Member);
-                else invokeWith(Member);
+                if constexpr (requires { invoke(Member); })
+                    invoke(Member);
+                else
+                    invokeWith(Member);
             }};
 }
 

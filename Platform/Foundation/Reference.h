@@ -39,13 +39,11 @@ public:
     Ref(const Ref& other) noexcept : object_(other.object_) { detail::retain(base()); }
     Ref(Ref&& other) noexcept : object_(std::exchange(other.object_, nullptr)) {}
     template <class U>
-        requires std::is_convertible_v<U*, T*>
-    Ref(const Ref<U>& other) noexcept : object_(other.get()) {
-        detail::retain(base());
-    }
+    requires std::is_convertible_v<U*, T*> Ref(const Ref<U>& other)
+    noexcept : object_(other.get()) { detail::retain(base()); }
     template <class U>
-        requires std::is_convertible_v<U*, T*>
-    Ref(Ref<U>&& other) noexcept : object_(other.leak()) {}
+    requires std::is_convertible_v<U*, T*> Ref(Ref<U>&& other)
+    noexcept : object_(other.leak()) {}
     ~Ref() { detail::release(base()); }
 
     Ref& operator=(Ref other) noexcept {
@@ -73,8 +71,10 @@ public:
 private:
     // A cast in the C manner so that a forward-declared T works where nothing but moving happens.
     const NSObject* base() const noexcept {
-        if constexpr (std::is_base_of_v<NSObject, T>) return object_;
-        else return (const NSObject*)object_;
+        if constexpr (std::is_base_of_v<NSObject, T>)
+            return object_;
+        else
+            return (const NSObject*)object_;
     }
 
     T* object_ = nullptr;
@@ -90,8 +90,7 @@ public:
     constexpr Weak(std::nullptr_t) noexcept {}
     explicit Weak(T* object) : object_(object), box_(object ? detail::weakBox(object) : nullptr) {}
     template <class U>
-        requires std::is_convertible_v<U*, T*>
-    Weak(const Ref<U>& object) : Weak(static_cast<T*>(object.get())) {}
+    requires std::is_convertible_v<U*, T*> Weak(const Ref<U>& object) : Weak(static_cast<T*>(object.get())) {}
     Weak(const Weak& other) noexcept : object_(other.object_), box_(other.box_) { detail::retainBox(box_); }
     Weak(Weak&& other) noexcept
         : object_(std::exchange(other.object_, nullptr)), box_(std::exchange(other.box_, nullptr)) {}
@@ -109,7 +108,12 @@ public:
         return object ? Ref<T>::adopt(object_) : Ref<T>();
     }
     /// The object or null, for use on the thread that owns the object (the main thread for views).
-    T* get() const noexcept { return lock().get(); }
+    T* get() const noexcept {
+        const NSObject* const object = detail::lockBox(box_);
+        detail::release(object);
+        return object ? object_ : nullptr;
+    }
+    T& operator*() const noexcept { return *get(); }
     T* operator->() const noexcept { return get(); }
     explicit operator bool() const noexcept { return get() != nullptr; }
 

@@ -10,8 +10,8 @@ namespace flarebox {
 class Shutdown {
 public:
     static void addHandler(std::function<void()> handler);
-    /// Runs and forgets all handlers, then drops what is left on the main queue, so that nothing is called back any more.
-    /// Runs by itself at the end of the process.
+    /// Runs and forgets all handlers, then drops what is left on the main queue, so that nothing is called back any
+    /// more. Runs by itself at the end of the process.
     static void run();
 };
 

@@ -3,6 +3,7 @@
 #include <Foundation/Class.h>
 #include <Foundation/Reference.h>
 
+#include <atomic>
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
@@ -16,8 +17,33 @@ namespace flarebox {
 class NSObject;
 
 namespace detail {
-struct Storage;  // reference-counted payload of text, data, links and collections
-}
+
+/// Reference-counted payload of texts, links, data and collections.
+class Storage {
+public:
+    Storage() = default;
+    Storage(const Storage&) = delete;
+    Storage& operator=(const Storage&) = delete;
+
+    void retain() noexcept { references_.fetch_add(1, std::memory_order_relaxed); }
+    void release() noexcept {
+        if (references_.fetch_sub(1, std::memory_order_acq_rel) == 1) destroy();
+    }
+
+protected:
+    virtual ~Storage() = default;
+
+private:
+    void destroy() noexcept;
+
+    std::atomic<std::uint64_t> references_{1};
+    /// Links the storages whose destruction is under way, so that deep nesting needs no deep stack.
+    Storage* nextToDestroy_ = nullptr;
+};
+
+struct ValueAccess;
+
+}  // namespace detail
 
 /// One nullable, immutable, shared handle for every value that JSON or a property can hold.
 /// 16 bytes; copying never allocates. Handles may be passed between threads; the values behind them never change,
@@ -41,25 +67,59 @@ public:
 
     constexpr Value() noexcept = default;
     constexpr Value(std::nullptr_t) noexcept {}
-    Value(bool number) noexcept;
+    /// Of a boolean itself, never of a pointer that could be read as one.
+    template <std::same_as<bool> B>
+    Value(B number) noexcept : Value(fromBoolean(number)) {}
     template <std::integral I>
-        requires(!std::same_as<I, bool>)
-    Value(I number) noexcept : Value(fromInteger(number)) {}
+    requires(!std::same_as<I, bool>) Value(I number)
+    noexcept : Value(fromInteger(number)) {}
     Value(double number) noexcept;
     Value(const char* text);
     Value(std::string_view text);
     Value(const std::string& text) : Value(std::string_view(text)) {}
     template <class T>
-        requires std::derived_from<T, NSObject>
-    Value(Ref<T> object) noexcept : Value(fromObject(Ref<NSObject>(std::move(object)))) {}
-    Value(const Value& other) noexcept;
-    Value(Value&& other) noexcept;
-    Value& operator=(const Value& other) noexcept;
-    Value& operator=(Value&& other) noexcept;
-    ~Value();
+    requires std::derived_from<T, NSObject> Value(Ref<T> object)
+    noexcept : Value(fromObject(Ref<NSObject>(std::move(object)))) {}
+    Value(const Value& other) noexcept
+        : payload_(other.payload_),
+          kind_(other.kind_),
+          numberKind_(other.numberKind_),
+          isMutable_(other.isMutable_),
+          holding_(other.holding_),
+          extra_(other.extra_) {
+        if (holding_ != Holding::Nothing) retain();
+    }
+    Value(Value&& other) noexcept
+        : payload_(other.payload_),
+          kind_(other.kind_),
+          numberKind_(other.numberKind_),
+          isMutable_(other.isMutable_),
+          holding_(other.holding_),
+          extra_(other.extra_) {
+        if (holding_ == Holding::Borrowed) {
+            retain();
+        } else {
+            other.kind_ = Kind::Absent;
+            other.holding_ = Holding::Nothing;
+        }
+    }
+    Value& operator=(const Value& other) noexcept { return *this = Value(other); }
+    Value& operator=(Value&& other) noexcept {
+        Value taken(std::move(other));
+        swap(taken);
+        return *this;
+    }
+    ~Value() {
+        if (holding_ > Holding::Borrowed) release();
+    }
 
     /// The JSON null.
     static Value null() noexcept;
+
+    /// Takes `element` over without counting the decoded document that it shares with `owner`, which the caller keeps
+    /// for as long as this handle: one count for a whole record instead of one for each of its values. Copies made of
+    /// this handle count again. Where the two share no document this is a plain assignment.
+    void assignBorrowing(const Value& element, const Value& owner) noexcept;
 
     Kind kind() const noexcept { return kind_; }
     bool isAbsent() const noexcept { return kind_ == Kind::Absent; }
@@ -77,7 +137,8 @@ public:
     Class classOf() const noexcept;
     bool isKindOf(const ClassInfo& ancestor) const noexcept;
 
-    /// Text for people: texts as they are, numbers in decimal, collections with their elements; "(null)" when absent, "<null>" for the JSON null.
+    /// Text for people: texts as they are, numbers in decimal, collections with their elements; "(null)" when absent,
+    /// "<null>" for the JSON null.
     std::string description() const;
 
     /// The value as an NSString, NSNumber, … handle: absent when it is of another kind.
@@ -92,31 +153,87 @@ public:
     }
 
 protected:
+    friend struct detail::ValueAccess;
+
     enum class NumberKind : std::uint8_t { Boolean, Signed, Unsigned, Floating };
 
+    /// What the payload keeps alive.
+    enum class Holding : std::uint8_t {
+        Nothing,   ///< a number, a date, or a text that lives as long as the process
+        Borrowed,  ///< an element inside a document: the document is counted only once a copy leaves it
+        Document,  ///< `extra_` says where in the document
+        Block,     ///< a storage of its own
+        Object,
+    };
+
+    static Value fromBoolean(bool number) noexcept;
     static Value fromSigned(std::int64_t number) noexcept;
     static Value fromUnsigned(std::uint64_t number) noexcept;
     static Value fromObject(Ref<NSObject> object) noexcept;
     template <class I>
     static Value fromInteger(I number) noexcept {
-        if constexpr (std::is_signed_v<I>) return fromSigned(number);
-        else return fromUnsigned(number);
+        if constexpr (std::is_signed_v<I>)
+            return fromSigned(number);
+        else
+            return fromUnsigned(number);
     }
-    NSObject* objectOrNull() const noexcept;
+    NSObject* objectOrNull() const noexcept { return kind_ == Kind::Object ? payload_.object : nullptr; }
     bool isEqual(const Value& other) const noexcept;
+    void swap(Value& other) noexcept;
 
     union Payload {
         std::uint64_t bits = 0;
         std::int64_t integer;
         double floating;
+        const char* text;
         detail::Storage* storage;
         NSObject* object;
     } payload_;
     Kind kind_ = Kind::Absent;
     NumberKind numberKind_ = NumberKind::Boolean;
     bool isMutable_ = false;
+    Holding holding_ = Holding::Nothing;
     std::uint32_t extra_ = 0;
+
+private:
+    bool isInDocument() const noexcept { return holding_ == Holding::Document || holding_ == Holding::Borrowed; }
+    void retain() noexcept {
+        if (holding_ == Holding::Object) return detail::retain(payload_.object);
+        payload_.storage->retain();
+        if (holding_ == Holding::Borrowed) holding_ = Holding::Document;
+    }
+    void release() noexcept {
+        if (holding_ == Holding::Object) return detail::release(payload_.object);
+        payload_.storage->release();
+    }
 };
+
+static_assert(sizeof(Value) == 16);
+
+inline void Value::swap(Value& other) noexcept {
+    std::swap(payload_, other.payload_);
+    std::swap(kind_, other.kind_);
+    std::swap(numberKind_, other.numberKind_);
+    std::swap(isMutable_, other.isMutable_);
+    std::swap(holding_, other.holding_);
+    std::swap(extra_, other.extra_);
+}
+
+inline void Value::assignBorrowing(const Value& element, const Value& owner) noexcept {
+    const bool isShared =
+        element.isInDocument() && owner.isInDocument() && element.payload_.storage == owner.payload_.storage;
+    if (!isShared) {
+        *this = element;
+        return;
+    }
+    const Value previous = std::move(*this);
+    payload_ = element.payload_;
+    kind_ = element.kind_;
+    numberKind_ = element.numberKind_;
+    isMutable_ = element.isMutable_;
+    holding_ = Holding::Borrowed;
+    extra_ = element.extra_;
+}
 
 }  // namespace flarebox
 

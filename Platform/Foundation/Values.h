@@ -1,6 +1,7 @@
 #pragma once
 
-// The typed handles over Value. Each is a Value that is either of its kind or absent; all are as cheap to pass as a Value.
+// The typed handles over Value. Each is a Value that is either of its kind or absent; all are as cheap to pass as a
+// Value.
 
 #include <Foundation/Value.h>
 
@@ -13,15 +14,22 @@
 namespace flarebox {
 
 /// Shared by the typed handles: made from a Value of the right kind, absent otherwise.
-#define FLAREBOX_TYPED_VALUE(Name)                                                             \
-public:                                                                                        \
-    struct Checked {};                                                                         \
-    constexpr Name() noexcept = default;                                                       \
-    constexpr Name(std::nullptr_t) noexcept {}                                                 \
-    Name(const Value& value, Checked) noexcept { static_cast<Value&>(*this) = value; }         \
-    /* Whether the value is of this kind. */                                                   \
-    static bool accepts(const Value& value) noexcept;                                          \
+#define FLAREBOX_TYPED_VALUE(Name)                    \
+public:                                               \
+    struct Checked {};                                \
+    constexpr Name() noexcept = default;              \
+    constexpr Name(std::nullptr_t) noexcept {}        \
+    Name(const Value& value, Checked) noexcept {      \
+        static_cast<Value&>(*this) = value;           \
+    }                                                 \
+    /* Whether the value is of this kind. */          \
+    static bool accepts(const Value& value) noexcept; \
     static const ClassInfo& staticClass();
+
+/// The JSON null, a value of its own.
+class NSNull : public Value {
+    FLAREBOX_TYPED_VALUE(NSNull)
+};
 
 /// Immutable UTF-8 text.
 class NSString : public Value {
@@ -30,7 +38,11 @@ class NSString : public Value {
     NSString(std::string_view text) : Value(text) {}
     NSString(const std::string& text) : Value(text) {}
 
-    /// The bytes, valid as long as any handle to this text lives; empty when absent. May contain NUL; not NUL-terminated.
+    /// A text made of characters that live as long as the process, such as a literal: neither copied nor counted.
+    static NSString stringWithConstant(std::string_view text);
+
+    /// The bytes, valid as long as any handle to this text lives; empty when absent. May contain NUL; not
+    /// NUL-terminated.
     std::string_view text() const noexcept;
     std::string string() const { return std::string(text()); }
     std::size_t length() const noexcept { return text().size(); }
@@ -46,13 +58,19 @@ class NSString : public Value {
     friend bool operator==(const NSString& a, const NSString& b) noexcept { return a.isEqual(b); }
 };
 
+/// The class of texts that can change. No text here can: it stands in the hierarchy, and no value is of it.
+class NSMutableString : public NSString {
+    FLAREBOX_TYPED_VALUE(NSMutableString)
+};
+
 /// A number that remembers whether it was boolean, signed, unsigned or floating.
 class NSNumber : public Value {
     FLAREBOX_TYPED_VALUE(NSNumber)
-    NSNumber(bool number) noexcept : Value(number) {}
+    template <std::same_as<bool> B>
+    NSNumber(B number) noexcept : Value(number) {}
     template <std::integral I>
-        requires(!std::same_as<I, bool>)
-    NSNumber(I number) noexcept : Value(number) {}
+    requires(!std::same_as<I, bool>) NSNumber(I number)
+    noexcept : Value(number) {}
     NSNumber(double number) noexcept : Value(number) {}
 
     bool isBoolean() const noexcept { return numberKind_ == NumberKind::Boolean; }
@@ -68,6 +86,11 @@ class NSNumber : public Value {
     int intValue() const noexcept;
     /// Decimal text, with as many digits as make the number come back the same: "12", "1.5", "1" for true.
     std::string stringValue() const;
+
+private:
+    friend class Value;
+    bool compares(const NSNumber& other) const noexcept;
+    std::size_t hashOfNumber() const noexcept;
 };
 
 /// A moment, in seconds of the UTC time scale.
@@ -82,7 +105,8 @@ class NSDate : public Value {
     double timeIntervalSinceDate(const NSDate& earlier) const noexcept;
 };
 
-/// A link, parsed as the platform does (RFC 3986): absolute or relative, refused when it holds characters a link cannot hold.
+/// A link, parsed as the platform does (RFC 3986): absolute or relative, refused when it holds characters a link cannot
+/// hold.
 class NSURL : public Value {
     FLAREBOX_TYPED_VALUE(NSURL)
     /// Absent when the text is empty or no link.
@@ -92,9 +116,14 @@ class NSURL : public Value {
     std::string absoluteString() const;
     /// Lower-case scheme without the colon ("https"); empty when relative.
     std::string scheme() const;
+    /// Percent escapes resolved, an IPv6 address without its brackets; empty when there is none.
     std::string host() const;
+    /// Percent escapes resolved; empty when there is none.
     std::string path() const;
+    /// As written, without the question mark; empty when there is none.
     std::string query() const;
+    /// 0 to 65535; none when the link names no port.
+    std::optional<int> port() const;
 };
 
 /// Immutable bytes.
@@ -113,10 +142,16 @@ class NSData : public Value {
     std::string base64EncodedString() const;
 };
 
-/// Values in order.
+/// The class of bytes that can change; as with NSMutableString, no value is of it.
+class NSMutableData : public NSData {
+    FLAREBOX_TYPED_VALUE(NSMutableData)
+};
+
+/// Values in order. Absent values are left out. `NSArray{}` is absent like every default; `array()` is empty.
 class NSArray : public Value {
     FLAREBOX_TYPED_VALUE(NSArray)
     NSArray(std::initializer_list<Value> elements);
+    static NSArray array() { return arrayWithValues({}); }
     static NSArray arrayWithValues(std::vector<Value> elements);
 
     std::size_t count() const noexcept { return elements().size(); }
@@ -167,8 +202,11 @@ class NSMutableOrderedSet : public NSOrderedSet {
 class NSDictionary : public Value {
     FLAREBOX_TYPED_VALUE(NSDictionary)
     using Entry = std::pair<Value, Value>;
-    /// The last of several entries with equal keys wins, at the place of the first.
+    /// The last of several entries with equal keys wins, at the place of the first. Entries without a value are left
+    /// out.
     NSDictionary(std::initializer_list<Entry> entries);
+    /// An empty one; `NSDictionary{}` is absent like every default.
+    static NSDictionary dictionary() { return dictionaryWithEntries({}); }
     static NSDictionary dictionaryWithEntries(std::vector<Entry> entries);
 
     std::size_t count() const noexcept { return entries().size(); }
@@ -176,6 +214,7 @@ class NSDictionary : public Value {
     /// Absent when there is no such key.
     Value objectForKey(std::string_view key) const noexcept;
     Value objectForKey(const char* key) const noexcept { return objectForKey(std::string_view(key)); }
+    Value objectForKey(const std::string& key) const noexcept { return objectForKey(std::string_view(key)); }
     Value objectForKey(const Value& key) const noexcept;
     NSArray allKeys() const;
     NSArray allValues() const;

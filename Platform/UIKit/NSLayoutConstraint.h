@@ -5,6 +5,7 @@
 
 namespace flarebox {
 
+class LayoutEngine;
 class UIView;
 
 /// The platform's numbers.
@@ -47,9 +48,18 @@ public:
 private:
     friend class LayoutEngine;
     friend class UIView;
+    /// Why the view cannot hold the constraint; null when it can.
+    const char* reasonToRefuse(const UIView& owner) const;
+
     Weak<UIView> firstItem_, secondItem_;
-    /// The view that holds the constraint, while one does.
+    /// The view that holds the constraint, while one does; both items are then alive and in its tree, so that plain pointers do.
     UIView* owner_ = nullptr;
+    UIView *heldFirst_ = nullptr, *heldSecond_ = nullptr;
+    /// What the engine of the tree knows it by.
+    LayoutEngine* engine_ = nullptr;
+    std::uint32_t solverId_ = 0;
+    /// Left out because it contradicts others, and said so.
+    bool isBroken_ = false;
     CGFloat multiplier_ = 1, constant_ = 0;
     UILayoutPriority priority_ = UILayoutPriorityRequired;
     NSLayoutAttribute firstAttribute_ = NSLayoutAttribute::NotAnAttribute, secondAttribute_ = NSLayoutAttribute::NotAnAttribute;

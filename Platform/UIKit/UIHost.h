@@ -39,6 +39,7 @@ public:
     /// The mouse moved without a button pressed, or left the window.
     InputResult pointerHovered(CGPoint point);
     void pointerLeft();
+    /// Wheel or two-finger scrolling: points by which the content is to move on, to its right end and to its bottom where positive.
     InputResult scrolled(CGPoint point, CGFloat dx, CGFloat dy);
     /// A key by its name: "escape", "return", "space", "left", ….
     InputResult keyDown(std::string_view name);

@@ -15,6 +15,7 @@
 
 namespace flarebox {
 
+class LayoutEngine;
 class UIGestureRecognizer;
 class UITouch;
 class UIWindow;
@@ -143,12 +144,36 @@ public:
     /// and out, starting from what is on screen. `completion` runs on the main queue at the end (false when superseded by a later one). 0 shows them at once.
     static void animateWithDuration(double duration, const std::function<void()>& animations,
                                     std::function<void(bool finished)> completion = nullptr);
+    /// Inside an animation: runs `changes` now and shows them at once.
+    static void performWithoutAnimation(const std::function<void()>& changes);
 
 private:
+    friend class CALayer;
     friend class LayoutEngine;
     friend class LayerRenderer;
     friend class ViewAnimations;
     friend class NSLayoutConstraint;
+    // What the layout engine, the renderer and running animations keep per view.
+    struct LayoutState;
+    struct RenderState;
+    struct AnimationState;
+
+    UIView& root();
+    void attach(UIView& view, std::size_t index);
+    void detach();
+    void tellMoved(UIWindow* oldWindow);
+    void tellWindowChanged();
+    /// The picture is out of date, though not this view's own bitmap.
+    void markChanged();
+    void markLayoutNeededAbove();
+    void layoutSubtree();
+    LayoutState& layoutState();
+    LayoutEngine* treeEngine();
+    LayoutEngine& makeTreeEngine();
+    void collectConstraints(LayoutEngine& engine);
+    void releaseConstraint(NSLayoutConstraint& constraint);
+    void dropConstraintsWithOutside();
+    bool holdsItemsOf(const NSLayoutConstraint& constraint) const;
 
     UIView* superview_ = nullptr;
     std::vector<Ref<UIView>> subviews_;
@@ -162,11 +187,12 @@ private:
     std::string identifier_;
     UIViewContentMode contentMode_ = UIViewContentMode::ScaleToFill;
     bool hidden_ = false, clipsToBounds_ = false, translatesMask_ = true, userInteractionEnabled_ = true;
-    bool needsLayout_ = true, needsDisplay_ = true;
-    // What the layout engine, the renderer and running animations keep per view; null until needed.
-    struct LayoutState;
-    struct RenderState;
-    struct AnimationState;
+    bool needsLayout_ = true, subtreeNeedsLayout_ = false, needsDisplay_ = true;
+    /// The tree's root died, and its engine with it.
+    bool lostEngine_ = false;
+    /// When anything shown of this view or below it last changed; see LayerRenderer.
+    std::uint64_t changeStamp_ = 0;
+    // Null until needed.
     std::unique_ptr<LayoutState> layoutState_;
     std::unique_ptr<RenderState> renderState_;
     std::unique_ptr<AnimationState> animationState_;

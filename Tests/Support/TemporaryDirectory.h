@@ -23,7 +23,9 @@ public:
     TemporaryDirectory(const TemporaryDirectory&) = delete;
     TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
 
-    std::string path(std::string_view name = {}) const { return name.empty() ? path_ : path_ + "/" + std::string(name); }
+    std::string path(std::string_view name = {}) const {
+        return name.empty() ? path_ : path_ + "/" + std::string(name);
+    }
 
     /// Writes a file, making the folders above it; returns its path.
     std::string write(std::string_view name, std::string_view contents) const {
@@ -35,7 +37,9 @@ public:
         std::ifstream file(path(name), std::ios::binary);
         return {std::istreambuf_iterator<char>(file), {}};
     }
-    bool has(std::string_view name) const { return std::filesystem::exists(std::filesystem::symlink_status(path(name))); }
+    bool has(std::string_view name) const {
+        return std::filesystem::exists(std::filesystem::symlink_status(path(name)));
+    }
 
 private:
     std::string path_;

@@ -1,0 +1,159 @@
+#include "Game.h"
+
+#include <Flarebox/Core/FlareboxConfig.h>
+#include <Foundation/Clock.h>
+#include <Foundation/MainQueue.h>
+#include <UIKit/UIApplication.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <thread>
+
+namespace flarebox::hostgame {
+namespace {
+
+constexpr double frameTime = 1.0 / World::stepsPerSecond;
+/// Between two looks at something that happens in its own time.
+constexpr double pollTime = 0.002;
+/// Longest time, in seconds, that the kit may use of one frame. Where nobody watches it takes what it needs, so that
+/// the same script does the same things in the same frames.
+constexpr double watchedBudget = 0.004, unwatchedBudget = 1;
+constexpr double attachTime = 0.1;
+constexpr double attachPatience = 10;
+/// Steps that a slow frame may make up for.
+constexpr int mostSteps = 6;
+
+double realNow() {
+    return Clock::real().uptime();
+}
+
+void sleep(double seconds) {
+    if (seconds > 0) std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
+}
+
+Ref<FXUserSession> samplePlayer() {
+    const Ref<FXUserSession> player = FXUserSession::init();
+    player->setFirstName("Sample");
+    player->setLastName("Player");
+    player->setAge(27);
+    player->setSex("f");
+    player->setState("Bavaria");
+    player->setCity("Munich");
+    player->setCountry("DE");
+    player->setIpAddr("192.0.2.17");
+    return player;
+}
+
+NSString textOrNull(const std::optional<std::string>& text) {
+    return text ? NSString(*text) : NSString();
+}
+
+}  // namespace
+
+Game::Game(const Options& options, Surroundings& surroundings, Screen& screen)
+    : options_(options), surroundings_(surroundings), screen_(screen) {}
+
+Game::~Game() {
+    for (const Ref<FlareboxView>& tab : tabs_) tab->removeFromSuperview();
+}
+
+std::string Game::start() {
+    FlareboxConfig& config = FlareboxConfig::defaultConfig();
+    config.configFlareboxWithUserSession(options_.hasSession ? samplePlayer() : nullptr, textOrNull(options_.gameUID),
+                                         textOrNull(options_.gameVersion), options_.logs, options_.logLevel);
+    if (options_.refresh) config.setTimeRefresh(*options_.refresh);
+    if (!makeTab()) return "the kit's resources are missing";
+    tab().showAtWindow();
+
+    nextFrame_ = lastStep_ = realNow();
+    if (surroundings_.virtualClock()) pass(attachTime);
+    // Once the tab is in the window its last step, which closes it, is due at the next turn of the main queue.
+    if (!await([this] { return tab().window() != nullptr; }, attachPatience))
+        return isClosed_ ? "" : "the tab was not attached";
+    frame();
+    return {};
+}
+
+bool Game::makeTab() {
+    Ref<FlareboxView> tab = FlareboxView::init();
+    if (!tab) return false;
+    tabs_.push_back(std::move(tab));
+    return true;
+}
+
+UIWindow* Game::window() const {
+    return UIApplication::sharedApplication().keyWindow();
+}
+
+void Game::pass(double seconds) {
+    VirtualClock* clock = surroundings_.virtualClock();
+    const double end = Clock::current().uptime() + seconds;
+    const auto frames = static_cast<std::int64_t>(std::ceil(seconds / frameTime - 1e-6));
+    for (std::int64_t i = 1; i <= frames && !isClosed_; ++i) {
+        if (clock) {
+            const double moment = i == frames ? end : end - seconds + static_cast<double>(i) * frameTime;
+            MainQueue::advance(*clock, moment - clock->uptime());
+            clock->advanceTo(moment);
+        }
+        runFrame(Moving::Yes);
+        if (!clock || screen_.isWatched()) keepPace();
+    }
+    if (!clock) sleep(end - Clock::current().uptime());
+}
+
+bool Game::await(const std::function<bool()>& condition, double seconds) {
+    const double deadline = realNow() + seconds;
+    while (!isClosed_) {
+        runFrame(Moving::No);
+        if (condition()) return true;
+        if (realNow() > deadline) return false;
+        if (screen_.isWatched())
+            keepPace();
+        else
+            sleep(pollTime);
+    }
+    return false;
+}
+
+void Game::frame() {
+    runFrame(Moving::No);
+}
+
+bool Game::savePicture(const std::string& path) {
+    return screen_.savePicture(world_, path);
+}
+
+void Game::play() {
+    while (!isClosed_) {
+        runFrame(Moving::Yes);
+        keepPace();
+    }
+}
+
+// Where nobody watches, the game moves only while a script lets time pass and not while it waits for something of
+// unknown length, so that the same script always ends with the same picture.
+void Game::runFrame(Moving moving) {
+    if (!screen_.handleInput(world_)) isClosed_ = true;
+    if (!screen_.isWatched()) {
+        if (moving == Moving::Yes) world_.step();
+    } else if (!surroundings_.virtualClock() || moving == Moving::Yes) {
+        const double now = realNow();
+        int steps = 0;
+        for (; lastStep_ + frameTime <= now && steps < mostSteps; ++steps) {
+            world_.step();
+            lastStep_ += frameTime;
+        }
+        if (steps == mostSteps) lastStep_ = now;
+    }
+    screen_.host().update(screen_.isWatched() ? watchedBudget : unwatchedBudget);
+    if (screen_.isWatched() && !isClosed_) screen_.draw(world_);
+}
+
+void Game::keepPace() {
+    const double now = realNow();
+    nextFrame_ = std::max(nextFrame_ + frameTime, now - frameTime);
+    sleep(nextFrame_ - now);
+}
+
+}  // namespace flarebox::hostgame

@@ -1,0 +1,241 @@
+#include <Foundation/Immortal.h>
+#include <Foundation/NSFileManager.h>
+#include <Foundation/NSProcessInfo.h>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <optional>
+#include <system_error>
+
+namespace flarebox {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+enum class Access { Read, Write };
+
+int codeFor(int number, Access access) {
+    bool reads = access == Access::Read;
+    switch (number) {
+        case ENOENT:
+        case ENOTDIR:
+            return reads ? NSFileReadNoSuchFileError : NSFileNoSuchFileError;
+        case EACCES:
+        case EPERM:
+            return reads ? NSFileReadNoPermissionError : NSFileWriteNoPermissionError;
+        case EINVAL:
+        case ENAMETOOLONG:
+            return reads ? NSFileReadInvalidFileNameError : NSFileWriteInvalidFileNameError;
+        case EFBIG:
+            return reads ? NSFileReadTooLargeError : NSFileWriteOutOfSpaceError;
+        case EEXIST:
+        case ENOTEMPTY:
+            return NSFileWriteFileExistsError;
+        case ENOSPC:
+        case EDQUOT:
+            return NSFileWriteOutOfSpaceError;
+        case EROFS:
+            return NSFileWriteVolumeReadOnlyError;
+        default:
+            return reads ? NSFileReadUnknownError : NSFileWriteUnknownError;
+    }
+}
+
+bool fail(Ref<NSError>* error, int number, Access access, std::string_view path) {
+    if (!error) return false;
+    std::string text = std::system_category().message(number) + ": " + std::string(path.substr(0, path.find('\0')));
+    *error = NSError::errorWithDomain(NSCocoaErrorDomain, codeFor(number, access), text);
+    return false;
+}
+
+/// The path without the separators at its end, which would make the system follow a link; none when it cannot name a
+/// file.
+std::optional<std::string> pathOf(std::string_view text) {
+    if (text.empty() || text.find('\0') != std::string_view::npos) return std::nullopt;
+    while (text.size() > 1 && text.back() == '/') text.remove_suffix(1);
+    return std::string(text);
+}
+
+class File {
+public:
+    explicit File(int descriptor) : descriptor_(descriptor) {}
+    ~File() {
+        if (descriptor_ >= 0) close(descriptor_);
+    }
+    File(const File&) = delete;
+    File& operator=(const File&) = delete;
+
+    int descriptor() const { return descriptor_; }
+    bool isOpen() const { return descriptor_ >= 0; }
+
+    /// 0, or the number of the error.
+    int readAll(std::string& contents, std::size_t limit) const {
+        constexpr std::size_t step = std::size_t{64} * 1024;
+        for (;;) {
+            std::size_t size = contents.size();
+            contents.resize(size + step);
+            ssize_t count = read(descriptor_, contents.data() + size, step);
+            if (count < 0 && errno != EINTR) return errno;
+            contents.resize(size + static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+            if (contents.size() > limit) return EFBIG;
+            if (count == 0) return 0;
+        }
+    }
+
+    int writeAll(std::string_view contents) const {
+        while (!contents.empty()) {
+            ssize_t count = write(descriptor_, contents.data(), contents.size());
+            if (count < 0 && errno != EINTR) return errno;
+            contents.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+        }
+        return 0;
+    }
+
+private:
+    int descriptor_;
+};
+
+}  // namespace
+
+bool isPlainPathComponent(std::string_view name) {
+    if (name.empty() || name == "." || name == ".." || name.size() > 255) return false;
+    return name.find('/') == std::string_view::npos && name.find('\0') == std::string_view::npos;
+}
+
+NSFileManager& NSFileManager::defaultManager() {
+    static detail::Immortal<NSFileManager> manager;
+    return *manager;
+}
+
+bool NSFileManager::fileExistsAtPath(std::string_view path) const {
+    auto name = pathOf(path);
+    return name && access(name->c_str(), F_OK) == 0;
+}
+
+std::vector<std::string> NSFileManager::contentsOfDirectoryAtPath(std::string_view path, Ref<NSError>* error) const {
+    std::vector<std::string> names;
+    auto name = pathOf(path);
+    std::error_code failure = name ? std::error_code() : std::make_error_code(std::errc::invalid_argument);
+    fs::directory_iterator entry;
+    if (name) entry = fs::directory_iterator(*name, failure);
+    for (; !failure && entry != fs::directory_iterator(); entry.increment(failure)) {
+        names.push_back(entry->path().filename().string());
+    }
+    if (failure) {
+        fail(error, failure.value(), Access::Read, path);
+        return {};
+    }
+    std::ranges::sort(names);
+    return names;
+}
+
+bool NSFileManager::removeItemAtPath(std::string_view path, Ref<NSError>* error) const {
+    auto name = pathOf(path);
+    if (!name) return fail(error, EINVAL, Access::Write, path);
+    std::error_code failure;
+    auto count = fs::remove_all(*name, failure);
+    if (failure) return fail(error, failure.value(), Access::Write, path);
+    return count > 0 || fail(error, ENOENT, Access::Write, path);
+}
+
+bool NSFileManager::createDirectoryAtPath(std::string_view path, bool withIntermediateDirectories,
+                                          Ref<NSError>* error) const {
+    auto name = pathOf(path);
+    if (!name) return fail(error, EINVAL, Access::Write, path);
+    if (mkdir(name->c_str(), 0700) == 0) return true;
+    int number = errno;
+    if (!withIntermediateDirectories) return fail(error, number, Access::Write, path);
+    std::error_code ignored;
+    if (number == EEXIST && fs::is_directory(*name, ignored)) return true;
+    fs::path parent = fs::path(*name).parent_path();
+    if (number != ENOENT || parent.empty()) return fail(error, number, Access::Write, path);
+    if (!createDirectoryAtPath(parent.string(), true, error)) return false;
+    // Somebody else may have been faster.
+    if (mkdir(name->c_str(), 0700) == 0 || errno == EEXIST) return true;
+    return fail(error, errno, Access::Write, path);
+}
+
+bool NSFileManager::moveItemAtPath(std::string_view path, std::string_view toPath, Ref<NSError>* error) const {
+    auto from = pathOf(path);
+    auto to = pathOf(toPath);
+    if (!from || !to) return fail(error, EINVAL, Access::Write, from ? toPath : path);
+    if (renameat2(AT_FDCWD, from->c_str(), AT_FDCWD, to->c_str(), RENAME_NOREPLACE) == 0) return true;
+    if (errno != EINVAL && errno != ENOSYS) return fail(error, errno, Access::Write, errno == ENOENT ? path : toPath);
+    // A file system without the exclusive form.
+    struct stat ignored;
+    if (lstat(to->c_str(), &ignored) == 0) return fail(error, EEXIST, Access::Write, toPath);
+    return replaceItemAtPath(toPath, path, error);
+}
+
+bool NSFileManager::replaceItemAtPath(std::string_view path, std::string_view withItemAtPath,
+                                      Ref<NSError>* error) const {
+    auto to = pathOf(path);
+    auto from = pathOf(withItemAtPath);
+    if (!from || !to) return fail(error, EINVAL, Access::Write, from ? path : withItemAtPath);
+    if (rename(from->c_str(), to->c_str()) == 0) return true;
+    return fail(error, errno, Access::Write, errno == ENOENT ? withItemAtPath : path);
+}
+
+NSData NSFileManager::contentsAtPath(std::string_view path, std::size_t limit, Ref<NSError>* error) const {
+    auto name = pathOf(path);
+    if (!name) {
+        fail(error, EINVAL, Access::Read, path);
+        return {};
+    }
+    // Without blocking, so that a pipe lying there cannot hold the caller.
+    File file(open(name->c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    struct stat status;
+    if (!file.isOpen() || fstat(file.descriptor(), &status) != 0) {
+        fail(error, errno, Access::Read, path);
+        return {};
+    }
+    std::string contents;
+    int number = S_ISREG(status.st_mode) ? file.readAll(contents, limit) : EISDIR;
+    if (number == 0) return NSData::dataWithString(std::move(contents));
+    fail(error, number, Access::Read, path);
+    return {};
+}
+
+bool NSFileManager::writeAtomically(std::string_view contents, std::string_view toPath, Ref<NSError>* error) const {
+    auto name = pathOf(toPath);
+    if (!name) return fail(error, EINVAL, Access::Write, toPath);
+    // In the same folder, as a rename works only within one file system; hidden, as listings skip it.
+    fs::path destination(*name);
+    std::string hidden(".");
+    hidden.append(destination.filename().string()).append(".XXXXXX");
+    std::string temporary = (destination.parent_path() / hidden).string();
+    File file(mkostemp(temporary.data(), O_CLOEXEC));
+    if (!file.isOpen()) return fail(error, errno, Access::Write, toPath);
+    int number = file.writeAll(contents);
+    if (number == 0 && rename(temporary.c_str(), name->c_str()) != 0) number = errno;
+    if (number == 0) return true;
+    unlink(temporary.c_str());
+    return fail(error, number, Access::Write, toPath);
+}
+
+std::string NSFileManager::documentsDirectory(Ref<NSError>* error) const {
+    std::string path;
+    {
+        std::lock_guard lock(mutex_);
+        path = documentsDirectory_;
+    }
+    if (path.empty()) {
+        path = NSProcessInfo::processInfo().dataDirectory();
+        if (!path.empty()) path += "/Documents";
+    }
+    return createDirectoryAtPath(path, true, error) ? path : std::string();
+}
+
+void NSFileManager::setDocumentsDirectory(std::string_view path) {
+    std::lock_guard lock(mutex_);
+    documentsDirectory_ = path;
+}
+
+}  // namespace flarebox

@@ -1,0 +1,33 @@
+#include <Networking/AFURLSessionManager.h>
+
+#include <Networking/AFJSONResponseSerializer.h>
+
+#include <utility>
+
+namespace flarebox {
+
+const ClassInfo& AFURLSessionManager::staticClass() {
+    static const ClassInfo info("AFURLSessionManager", &NSObject::staticClass(), nullptr);
+    return info;
+}
+
+AFURLSessionManager::AFURLSessionManager()
+    : settings_{AFJSONResponseSerializer::serializer(), defaultMaximumResponseLength, {}} {}
+
+AFURLSessionManager::~AFURLSessionManager() = default;
+
+Ref<AFURLSessionManager> AFURLSessionManager::manager() {
+    return make<AFURLSessionManager>();
+}
+
+Ref<NSURLSessionDataTask> AFURLSessionManager::dataTaskWithRequest(const Ref<NSURLRequest>& request,
+                                                                   NSURLSessionDataTask::Completion completion) const {
+    Ref<NSURLRequest> copy = request ? request->mutableCopy() : Ref<NSMutableURLRequest>();
+    return make<NSURLSessionDataTask>(std::move(copy), settings_, std::move(completion));
+}
+
+void AFURLSessionManager::setResponseSerializer(Ref<AFHTTPResponseSerializer> serializer) {
+    if (serializer) settings_.responseSerializer = std::move(serializer);
+}
+
+}  // namespace flarebox

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <Networking/AFHTTPResponseSerializer.h>
+#include <Networking/NSURLSessionDataTask.h>
+
+#include <cstdint>
+#include <string>
+
+namespace flarebox {
+
+/// Makes tasks. Its tasks do not need it once they are made. Main thread only.
+class AFURLSessionManager : public NSObject {
+    FLAREBOX_CLASS(AFURLSessionManager)
+public:
+    AFURLSessionManager();
+    ~AFURLSessionManager() override;
+    static Ref<AFURLSessionManager> manager();
+
+    /// A task for a copy of the request; it does nothing before it is resumed. A null request gives a task that fails.
+    Ref<NSURLSessionDataTask> dataTaskWithRequest(const Ref<NSURLRequest>& request,
+                                                  NSURLSessionDataTask::Completion completion) const;
+
+    /// Decodes the answers of tasks made from now on; never null. JSON unless set otherwise.
+    const Ref<AFHTTPResponseSerializer>& responseSerializer() const { return settings_.responseSerializer; }
+    void setResponseSerializer(Ref<AFHTTPResponseSerializer> serializer);
+
+    /// Bytes of a body, decompressed, beyond which an answer is refused with NSURLErrorDataLengthExceedsMaximum.
+    static constexpr std::uint64_t defaultMaximumResponseLength = std::uint64_t{16} << 20;
+    std::uint64_t maximumResponseLength() const { return settings_.maximumResponseLength; }
+    void setMaximumResponseLength(std::uint64_t bytes) { settings_.maximumResponseLength = bytes; }
+
+    /// A file of certificates (PEM) to trust instead of the system's, for a service with an authority of its own.
+    /// Empty: the system's. There is no way to switch the check off.
+    const std::string& certificateAuthorityFile() const { return settings_.certificateAuthorityFile; }
+    void setCertificateAuthorityFile(std::string path) { settings_.certificateAuthorityFile = std::move(path); }
+
+private:
+    NSURLSessionDataTask::Settings settings_;
+};
+
+}  // namespace flarebox

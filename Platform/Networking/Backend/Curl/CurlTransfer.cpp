@@ -1,0 +1,271 @@
+#include <Networking/Backend/Curl/CurlTransfer.h>
+
+#include <Foundation/Clock.h>
+#include <Networking/Backend/Curl/CurlErrors.h>
+#include <Networking/NetworkError.h>
+#include <Networking/UserAgent.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <utility>
+
+namespace flarebox {
+
+namespace {
+
+constexpr std::size_t maximumHeaderLength = 256 * 1024;
+constexpr double longestIdleTimeout = 1e9;
+
+double usableTimeout(double seconds) {
+    if (!(seconds > 0)) return Transport::defaultIdleTimeout;
+    return std::min(seconds, longestIdleTimeout);
+}
+
+std::string_view trimmed(std::string_view text) {
+    constexpr std::string_view blanks = " \t\r\n";
+    auto first = text.find_first_not_of(blanks);
+    if (first == std::string_view::npos) return {};
+    return text.substr(first, text.find_last_not_of(blanks) - first + 1);
+}
+
+bool isRedirect(CURL* handle) {
+    long status = 0;
+    curl_easy_getinfo(handle, CURLINFO_RESPONSE_CODE, &status);
+    return status >= 300 && status < 400;
+}
+
+bool isSecure(CURL* handle) {
+    char* scheme = nullptr;
+    curl_easy_getinfo(handle, CURLINFO_SCHEME, &scheme);
+    return scheme && std::string_view(scheme) == "HTTPS";
+}
+
+}  // namespace
+
+CurlTransfer::CurlTransfer(EasyHandle handle, TransferRequest request, Transport::Completion completion,
+                           const std::string& noProxy)
+    : handle_(std::move(handle)),
+      request_(std::move(request)),
+      completion_(std::move(completion)),
+      idleTimeout_(usableTimeout(request_.idleTimeout)) {
+    setUp(noProxy);
+}
+
+void CurlTransfer::setUp(const std::string& noProxy) {
+    CURL* curl = handle();
+    curl_easy_setopt(curl, CURLOPT_PRIVATE, this);
+    curl_easy_setopt(curl, CURLOPT_URL, request_.url.c_str());
+    curl_easy_setopt(curl, CURLOPT_PATH_AS_IS, 1L);
+    curl_easy_setopt(curl, CURLOPT_NOSIGNAL, 1L);
+    // A name server that hangs must hold up neither an idle time-out nor the shutdown.
+    curl_easy_setopt(curl, CURLOPT_QUICK_EXIT, 1L);
+    curl_easy_setopt(curl, CURLOPT_NOPROXY, noProxy.c_str());
+
+    curl_easy_setopt(curl, CURLOPT_PROTOCOLS_STR, "http,https");
+    curl_easy_setopt(curl, CURLOPT_REDIR_PROTOCOLS_STR, "http,https");
+    curl_easy_setopt(curl, CURLOPT_FOLLOWLOCATION, 1L);
+    curl_easy_setopt(curl, CURLOPT_MAXREDIRS, static_cast<long>(Transport::maximumRedirects));
+
+    curl_easy_setopt(curl, CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
+    curl_easy_setopt(curl, CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_2TLS));
+    if (request_.url.starts_with("https")) curl_easy_setopt(curl, CURLOPT_PIPEWAIT, 1L);
+    if (!request_.certificateAuthorityFile.empty()) {
+        curl_easy_setopt(curl, CURLOPT_CAINFO, request_.certificateAuthorityFile.c_str());
+    }
+
+    curl_easy_setopt(curl, CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(request_.maximumBodyLength));
+    curl_easy_setopt(curl, CURLOPT_ACCEPT_ENCODING, "gzip");
+    curl_easy_setopt(curl, CURLOPT_USERAGENT, userAgent);
+    setUpMethod();
+    setUpFields();
+
+    using Self = CurlTransfer;
+    curl_easy_setopt(curl, CURLOPT_HEADERDATA, this);
+    curl_easy_setopt(
+        curl, CURLOPT_HEADERFUNCTION, +[](char* bytes, std::size_t size, std::size_t count, void* self) -> std::size_t {
+            return static_cast<Self*>(self)->receiveHeader({bytes, size * count});
+        });
+    curl_easy_setopt(curl, CURLOPT_WRITEDATA, this);
+    curl_easy_setopt(
+        curl, CURLOPT_WRITEFUNCTION, +[](char* bytes, std::size_t size, std::size_t count, void* self) -> std::size_t {
+            return static_cast<Self*>(self)->receiveBody({bytes, size * count});
+        });
+    curl_easy_setopt(curl, CURLOPT_NOPROGRESS, 0L);
+    curl_easy_setopt(curl, CURLOPT_XFERINFODATA, this);
+    curl_easy_setopt(
+        curl, CURLOPT_XFERINFOFUNCTION,
+        +[](void* self, curl_off_t, curl_off_t received, curl_off_t, curl_off_t sent) -> int {
+            return static_cast<Self*>(self)->noteProgress(received, sent) ? 0 : 1;
+        });
+
+    // Whichever of these comes first tells that the transfer no longer waits for a connection to become free.
+    curl_easy_setopt(curl, CURLOPT_RESOLVER_START_DATA, this);
+    curl_easy_setopt(
+        curl, CURLOPT_RESOLVER_START_FUNCTION, +[](void*, void*, void* self) -> int {
+            static_cast<Self*>(self)->noteActivity();
+            return 0;
+        });
+    curl_easy_setopt(curl, CURLOPT_SOCKOPTDATA, this);
+    curl_easy_setopt(
+        curl, CURLOPT_SOCKOPTFUNCTION, +[](void* self, curl_socket_t, curlsocktype) -> int {
+            static_cast<Self*>(self)->noteActivity();
+            return CURL_SOCKOPT_OK;
+        });
+    curl_easy_setopt(curl, CURLOPT_PREREQDATA, this);
+    curl_easy_setopt(
+        curl, CURLOPT_PREREQFUNCTION, +[](void* self, char*, char*, int, int) -> int {
+            static_cast<Self*>(self)->noteActivity();
+            return CURL_PREREQFUNC_OK;
+        });
+}
+
+void CurlTransfer::setUpMethod() {
+    CURL* curl = handle();
+    const std::string& method = request_.method;
+    std::string_view body = request_.body.text();
+    if (method == "HEAD") {
+        curl_easy_setopt(curl, CURLOPT_NOBODY, 1L);
+        return;
+    }
+    if (method == "GET" && body.empty()) {
+        curl_easy_setopt(curl, CURLOPT_HTTPGET, 1L);
+        return;
+    }
+    if (method == "POST" || !body.empty()) {
+        curl_easy_setopt(curl, CURLOPT_POST, 1L);
+        curl_easy_setopt(curl, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(body.size()));
+        curl_easy_setopt(curl, CURLOPT_POSTFIELDS, body.empty() ? "" : body.data());
+    }
+    if (method != "POST") curl_easy_setopt(curl, CURLOPT_CUSTOMREQUEST, method.c_str());
+}
+
+void CurlTransfer::addField(const std::string& line) {
+    if (curl_slist* longer = curl_slist_append(fields_.get(), line.c_str())) {
+        static_cast<void>(fields_.release());
+        fields_.reset(longer);
+    }
+}
+
+void CurlTransfer::setUpFields() {
+    // A line that ends after the colon takes out what the library would add by itself.
+    for (const char* name : {"Accept", "Content-Type", "Expect"}) {
+        if (!headerFieldNamed(request_.fields, name)) addField(std::string(name) + ":");
+    }
+    for (auto& [name, value] : request_.fields) {
+        addField(value.empty() ? name + ";" : name + ": " + value);
+    }
+    curl_easy_setopt(handle(), CURLOPT_HTTPHEADER, fields_.get());
+}
+
+double CurlTransfer::deadline() const {
+    return started_ ? lastActivity_ + idleTimeout_ : std::numeric_limits<double>::infinity();
+}
+
+void CurlTransfer::noteActivity() {
+    started_ = true;
+    lastActivity_ = Clock::real().uptime();
+}
+
+bool CurlTransfer::noteProgress(curl_off_t received, curl_off_t sent) {
+    if (received + sent != bytesMoved_) {
+        bytesMoved_ = received + sent;
+        noteActivity();
+    }
+    // Also reached by the bodies of redirects, which are never handed on.
+    if (std::cmp_greater(received, request_.maximumBodyLength)) refusal_ = Refusal::BodyTooLong;
+    return refusal_ == Refusal::None;
+}
+
+std::size_t CurlTransfer::receiveHeader(std::string_view line) {
+    noteActivity();
+    headerLength_ += line.size();
+    if (headerLength_ > maximumHeaderLength) {
+        refusal_ = Refusal::HeaderTooLong;
+        return 0;
+    }
+    if (line.starts_with("HTTP/")) {
+        beginAnswer();
+    } else if (trimmed(line).empty()) {
+        headEnded_ = true;
+        stayOnSecureConnections();
+    } else {
+        addResponseField(line);
+    }
+    return line.size();
+}
+
+void CurlTransfer::beginAnswer() {
+    headEnded_ = false;
+    result_.fields.clear();
+    body_.clear();
+}
+
+void CurlTransfer::addResponseField(std::string_view line) {
+    auto colon = line.find(':');
+    if (colon == std::string_view::npos) return;
+    std::string_view name = trimmed(line.substr(0, colon));
+    std::string_view value = trimmed(line.substr(colon + 1));
+    if (auto* present = const_cast<std::string*>(headerFieldNamed(result_.fields, name))) {
+        present->append(", ").append(value);
+    } else {
+        result_.fields.emplace_back(name, value);
+    }
+}
+
+void CurlTransfer::stayOnSecureConnections() {
+    if (isSecure(handle())) curl_easy_setopt(handle(), CURLOPT_REDIR_PROTOCOLS_STR, "https");
+}
+
+std::size_t CurlTransfer::receiveBody(std::string_view bytes) {
+    noteActivity();
+    if (body_.size() + bytes.size() > request_.maximumBodyLength) {
+        refusal_ = Refusal::BodyTooLong;
+        return 0;
+    }
+    if (body_.empty()) {
+        curl_off_t announced = -1;
+        curl_easy_getinfo(handle(), CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &announced);
+        if (announced > 0) body_.reserve(std::min<std::uint64_t>(announced, request_.maximumBodyLength));
+    }
+    body_.append(bytes);
+    return bytes.size();
+}
+
+Ref<NSError> CurlTransfer::errorFor(CURLcode code) {
+    if (refusal_ == Refusal::BodyTooLong) return networkError(NSURLErrorDataLengthExceedsMaximum, request_.url);
+    if (refusal_ == Refusal::HeaderTooLong) return networkError(NSURLErrorBadServerResponse, request_.url);
+    if (code == CURLE_UNSUPPORTED_PROTOCOL && isRedirect(handle()) && isSecure(handle())) {
+        return networkError(NSURLErrorUnsupportedURL, "The server redirected to an address that is not secure.",
+                            request_.url);
+    }
+    // The library takes a head that is cut short for a whole one, and reports a line that it finds too long as lack of
+    // memory.
+    if (code == CURLE_OK && !headEnded_) return networkError(NSURLErrorNetworkConnectionLost, request_.url);
+    if (code == CURLE_OUT_OF_MEMORY && headerLength_ > 0 && !headEnded_) {
+        return networkError(NSURLErrorBadServerResponse, request_.url);
+    }
+    return code == CURLE_OK ? nullptr : errorOfTransfer(code, handle(), request_.url);
+}
+
+void CurlTransfer::completeWith(CURLcode code) {
+    result_.error = errorFor(code);
+    if (!result_.error) {
+        long status = 0, redirects = 0;
+        char* url = nullptr;
+        curl_easy_getinfo(handle(), CURLINFO_RESPONSE_CODE, &status);
+        curl_easy_getinfo(handle(), CURLINFO_REDIRECT_COUNT, &redirects);
+        curl_easy_getinfo(handle(), CURLINFO_EFFECTIVE_URL, &url);
+        result_.status = static_cast<int>(status);
+        result_.url = redirects > 0 && url ? url : request_.url;
+        result_.body = NSData::dataWithString(std::move(body_));
+    }
+    completion_(std::move(result_));
+}
+
+EasyHandle CurlTransfer::takeHandle() {
+    curl_easy_reset(handle());
+    return std::move(handle_);
+}
+
+}  // namespace flarebox

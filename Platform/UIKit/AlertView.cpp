@@ -1,0 +1,152 @@
+#include <UIKit/AlertView.h>
+#include <UIKit/UIAlertController.h>
+#include <UIKit/UIButton.h>
+#include <UIKit/UILabel.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace flarebox {
+namespace {
+
+constexpr UIColor dimming = UIColor::rgb(0x000000, 0.55F), panelColor = UIColor::rgb(0x1E222A),
+                  hairlineColor = UIColor::rgb(0xFFFFFF, 0.08F), pressedColor = UIColor::rgb(0xFFFFFF, 0.06F),
+                  textColor = UIColor::rgb(0xF4F6F8), secondaryColor = UIColor::rgb(0xA9B1BD), accentColor = UIColor::rgb(0xFF6A3D),
+                  destructiveColor = UIColor::rgb(0xFF8A80);
+
+// Points on a small screen; larger screens get a little more of everything.
+constexpr CGFloat panelWidth = 270, screenMargin = 16, padding = 18, textSpacing = 6, buttonHeight = 44, cornerRadius = 14,
+                  titleSize = 17, messageSize = 13, buttonSize = 16;
+constexpr CGFloat referenceSide = 640, largestScale = 1.4;
+
+CGFloat scaleFor(CGSize screen) { return std::clamp(std::min(screen.width, screen.height) / referenceSide, 1.0, largestScale); }
+
+UIColor titleColor(UIAlertActionStyle style) {
+    switch (style) {
+        case UIAlertActionStyle::Default: return accentColor;
+        case UIAlertActionStyle::Cancel: return textColor;
+        case UIAlertActionStyle::Destructive: return destructiveColor;
+    }
+    return textColor;
+}
+
+}  // namespace
+
+const ClassInfo& AlertView::staticClass() {
+    static const ClassInfo info("AlertView", &UIView::staticClass(), nullptr);
+    return info;
+}
+
+AlertView::AlertView(UIAlertController& alert) : panel_(make<UIView>()) {
+    setBackgroundColor(dimming);
+    addSubview(*panel_);
+    panel_->setAccessibilityIdentifier("alert");
+    panel_->setBackgroundColor(panelColor);
+    panel_->layer().setBorderColor(hairlineColor);
+    panel_->layer().setBorderWidth(1);
+    panel_->layer().setShadow({24, {0, 8}, UIColor::rgb(0, 0.35F)});
+    if (!alert.title().text().empty()) {
+        title_ = makeLabel(textColor);
+        title_->setText(alert.title());
+    }
+    if (!alert.message().text().empty()) {
+        message_ = makeLabel(title_ ? secondaryColor : textColor);
+        message_->setText(alert.message());
+    }
+    for (const auto& action : alert.actions()) addButton(alert, action);
+}
+
+Ref<UILabel> AlertView::makeLabel(const UIColor& color) {
+    auto label = make<UILabel>();
+    label->setTextColor(color);
+    label->setTextAlignment(NSTextAlignment::Center);
+    label->setNumberOfLines(0);
+    panel_->addSubview(*label);
+    return label;
+}
+
+Ref<UIView> AlertView::makeHairline() {
+    auto hairline = make<UIView>();
+    hairline->setBackgroundColor(hairlineColor);
+    hairline->setUserInteractionEnabled(false);
+    panel_->addSubview(*hairline);
+    return hairline;
+}
+
+void AlertView::addButton(UIAlertController& alert, const Ref<UIAlertAction>& action) {
+    auto button = make<UIButton>();
+    button->setTitle(action->title());
+    button->setTitleColor(titleColor(action->style()));
+    button->setBackgroundColor(pressedColor, UIControlState::Highlighted);
+    button->setAccessibilityIdentifier("alert." + action->title().string());
+    button->addAction(
+        [controller = Weak<UIAlertController>(&alert), action] {
+            if (const auto shown = controller.lock()) shown->choose(*action);
+        },
+        UIControlEvents::TouchUpInside);
+    panel_->addSubview(*button);
+    buttons_.push_back(button);
+    hairlines_.push_back(makeHairline());
+}
+
+void AlertView::layoutSubviews() {
+    UIView::layoutSubviews();
+    const CGSize screen = bounds().size;
+    const CGFloat scale = scaleFor(screen);
+    const CGFloat width = std::min(panelWidth * scale, screen.width - 2 * screenMargin);
+    if (width <= 0) return;
+    const CGFloat rows = fitSideBySide(width, scale) ? 1 : static_cast<CGFloat>(buttons_.size());
+    const CGFloat heightLeft = screen.height - 2 * screenMargin - rows * buttonHeight * scale;
+    const CGFloat height = layoutButtons(width, layoutTexts(width, heightLeft, scale), scale);
+    // On whole points, so that hairlines stay sharp.
+    panel_->setFrame({{std::round((screen.width - width) / 2), std::round((screen.height - height) / 2)}, {width, height}});
+    panel_->layer().setCornerRadius(cornerRadius * scale);
+}
+
+CGFloat AlertView::layoutTexts(CGFloat width, CGFloat heightLeft, CGFloat scale) {
+    const CGFloat textWidth = width - 2 * padding * scale;
+    CGFloat y = padding * scale;
+    const auto place = [&](UILabel& label, const UIFont& font) {
+        label.setFont(font);
+        const CGFloat room = std::max(0.0, heightLeft - y - padding * scale);
+        const CGFloat height = std::min(std::ceil(label.sizeThatFits(textWidth).height), room);
+        label.setFrame({{padding * scale, y}, {textWidth, height}});
+        y += height;
+    };
+    if (title_) place(*title_, UIFont::systemFontOfSize(titleSize * scale, UIFontWeight::Semibold));
+    if (title_ && message_) y += textSpacing * scale;
+    if (message_) place(*message_, UIFont::systemFontOfSize((title_ ? messageSize : messageSize + 1) * scale));
+    return title_ || message_ ? std::round(y + padding * scale) : 0;
+}
+
+bool AlertView::fitSideBySide(CGFloat width, CGFloat scale) const {
+    if (buttons_.size() != 2) return false;
+    return std::ranges::all_of(buttons_, [&](const Ref<UIButton>& button) {
+        const UIFont font = UIFont::systemFontOfSize(buttonSize * scale, UIFontWeight::Semibold);
+        const TextStyle style{.font = font};
+        return measureText(button->currentTitle().text(), style, width).width <= width / 2 - 2 * textSpacing * scale;
+    });
+}
+
+CGFloat AlertView::layoutButtons(CGFloat width, CGFloat top, CGFloat scale) {
+    const bool sideBySide = fitSideBySide(width, scale);
+    const CGFloat height = std::round(buttonHeight * scale), radius = cornerRadius * scale;
+    const CGFloat half = std::round(width / 2);
+    CGFloat y = top;
+    for (std::size_t i = 0; i < buttons_.size(); ++i) {
+        const bool isLast = i + 1 == buttons_.size(), isRight = sideBySide && i == 1;
+        const CGFloat x = isRight ? half : 0;
+        UIButton& button = *buttons_[i];
+        button.titleLabel().setFont(UIFont::systemFontOfSize(buttonSize * scale, UIFontWeight::Semibold));
+        button.setFrame({{x, y}, {isRight ? width - half : sideBySide ? half : width, height}});
+        // Sub-views are not clipped to the panel's rounded corners.
+        const bool atBottom = sideBySide || isLast;
+        button.layer().setCornerRadii({.bottomRight = atBottom && (!sideBySide || isRight) ? radius : 0,
+                                       .bottomLeft = atBottom && !isRight ? radius : 0});
+        hairlines_[i]->setFrame(isRight ? CGRectMake(x, y, 1, height) : CGRectMake(0, y, width, 1));
+        if (!sideBySide) y += height;
+    }
+    return sideBySide ? y + height : y;
+}
+
+}  // namespace flarebox

@@ -1,0 +1,122 @@
+#include <Foundation/Immortal.h>
+#include <Foundation/Shutdown.h>
+#include <UIKit/Backend/Gio/DesktopUrlOpener.h>
+
+#include <gio/gio.h>
+
+#include <condition_variable>
+#include <cstdio>
+#include <deque>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <utility>
+
+namespace flarebox {
+namespace {
+
+struct Unref {
+    void operator()(gpointer object) const { g_object_unref(object); }
+    void operator()(GMainContext* context) const { g_main_context_unref(context); }
+    void operator()(GError* error) const { g_error_free(error); }
+};
+template <class T>
+using Owned = std::unique_ptr<T, Unref>;
+
+/// More links than a player could have asked for are dropped.
+constexpr std::size_t longestQueue = 8;
+
+/// Starts applications one after another. Starting one can take long, over the desktop's message bus for example, so it is
+/// done asynchronously on the thread's own context, where it can be given up at any moment.
+class LaunchThread {
+public:
+    LaunchThread() : cancellable_(g_cancellable_new()), context_(g_main_context_new()), thread_([this] { run(); }) {}
+
+    ~LaunchThread() {
+        {
+            const std::lock_guard lock(mutex_);
+            stopping_ = true;
+        }
+        condition_.notify_one();
+        g_cancellable_cancel(cancellable_.get());
+        g_main_context_wakeup(context_.get());
+        thread_.join();
+    }
+
+    bool launch(std::string url) {
+        const std::lock_guard lock(mutex_);
+        if (links_.size() >= longestQueue) return false;
+        links_.push_back(std::move(url));
+        condition_.notify_one();
+        return true;
+    }
+
+private:
+    void run() {
+        g_main_context_push_thread_default(context_.get());
+        while (true) {
+            std::unique_lock lock(mutex_);
+            condition_.wait(lock, [this] { return stopping_ || !links_.empty(); });
+            if (stopping_) break;
+            const std::string url = std::move(links_.front());
+            links_.pop_front();
+            lock.unlock();
+            launchNow(url);
+        }
+        g_main_context_pop_thread_default(context_.get());
+    }
+
+    void launchNow(const std::string& url) {
+        bool isDone = false;
+        g_app_info_launch_default_for_uri_async(url.c_str(), nullptr, cancellable_.get(), &LaunchThread::launched, &isDone);
+        while (!isDone) g_main_context_iteration(context_.get(), TRUE);
+    }
+
+    static void launched(GObject*, GAsyncResult* result, gpointer isDone) {
+        GError* problem = nullptr;
+        if (!g_app_info_launch_default_for_uri_finish(result, &problem)) {
+            const Owned<GError> error(problem);
+            std::fprintf(stderr, "UIApplication: cannot open a link: %s\n", error ? error->message : "unknown error");
+        }
+        *static_cast<bool*>(isDone) = true;
+    }
+
+    Owned<GCancellable> cancellable_;
+    Owned<GMainContext> context_;
+    std::mutex mutex_;
+    std::condition_variable condition_;
+    std::deque<std::string> links_;
+    bool stopping_ = false;
+    std::thread thread_;
+};
+
+class DesktopUrlOpener : public UrlOpener {
+public:
+    bool canOpenURL(const NSURL& url) override {
+        const std::string scheme = url.scheme();
+        if (scheme.empty()) return false;
+        return Owned<GAppInfo>(g_app_info_get_default_for_uri_scheme(scheme.c_str())) != nullptr;
+    }
+
+    bool openURL(const NSURL& url) override {
+        if (!canOpenURL(url)) return false;
+        if (!thread_) {
+            thread_ = std::make_unique<LaunchThread>();
+            Shutdown::addHandler([this] { thread_.reset(); });
+        }
+        return thread_->launch(url.absoluteString());
+    }
+
+private:
+    std::unique_ptr<LaunchThread> thread_;
+};
+
+}  // namespace
+
+UrlOpener& desktopUrlOpener() {
+    static detail::Immortal<DesktopUrlOpener> opener;
+    return *opener;
+}
+
+}  // namespace flarebox

@@ -1,0 +1,121 @@
+#include <UIKit/Backend/Pango/PangoText.h>
+
+#include <Foundation/Immortal.h>
+#include <UIKit/Backend/Pango/TextLayouts.h>
+#include <UIKit/BitmapCanvas.h>
+
+#include <pango/pangocairo.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <mutex>
+
+namespace flarebox {
+namespace text {
+namespace {
+
+/// Texts are the main thread's, but fonts are opened on another one, in between.
+struct SharedLayouts {
+    std::mutex mutex;
+    TextLayouts layouts;
+};
+SharedLayouts& shared() {
+    static detail::Immortal<SharedLayouts> instance;
+    return *instance;
+}
+
+/// As many lines as the style allows and the height has room for; at least one.
+int linesInHeight(const TextStyle& style, const LineMetrics& metrics, CGFloat height) {
+    const int fitting = std::max(1, static_cast<int>(std::min(height / metrics.height + 0.02, 10'000.0)));
+    return style.numberOfLines > 0 ? std::min(style.numberOfLines, fitting) : fitting;
+}
+
+CGFloat lineStart(NSTextAlignment alignment, bool rightToLeft, CGFloat room) {
+    switch (alignment) {
+        case NSTextAlignment::Left:
+            return 0;
+        case NSTextAlignment::Center:
+            return room / 2;
+        case NSTextAlignment::Right:
+            return room;
+        case NSTextAlignment::Natural:
+            return rightToLeft ? room : 0;
+    }
+    return 0;
+}
+
+/// Letters stand on whole pixels: their feet would be grey otherwise.
+CGFloat snappedToPixel(cairo_t& cairo, CGFloat y) {
+    cairo_matrix_t matrix;
+    cairo_get_matrix(&cairo, &matrix);
+    if (matrix.xy != 0 || matrix.yx != 0 || matrix.yy == 0) return y;
+    return (std::round(y * matrix.yy + matrix.y0) - matrix.y0) / matrix.yy;
+}
+
+void drawLines(cairo_t& cairo, const TextLayout& text, NSTextAlignment alignment, const CGRect& rect) {
+    for (int i = 0; i < text.lineCount; ++i) {
+        PangoLayoutLine* line = pango_layout_get_line_readonly(text.layout.get(), i);
+        PangoRectangle logical;
+        pango_layout_line_get_extents(line, nullptr, &logical);
+        const bool rightToLeft = pango_layout_line_get_resolved_direction(line) == PANGO_DIRECTION_RTL;
+        const CGFloat room = std::max(0.0, rect.width() - pango_units_to_double(logical.width));
+        const CGFloat baseline = rect.minY() + text.metrics.baseline + i * text.metrics.height;
+        cairo_move_to(&cairo, rect.minX() + lineStart(alignment, rightToLeft, room), snappedToPixel(cairo, baseline));
+        pango_cairo_show_layout_line(&cairo, line);
+    }
+}
+
+}  // namespace
+
+void draw(cairo_t& cairo, std::string_view text, const TextStyle& style, const CGRect& rect) {
+    if (text.empty() || rect.isEmpty() || style.color.isClear()) return;
+    const std::lock_guard lock(shared().mutex);
+    TextLayouts& layouts = shared().layouts;
+    const int lines = linesInHeight(style, layouts.lineMetrics(style.font), rect.height());
+    const TextLayout& layout = layouts.find(text, style, lines, rect.width());
+    if (!layout.layout) return;
+
+    cairo_save(&cairo);
+    cairo_rectangle(&cairo, rect.minX(), rect.minY(), rect.width(), rect.height());
+    cairo_clip(&cairo);
+    cairo_set_source_rgba(&cairo, style.color.red, style.color.green, style.color.blue, style.color.alpha);
+    drawLines(cairo, layout, style.alignment, rect);
+    cairo_restore(&cairo);
+}
+
+}  // namespace text
+
+CGSize measureText(std::string_view text, const TextStyle& style, CGFloat width) {
+    const std::lock_guard lock(text::shared().mutex);
+    text::TextLayouts& layouts = text::shared().layouts;
+    if (text.empty()) return {0, std::ceil(layouts.lineMetrics(style.font).height)};
+    const text::TextLayout& layout = layouts.find(text, style, style.numberOfLines, width);
+    // Whole points: a frame of that size, rounded to pixels, still has room for the text.
+    const CGFloat widest = std::ceil(layout.width - 0.05);
+    return {width > 0 ? std::min(widest, width) : widest, std::ceil(layout.lineCount * layout.metrics.height)};
+}
+
+void warmUpFonts() {
+    // Each text needs another font file: the weights of the system font, then those that stand in for other scripts.
+    struct Sample {
+        const char* text;
+        UIFontWeight weight;
+    };
+    constexpr std::array samples = {
+        Sample{"Ag…", UIFontWeight::Regular},  Sample{"Ag…", UIFontWeight::Medium},
+        Sample{"Ag…", UIFontWeight::Semibold}, Sample{"Ag…", UIFontWeight::Bold},
+        Sample{"あ漢", UIFontWeight::Regular}, Sample{"가", UIFontWeight::Regular},
+        Sample{"ע", UIFontWeight::Regular},    Sample{"ع", UIFontWeight::Regular},
+        Sample{"😀", UIFontWeight::Regular},
+    };
+    cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, 64, 32);
+    cairo_t* cairo = cairo_create(surface);
+    for (const Sample& sample : samples)
+        text::draw(*cairo, sample.text, {.font = UIFont::systemFontOfSize(16, sample.weight)},
+                   CGRectMake(0, 0, 64, 32));
+    cairo_destroy(cairo);
+    cairo_surface_destroy(surface);
+}
+
+}  // namespace flarebox

@@ -1,0 +1,137 @@
+#include <UIKit/Backend/Pango/PrivateFonts.h>
+
+#include <fontconfig/fontconfig.h>
+#include <pango/pangocairo.h>
+#include <pango/pangofc-fontmap.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <memory>
+#include <string>
+
+namespace flarebox::text {
+namespace {
+
+struct ConfigRelease {
+    void operator()(FcConfig* config) const { FcConfigDestroy(config); }
+};
+using ConfigReference = std::unique_ptr<FcConfig, ConfigRelease>;
+
+// Fonts that users install for themselves are left out: they would make the same text look different. Emoji come as
+// pictures of one size, which the last rule scales to the text's.
+constexpr const char* rules = R"(<?xml version="1.0"?>
+<!DOCTYPE fontconfig SYSTEM "fonts.dtd">
+<fontconfig>
+  <dir>/usr/share/fonts</dir>
+  <dir>/usr/local/share/fonts</dir>
+  <cachedir>/var/cache/fontconfig</cachedir>
+  <match target="pattern">
+    <test name="family"><string>emoji</string></test>
+    <edit name="family" mode="prepend" binding="strong"><string>Noto Color Emoji</string></edit>
+  </match>
+  <match target="pattern">
+    <edit name="antialias" mode="assign"><bool>true</bool></edit>
+    <edit name="hinting" mode="assign"><bool>false</bool></edit>
+    <edit name="autohint" mode="assign"><bool>false</bool></edit>
+    <edit name="hintstyle" mode="assign"><const>hintnone</const></edit>
+    <edit name="rgba" mode="assign"><const>none</const></edit>
+  </match>
+  <match target="font">
+    <test name="outline"><bool>false</bool></test>
+    <edit name="pixelsizefixupfactor" mode="assign">
+      <divide><name target="pattern">pixelsize</name><name target="font">pixelsize</name></divide>
+    </edit>
+    <edit name="matrix" mode="assign">
+      <times>
+        <name>matrix</name>
+        <matrix><name>pixelsizefixupfactor</name><double>0</double><double>0</double><name>pixelsizefixupfactor</name></matrix>
+      </times>
+    </edit>
+    <edit name="size" mode="assign"><divide><name>size</name><name>pixelsizefixupfactor</name></divide></edit>
+  </match>
+</fontconfig>
+)";
+
+constexpr const char* systemFamily = "Inter";
+// In this order, so that the choice among several installed fonts that know a character is always the same.
+constexpr const char* families =
+    "Inter,Noto Sans,DejaVu Sans,Noto Sans CJK JP,Noto Sans CJK SC,Noto Sans Arabic,Noto Sans Hebrew,"
+    "Noto Sans Devanagari,Noto Sans Thai,Noto Color Emoji";
+
+int countFonts(FcConfig& config) {
+    const FcFontSet* fonts = FcConfigGetFonts(&config, FcSetSystem);
+    return fonts ? fonts->nfont : 0;
+}
+
+bool hasFamily(FcConfig& config, const char* family) {
+    const FcFontSet* fonts = FcConfigGetFonts(&config, FcSetSystem);
+    for (int i = 0; fonts && i < fonts->nfont; ++i) {
+        FcChar8* name = nullptr;
+        if (FcPatternGetString(fonts->fonts[i], FC_FAMILY, 0, &name) != FcResultMatch) continue;
+        if (reinterpret_cast<const char*>(name) == std::string_view(family)) return true;
+    }
+    return false;
+}
+
+/// Null when no font is installed where fonts usually are.
+ConfigReference loadConfig() {
+    ConfigReference config(FcConfigCreate());
+    if (!config) return nullptr;
+    FcConfigParseAndLoadFromMemory(config.get(), reinterpret_cast<const FcChar8*>(rules), FcFalse);
+    FcConfigBuildFonts(config.get());
+    if (countFonts(*config) == 0) return nullptr;
+    if (!hasFamily(*config, systemFamily))
+        std::fprintf(stderr, "Flarebox: the font %s is not installed; texts are shown in another one\n", systemFamily);
+    return config;
+}
+
+}  // namespace
+
+PrivateFonts::PrivateFonts() {
+    const ConfigReference config = loadConfig();
+    if (!config) {
+        std::fprintf(stderr, "Flarebox: no fonts are installed; no text can be shown\n");
+        return;
+    }
+    map_.reset(pango_cairo_font_map_new_for_font_type(CAIRO_FONT_TYPE_FT));
+    pango_fc_font_map_set_config(PANGO_FC_FONT_MAP(map_.get()), config.get());
+    context_.reset(pango_font_map_create_context(map_.get()));
+
+    cairo_font_options_t* options = cairo_font_options_create();
+    cairo_font_options_set_antialias(options, CAIRO_ANTIALIAS_GRAY);
+    cairo_font_options_set_hint_style(options, CAIRO_HINT_STYLE_NONE);
+    cairo_font_options_set_hint_metrics(options, CAIRO_HINT_METRICS_OFF);
+    pango_cairo_context_set_font_options(context_.get(), options);
+    cairo_font_options_destroy(options);
+
+    pango_context_set_round_glyph_positions(context_.get(), FALSE);
+    // The language picks among fonts for the same character; that of the process would differ from machine to machine.
+    pango_context_set_language(context_.get(), pango_language_from_string("en"));
+    pango_context_set_base_dir(context_.get(), PANGO_DIRECTION_LTR);
+}
+
+PangoFontDescription* PrivateFonts::newDescription(const UIFont& font) {
+    PangoFontDescription* description = pango_font_description_new();
+    const std::string list = font.family().empty() ? families : font.family() + "," + families;
+    pango_font_description_set_family(description, list.c_str());
+    pango_font_description_set_weight(description, static_cast<PangoWeight>(font.weight()));
+    pango_font_description_set_absolute_size(description, font.pointSize() * PANGO_SCALE);
+    return description;
+}
+
+LineMetrics PrivateFonts::lineMetrics(const UIFont& font) const {
+    const LineMetrics usual = {font.pointSize() * 0.97, font.pointSize() * 1.21};
+    if (!context_) return usual;
+    PangoFontDescription* description = newDescription(font);
+    const GReference<PangoFont> loaded(pango_context_load_font(context_.get(), description));
+    pango_font_description_free(description);
+    if (!loaded) return usual;
+    PangoFontMetrics* metrics = pango_font_get_metrics(loaded.get(), pango_context_get_language(context_.get()));
+    const CGFloat ascent = pango_units_to_double(pango_font_metrics_get_ascent(metrics));
+    const CGFloat descent = pango_units_to_double(pango_font_metrics_get_descent(metrics));
+    pango_font_metrics_unref(metrics);
+    return ascent + descent > 0 ? LineMetrics{ascent, ascent + descent} : usual;
+}
+
+}  // namespace flarebox::text

@@ -1,0 +1,158 @@
+#include <UIKit/Backend/Pango/TextLayouts.h>
+
+#include <pango/pangocairo.h>
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
+
+namespace flarebox::text {
+namespace {
+
+// More than any label shows; breaking a megabyte into lines would hold the main thread for seconds.
+constexpr std::size_t maximumLength = 4096;
+constexpr std::size_t generationSize = 128;
+// Far beyond every screen, far below where the library's units overflow.
+constexpr CGFloat maximumWidth = 100'000;
+// Frames come out of sums of floating-point numbers; a text must fit into the very width that was measured.
+constexpr CGFloat widthTolerance = 0.05;
+
+constexpr gunichar lineSeparator = 0x2028;
+constexpr std::string_view lineSeparatorText = "\u2028";
+
+/// The beginning of the text, cut between two characters.
+std::string_view shortened(std::string_view text) {
+    if (text.size() <= maximumLength) return text;
+    std::size_t end = maximumLength;
+    while (end > maximumLength - 4 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) --end;
+    return text.substr(0, end);
+}
+
+bool isLineEnd(gunichar c) {
+    return c == '\n' || c == 0x85 || c == lineSeparator || c == 0x2029;
+}
+
+int libraryWidth(CGFloat width) {
+    if (!(width < maximumWidth)) return std::isnan(width) ? 0 : -1;
+    return pango_units_from_double(std::max(0.0, width) + widthTolerance);
+}
+
+void forbidHyphens(PangoLayout& layout) {
+    PangoAttrList* attributes = pango_attr_list_new();
+    pango_attr_list_insert(attributes, pango_attr_insert_hyphens_new(FALSE));
+    pango_layout_set_attributes(&layout, attributes);
+    pango_attr_list_unref(attributes);
+}
+
+/// A line that stands for all the rest shows the ends of the lines in it as signs; the text before the first of them,
+/// which is to stand for the rest then. Nothing when there is none.
+std::optional<std::string> withoutSwallowedLines(PangoLayout& layout, int lineCount) {
+    const PangoLayoutLine* last = pango_layout_get_line_readonly(&layout, lineCount - 1);
+    const std::string_view text = pango_layout_get_text(&layout);
+    const auto start = static_cast<std::size_t>(last->start_index);
+    const auto lineEnd = text.substr(start, static_cast<std::size_t>(last->length)).find(lineSeparatorText);
+    if (lineEnd == std::string_view::npos) return std::nullopt;
+    return std::string(text.substr(0, start + lineEnd)) + "…";
+}
+
+CGFloat widestLine(PangoLayout& layout, int lineCount) {
+    int widest = 0;
+    for (int i = 0; i < lineCount; ++i) {
+        PangoRectangle logical;
+        pango_layout_line_get_extents(pango_layout_get_line_readonly(&layout, i), nullptr, &logical);
+        widest = std::max(widest, logical.width);
+    }
+    return pango_units_to_double(widest);
+}
+
+}  // namespace
+
+std::string cleanText(std::string_view text, bool severalLines) {
+    std::string source(text);
+    std::replace(source.begin(), source.end(), '\0', ' ');
+    gchar* valid = g_utf8_make_valid(source.data(), static_cast<gssize>(source.size()));
+    std::string clean;
+    clean.reserve(source.size());
+    for (const gchar* at = valid; *at; at = g_utf8_next_char(at)) {
+        gunichar c = g_utf8_get_char(at);
+        if (c == '\r') {
+            if (at[1] == '\n') continue;
+            c = '\n';
+        }
+        // A line separator breaks the line within its paragraph, so that a limit of lines counts over the whole text.
+        if (isLineEnd(c))
+            c = severalLines ? lineSeparator : ' ';
+        else if (g_unichar_iscntrl(c))
+            c = ' ';
+        char bytes[6];
+        clean.append(bytes, static_cast<std::size_t>(g_unichar_to_utf8(c, bytes)));
+    }
+    g_free(valid);
+    while (clean.ends_with(lineSeparatorText)) clean.resize(clean.size() - lineSeparatorText.size());
+    return clean;
+}
+
+std::size_t LayoutKeyHash::operator()(const LayoutKey& key) const noexcept {
+    std::size_t hash = std::hash<std::string>()(key.text);
+    const auto mix = [&hash](std::size_t part) { hash = hash * 1'000'003 ^ part; };
+    mix(std::hash<std::string>()(key.font.family()));
+    mix(std::hash<double>()(key.font.pointSize()));
+    mix(static_cast<std::size_t>(key.font.weight()));
+    mix(static_cast<std::size_t>(key.width));
+    mix(static_cast<std::size_t>(key.numberOfLines) * 2 + key.truncates);
+    return hash;
+}
+
+const TextLayout& TextLayouts::find(std::string_view text, const TextStyle& style, int numberOfLines, CGFloat width) {
+    LayoutKey key{std::string(shortened(text)), style.font, std::max(0, numberOfLines), libraryWidth(width),
+                  style.lineBreakMode == NSLineBreakMode::ByTruncatingTail};
+    if (const auto found = recent_.find(key); found != recent_.end()) return found->second;
+    if (recent_.size() >= generationSize) {
+        older_ = std::move(recent_);
+        recent_.clear();
+    }
+    if (auto node = older_.extract(key)) return recent_.insert(std::move(node)).position->second;
+    TextLayout built = build(key);
+    return recent_.emplace(std::move(key), std::move(built)).first->second;
+}
+
+LineMetrics TextLayouts::lineMetrics(const UIFont& font) {
+    LayoutKey key;
+    key.font = font;
+    if (const auto found = metrics_.find(key); found != metrics_.end()) return found->second;
+    if (metrics_.size() >= generationSize) metrics_.clear();
+    return metrics_.emplace(key, fonts_.lineMetrics(font)).first->second;
+}
+
+TextLayout TextLayouts::build(const LayoutKey& key) {
+    TextLayout result;
+    result.metrics = lineMetrics(key.font);
+    result.lineCount = 1;
+    if (!fonts_.context()) return result;
+
+    result.layout.reset(pango_layout_new(fonts_.context()));
+    PangoLayout& layout = *result.layout;
+    const std::string text = cleanText(key.text, key.numberOfLines != 1);
+    pango_layout_set_text(&layout, text.data(), static_cast<int>(text.size()));
+    PangoFontDescription* description = PrivateFonts::newDescription(key.font);
+    pango_layout_set_font_description(&layout, description);
+    pango_font_description_free(description);
+    forbidHyphens(layout);
+    pango_layout_set_wrap(&layout, PANGO_WRAP_WORD_CHAR);
+    pango_layout_set_width(&layout, key.width);
+    if (key.truncates && key.numberOfLines > 0) {
+        pango_layout_set_ellipsize(&layout, PANGO_ELLIPSIZE_END);
+        pango_layout_set_height(&layout, -key.numberOfLines);
+    }
+    const auto shownLines = [&] {
+        const int lines = pango_layout_get_line_count(&layout);
+        return key.numberOfLines > 0 ? std::min(lines, key.numberOfLines) : lines;
+    };
+    if (const auto shorter = withoutSwallowedLines(layout, shownLines()))
+        pango_layout_set_text(&layout, shorter->data(), static_cast<int>(shorter->size()));
+    result.lineCount = shownLines();
+    result.width = widestLine(layout, result.lineCount);
+    return result;
+}
+
+}  // namespace flarebox::text

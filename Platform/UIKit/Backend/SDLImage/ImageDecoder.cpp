@@ -1,0 +1,135 @@
+#include <UIKit/AreaAverager.h>
+#include <UIKit/GIFDecoder.h>
+#include <UIKit/ImageHeader.h>
+#include <UIKit/UIImage.h>
+
+#include <SDL.h>
+#include <SDL_image.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <string_view>
+
+namespace flarebox {
+namespace {
+
+struct SurfaceRelease {
+    void operator()(SDL_Surface* surface) const { SDL_FreeSurface(surface); }
+};
+using Surface = std::unique_ptr<SDL_Surface, SurfaceRelease>;
+
+Ref<UIImage> fail(Ref<NSError>* error, NSURLErrorCode code, const std::string& reason) {
+    if (error) *error = NSError::errorWithDomain(NSURLErrorDomain, code, reason);
+    return nullptr;
+}
+
+// A picture that gets better with each scan has about ten of them; thousands would keep the decoder busy for minutes.
+constexpr int mostScans = 32;
+
+/// What the library takes for success: a JPEG that was cut off, whose rest it fills with grey, and one of countless
+/// scans.
+const char* faultOfJPEG(std::span<const std::byte> data) {
+    const std::string_view text(reinterpret_cast<const char*>(data.data()), data.size());
+    if (text.rfind("\xFF\xD9") == std::string_view::npos) return "The picture is cut off";
+    int scans = 0;
+    for (auto at = text.find("\xFF\xDA"); at != std::string_view::npos; at = text.find("\xFF\xDA", at + 2)) ++scans;
+    return scans > mostScans ? "The picture has too many scans" : nullptr;
+}
+
+Surface decode(ImageFormat format, std::span<const std::byte> data) {
+    static std::once_flag once;
+    std::call_once(once, [] { IMG_Init(IMG_INIT_PNG | IMG_INIT_JPG | IMG_INIT_WEBP); });
+    struct StreamRelease {
+        void operator()(SDL_RWops* stream) const { SDL_RWclose(stream); }
+    };
+    const std::unique_ptr<SDL_RWops, StreamRelease> stream(
+        SDL_RWFromConstMem(data.data(), static_cast<int>(data.size())));
+    if (!stream) return nullptr;
+    switch (format) {
+        case ImageFormat::PNG:
+            return Surface(IMG_LoadPNG_RW(stream.get()));
+        case ImageFormat::JPEG:
+            return Surface(IMG_LoadJPG_RW(stream.get()));
+        case ImageFormat::WebP:
+            return Surface(IMG_LoadWEBP_RW(stream.get()));
+        case ImageFormat::GIF:
+            break;
+    }
+    return nullptr;
+}
+
+/// The surface with rows that can be converted one at a time: pictures with a palette or a transparent colour are
+/// converted whole.
+Surface withDirectColors(Surface surface) {
+    if (!SDL_ISPIXELFORMAT_INDEXED(surface->format->format) && !SDL_HasColorKey(surface.get())) return surface;
+    return Surface(SDL_ConvertSurfaceFormat(surface.get(), SDL_PIXELFORMAT_ARGB8888, 0));
+}
+
+std::uint32_t premultiplied(std::uint32_t pixel) {
+    const std::uint32_t alpha = pixel >> 24;
+    if (alpha == 255) return pixel;
+    const auto times = [alpha](std::uint32_t value) { return (value * alpha + 127) / 255; };
+    return alpha << 24 | times(pixel >> 16 & 255) << 16 | times(pixel >> 8 & 255) << 8 | times(pixel & 255);
+}
+
+bool readRow(const SDL_Surface& surface, int y, std::span<std::uint32_t> row) {
+    const auto* bytes = static_cast<const std::byte*>(surface.pixels) + static_cast<std::ptrdiff_t>(y) * surface.pitch;
+    if (SDL_ConvertPixels(surface.w, 1, surface.format->format, bytes, surface.pitch, SDL_PIXELFORMAT_ARGB8888,
+                          row.data(), surface.w * 4) != 0)
+        return false;
+    for (std::uint32_t& pixel : row) pixel = premultiplied(pixel);
+    return true;
+}
+
+Ref<UIImage> imageFromSurface(const SDL_Surface& surface, int maximumSide) {
+    const int width = surface.w, height = surface.h;
+    const double factor =
+        maximumSide > 0 ? std::min(1.0, static_cast<double>(maximumSide) / std::max(width, height)) : 1;
+    const auto side = [factor](int length) { return std::max(1, static_cast<int>(std::lround(length * factor))); };
+    AreaAverager averager(width, height, side(width), side(height));
+    std::vector<std::uint32_t> row(static_cast<std::size_t>(width)), pixels;
+    if (factor >= 1) pixels.reserve(row.size() * static_cast<std::size_t>(height));
+    for (int y = 0; y < height; ++y) {
+        if (!readRow(surface, y, row)) return nullptr;
+        if (factor < 1)
+            averager.addRow(row);
+        else
+            pixels.insert(pixels.end(), row.begin(), row.end());
+    }
+    if (factor < 1) return UIImage::imageWithPixels(side(width), side(height), averager.takePixels());
+    return UIImage::imageWithPixels(width, height, std::move(pixels));
+}
+
+}  // namespace
+
+Ref<UIImage> UIImage::imageWithData(std::span<const std::byte> data, Ref<NSError>* error, int maximumPixelSide) {
+    if (data.size() > maximumDataLength)
+        return fail(error, NSURLErrorDataLengthExceedsMaximum, "The picture's data is longer than 32 MiB");
+    const auto header = readImageHeader(data);
+    if (!header) return fail(error, NSURLErrorCannotDecodeContentData, "The data is no PNG, JPEG, GIF or WebP picture");
+    if (header->width > 32'767 || header->height > 32'767 || header->width * header->height > maximumPixelCount)
+        return fail(error, NSURLErrorDataLengthExceedsMaximum,
+                    "The picture is too large: " + std::to_string(header->width) + " x " +
+                        std::to_string(header->height) + " pixels");
+    if (header->format == ImageFormat::JPEG)
+        if (const char* fault = faultOfJPEG(data)) return fail(error, NSURLErrorCannotDecodeContentData, fault);
+    if (header->format == ImageFormat::GIF) {
+        const Ref<UIImage> frame = decodeGIF(data);
+        if (!frame) return fail(error, NSURLErrorCannotDecodeContentData, "The picture is damaged");
+        return maximumPixelSide > 0 ? frame->downscaledTo({CGFloat(maximumPixelSide), CGFloat(maximumPixelSide)})
+                                    : frame;
+    }
+    Surface surface = decode(header->format, data);
+    if (surface) surface = withDirectColors(std::move(surface));
+    if (!surface || surface->w < 1 || surface->h < 1)
+        return fail(error, NSURLErrorCannotDecodeContentData, std::string("The picture is damaged: ") + SDL_GetError());
+    Ref<UIImage> image = imageFromSurface(*surface, maximumPixelSide);
+    if (!image) return fail(error, NSURLErrorCannotDecodeContentData, "The picture's colours cannot be converted");
+    return image;
+}
+
+}  // namespace flarebox

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <UIKit/Canvas.h>
+
+#include <cstdint>
+#include <memory>
+
+namespace flarebox {
+
+/// A canvas that draws into memory: `height` rows of `width` pixels, `stridePixels` (at least `width`) apart, each
+/// 0xAARRGGBB in the machine's byte order with the colour premultiplied by the alpha. It draws over what is there.
+/// `scale` is the number of pixels per point, above 0. The memory must outlive the canvas and is up to date after each
+/// call. Main thread.
+std::unique_ptr<Canvas> makeBitmapCanvas(std::uint32_t* pixels, int width, int height, int stridePixels, CGFloat scale);
+
+/// Opens the fonts that the kit's texts need, a few at a time, so that the first text shown costs no more than any
+/// other: opening takes 10 to 20 milliseconds a font. Any thread; texts may be drawn meanwhile.
+void warmUpFonts();
+
+}  // namespace flarebox

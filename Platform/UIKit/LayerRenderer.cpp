@@ -1,0 +1,235 @@
+#include <UIKit/LayerBitmap.h>
+#include <UIKit/LayerRenderer.h>
+#include <UIKit/LayerTextures.h>
+#include <UIKit/UIView.h>
+#include <UIKit/UIViewState.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace flarebox {
+namespace {
+
+constexpr float leastVisibleOpacity = 0.01F;
+/// Pixels drawn a frame for views that are not in sight yet.
+constexpr std::int64_t upcomingPixelsPerFrame = 200'000;
+
+CGRect snapped(const CGRect& rect) {
+    const CGFloat left = std::round(rect.minX()), top = std::round(rect.minY());
+    return CGRectMake(left, top, std::round(rect.maxX()) - left, std::round(rect.maxY()) - top);
+}
+
+CGRect scaled(const CGRect& rect, CGFloat scale) {
+    return CGRectMake(rect.minX() * scale, rect.minY() * scale, rect.width() * scale, rect.height() * scale);
+}
+
+/// As large again on every side: how far ahead bitmaps are made.
+CGRect surroundings(const CGRect& rect) {
+    return rect.inset(-rect.width(), -rect.height());
+}
+
+}  // namespace
+
+/// Goes through the tree once and makes the list of rectangles.
+class LayerRenderer::Walk {
+public:
+    explicit Walk(LayerRenderer& renderer) : renderer_(renderer), scale_(renderer.scale_) {}
+
+    void run() {
+        renderer_.quads_.clear();
+        renderer_.hasUpcoming_ = false;
+        const CGRect target = scaled({{}, renderer_.root_.presentationFrame().size}, scale_);
+        visit(renderer_.root_, {{}, target, surroundings(target), 1, false, true});
+    }
+
+private:
+    using State = UIView::RenderState;
+    /// What a view has from those around it; coordinates are pixels.
+    struct Surroundings {
+        CGPoint origin;
+        CGRect clip, nearby;
+        float opacity = 1;
+        bool isMoving = false, isRoot = false;
+    };
+
+    void visit(UIView& view, Surroundings around) {
+        if (view.hidden_) return;
+        around.opacity *= static_cast<float>(view.presentationAlpha());
+        if (around.opacity < leastVisibleOpacity) return;
+        const CGRect frame = view.presentationFrame();
+        around.isMoving |= view.animationState_ && view.animationState_->frame;
+        const CGPoint place = around.isRoot ? CGPoint() : frame.origin;
+        const CGRect exact = CGRectMake(around.origin.x + place.x * scale_, around.origin.y + place.y * scale_,
+                                        frame.width() * scale_, frame.height() * scale_);
+        // Text is sharp on whole pixels; while it moves, smoothness counts more.
+        const CGRect rect = around.isMoving ? exact : snapped(exact);
+        show(view, rect, around);
+
+        if (view.subviews_.empty()) return;
+        if (view.clipsToBounds_) {
+            around.clip = around.clip.intersection(rect);
+            around.nearby = around.nearby.intersection(surroundings(rect));
+            if (around.nearby.isEmpty()) return;
+        }
+        around.origin = {exact.minX() - view.boundsOrigin_.x * scale_, exact.minY() - view.boundsOrigin_.y * scale_};
+        around.isRoot = false;
+        for (const auto& subview : view.subviews_) visit(*subview, around);
+    }
+
+    void show(UIView& view, const CGRect& rect, const Surroundings& around) {
+        if (rect.isEmpty()) return;
+        if (detail::needsBitmap(view)) return showBitmap(view, rect, around);
+        if (view.backgroundColor_.isClear() || rect.intersection(around.clip).isEmpty()) return;
+        add({renderer_.textures_->plain(view.backgroundColor_), {0, 0, 1, 1}, rect, around.clip, around.opacity});
+    }
+
+    void add(const TexturedQuad& quad) {
+        if (quad.texture && !quad.destination.intersection(quad.clip).isEmpty()) renderer_.quads_.push_back(quad);
+    }
+
+    void showBitmap(UIView& view, const CGRect& rect, const Surroundings& around) {
+        const detail::BitmapPlan plan = detail::planBitmap(view, scale_, renderer_.textures_->maximumSize());
+        const CGRect outer = placed(view, plan, rect);
+        const bool isInSight = !outer.intersection(around.clip).isEmpty();
+        if (!isInSight && outer.intersection(around.nearby).isEmpty()) return;
+        if (!isUpToDate(view, plan)) {
+            if (!isInSight && !mayDrawAhead(plan)) return;
+            draw(view, plan);
+        }
+        if (isInSight) addStretched(view, plan, outer, around);
+    }
+
+    /// Where the whole bitmap goes: the view and what reaches beyond it.
+    CGRect placed(const UIView& view, const detail::BitmapPlan& plan, const CGRect& rect) const {
+        // Bitmaps are made in the final size; where that is not a whole number of pixels they keep their own.
+        const CGFloat factor = scale_ / plan.scale;
+        const CGSize final = view.frame_.size;
+        const CGSize shown = view.presentationFrame().size;
+        CGFloat width = plan.width * factor * (final.width > 0 ? shown.width / final.width : 1);
+        CGFloat height = plan.height * factor * (final.height > 0 ? shown.height / final.height : 1);
+        if (plan.isStretchedX()) width = rect.width() + (plan.outsetX + plan.outsetRight) * factor;
+        if (plan.isStretchedY()) height = rect.height() + (plan.outsetY + plan.outsetBottom) * factor;
+        return CGRectMake(rect.minX() - plan.outsetX * factor, rect.minY() - plan.outsetY * factor, width, height);
+    }
+
+    bool isUpToDate(const UIView& view, const detail::BitmapPlan& plan) const {
+        const State* state = view.renderState_.get();
+        if (!state || !state->texture || state->round != renderer_.textures_->round() || view.needsDisplay_)
+            return false;
+        const bool isSameSize = !view.drawsContent() || state->drawnSize == view.frame_.size;
+        return isSameSize && state->width == plan.width && state->height == plan.height;
+    }
+
+    bool mayDrawAhead(const detail::BitmapPlan& plan) {
+        const bool may = drawnAhead_ < upcomingPixelsPerFrame;
+        if (may)
+            drawnAhead_ += std::int64_t{plan.width} * plan.height;
+        else
+            renderer_.hasUpcoming_ = true;
+        return may;
+    }
+
+    void draw(UIView& view, const detail::BitmapPlan& plan) {
+        detail::LayerTextures& textures = *renderer_.textures_;
+        if (!view.renderState_ || view.renderState_->textures != renderer_.textures_)
+            view.renderState_ = std::make_unique<State>(renderer_.textures_);
+        State& state = *view.renderState_;
+        // Cleared first: drawing may find that it has to happen again.
+        view.needsDisplay_ = false;
+        detail::drawBitmap(view, plan, renderer_.pixels_);
+        ++renderer_.bitmapsDrawn_;
+        const auto middle = static_cast<std::size_t>(plan.top) * static_cast<std::size_t>(plan.width) +
+                            static_cast<std::size_t>(plan.left);
+        state.isMiddleClear = renderer_.pixels_[middle] == 0;
+        const TextureId old = state.round == textures.round() ? state.texture : 0;
+        state.texture = textures.upload(renderer_.pixels_, plan.width, plan.height, old,
+                                        state.width == plan.width && state.height == plan.height);
+        state.round = textures.round();
+        state.width = plan.width;
+        state.height = plan.height;
+        state.drawnSize = view.frame_.size;
+    }
+
+    struct Span {
+        int source, sourceLength;
+        CGFloat place, length;
+    };
+
+    /// The parts of a bitmap along one axis: all of it, or both edges and the line between them that is stretched.
+    static std::size_t divide(Span (&spans)[3], int size, int first, int last, CGFloat place, CGFloat length,
+                              CGFloat factor) {
+        if (first == 0) {
+            spans[0] = {0, size, place, length};
+            return 1;
+        }
+        const CGFloat before = first * factor, after = last * factor;
+        spans[0] = {0, first, place, before};
+        spans[1] = {first, 1, place + before, length - before - after};
+        spans[2] = {first + 1, last, place + length - after, after};
+        return 3;
+    }
+
+    void addStretched(const UIView& view, const detail::BitmapPlan& plan, const CGRect& outer,
+                      const Surroundings& around) {
+        const State& state = *view.renderState_;
+        const CGFloat factor = scale_ / plan.scale;
+        Span columns[3], rows[3];
+        const std::size_t columnCount =
+            divide(columns, plan.width, plan.left, plan.right, outer.minX(), outer.width(), factor);
+        const std::size_t rowCount =
+            divide(rows, plan.height, plan.top, plan.bottom, outer.minY(), outer.height(), factor);
+        for (std::size_t row = 0; row < rowCount; ++row) {
+            for (std::size_t column = 0; column < columnCount; ++column) {
+                const bool isMiddle = columnCount == 3 && rowCount == 3 && row == 1 && column == 1;
+                if (isMiddle && state.isMiddleClear) continue;
+                const Span &x = columns[column], &y = rows[row];
+                add({state.texture,
+                     {x.source, y.source, x.sourceLength, y.sourceLength},
+                     CGRectMake(x.place, y.place, x.length, y.length),
+                     around.clip,
+                     around.opacity});
+            }
+        }
+    }
+
+    LayerRenderer& renderer_;
+    CGFloat scale_;
+    std::int64_t drawnAhead_ = 0;
+};
+
+LayerRenderer::LayerRenderer(UIView& root) : root_(root), textures_(std::make_shared<detail::LayerTextures>()) {}
+LayerRenderer::~LayerRenderer() = default;
+
+bool LayerRenderer::needsDisplay() const {
+    return root_.changeStamp_ > drawnStamp_ || hasUpcoming_ || !hasList_;
+}
+
+void LayerRenderer::draw(Compositor& compositor, CGFloat scale) {
+    const std::uint64_t round = textures_->round();
+    textures_->use(compositor);
+    if (scale != scale_) textures_->discardAll();
+    scale_ = scale;
+    if (needsDisplay() || textures_->round() != round) {
+        // Counted on first, so that what changes while the list is made shows in the next.
+        drawnStamp_ = detail::changeStampInForce++;
+        textures_->destroyRetired();
+        Walk(*this).run();
+        hasList_ = true;
+        ++listsBuilt_;
+    }
+    compositor.beginFrame();
+    for (const TexturedQuad& quad : quads_) compositor.drawQuad(quad);
+    compositor.endFrame();
+}
+
+void LayerRenderer::releaseTextures(Compositor& compositor) {
+    textures_->release(compositor);
+    quads_.clear();
+    hasList_ = false;
+}
+
+LayerRenderer::Statistics LayerRenderer::statistics() const {
+    return {bitmapsDrawn_, textures_->uploads(), listsBuilt_, quads_.size()};
+}
+
+}  // namespace flarebox

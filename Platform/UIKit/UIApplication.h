@@ -1,0 +1,63 @@
+#pragma once
+
+#include <Foundation/Values.h>
+#include <UIKit/UrlOpener.h>
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace flarebox {
+
+class UIWindow;
+
+namespace detail {
+template <class T>
+class Immortal;
+}
+
+/// The host game, as the kit sees it.
+class UIApplicationDelegate {
+public:
+    virtual ~UIApplicationDelegate() = default;
+    /// The application's main window, or null.
+    virtual UIWindow* window() = 0;
+};
+
+/// The application around the kit. Main thread.
+class UIApplication {
+public:
+    static UIApplication& sharedApplication();
+
+    /// Set by the host adapter while one exists; null otherwise.
+    UIApplicationDelegate* delegate() const { return delegate_; }
+    /// Borrowed; null takes it back. For hosts that keep several windows.
+    void setDelegate(UIApplicationDelegate* delegate) { delegate_ = delegate; }
+    /// The delegate's window, or null.
+    UIWindow* keyWindow() const;
+
+    /// Whether a link of this scheme would be opened. An absent link, or one of a scheme that is not allowed, never is.
+    bool canOpenURL(const NSURL& url) const;
+    /// Hands the link to the desktop without waiting for it. False when it was refused.
+    bool openURL(const NSURL& url);
+
+    /// The only schemes that links may have, in lower case.
+    const std::vector<std::string>& allowedSchemes() const { return allowedSchemes_; }
+    void setAllowedSchemes(std::vector<std::string> schemes);
+    /// Who opens links; null for the desktop's own way.
+    void setUrlOpener(std::shared_ptr<UrlOpener> opener);
+
+private:
+    friend class detail::Immortal<UIApplication>;
+    UIApplication();
+    ~UIApplication() = default;
+    bool isAllowed(const NSURL& url) const;
+    UrlOpener& urlOpener() const;
+
+    UIApplicationDelegate* delegate_ = nullptr;
+    std::vector<std::string> allowedSchemes_;
+    std::shared_ptr<UrlOpener> opener_;
+};
+
+}  // namespace flarebox

@@ -1,0 +1,257 @@
+#include <Foundation/MainQueue.h>
+#include <UIKit/UICollectionView.h>
+#include <UIKit/UINib.h>
+#include <UIKit/UITouch.h>
+
+#include <cstdio>
+#include <utility>
+
+namespace flarebox {
+
+using Items = UICollectionViewLayout::Items;
+
+CGSize UICollectionViewDelegate::collectionViewLayoutSizeForItemAtIndexPath(UICollectionView& view, const NSIndexPath&) {
+    return {view.bounds().height(), view.bounds().height()};
+}
+
+const ClassInfo& UICollectionView::staticClass() {
+    static const ClassInfo info("UICollectionView", &UIScrollView::staticClass(), createObject<UICollectionView>);
+    return info;
+}
+
+UICollectionView::UICollectionView() { setAlwaysBounceHorizontal(true); }
+UICollectionView::~UICollectionView() = default;
+
+UICollectionViewDelegate* UICollectionView::listDelegate() const {
+    return static_cast<UICollectionViewDelegate*>(UIScrollView::delegate());
+}
+
+void UICollectionView::setDelegate(UICollectionViewDelegate* delegate) {
+    UIScrollView::setDelegate(delegate);
+    setNeedsLayout();
+}
+
+void UICollectionView::setDataSource(UICollectionViewDataSource* dataSource) {
+    dataSource_ = dataSource;
+    reloadData();
+}
+
+void UICollectionView::setItemSpacing(CGFloat spacing) {
+    layout_.setItemSpacing(std::max(0.0, spacing));
+    reloadData();
+}
+
+void UICollectionView::setSectionInset(const UIEdgeInsets& inset) {
+    layout_.setSectionInset(inset);
+    reloadData();
+}
+
+// Cells.
+
+void UICollectionView::registerNib(const Ref<UINib>& nib, std::string_view reuseIdentifier) {
+    sources_[std::string(reuseIdentifier)] = {nib, nullptr};
+}
+
+void UICollectionView::registerClass(const ClassInfo& cellClass, std::string_view reuseIdentifier) {
+    sources_[std::string(reuseIdentifier)] = {nullptr, &cellClass};
+}
+
+Ref<UICollectionViewCell> UICollectionView::makeCell(std::string_view reuseIdentifier) const {
+    Ref<NSObject> object;
+    if (const auto found = sources_.find(reuseIdentifier); found != sources_.end()) {
+        const Source& source = found->second;
+        if (source.cellClass) object = source.cellClass->create();
+        if (source.nib) {
+            const auto objects = source.nib->instantiateWithOwner(nullptr);
+            if (!objects.empty()) object = objects.front();
+        }
+    }
+    Ref<UICollectionViewCell> cell(objectCast<UICollectionViewCell>(object.get()));
+    if (cell) cell->reuseIdentifier_ = reuseIdentifier;
+    else std::fprintf(stderr, "UICollectionView: no cell for \"%.*s\"\n", static_cast<int>(reuseIdentifier.size()), reuseIdentifier.data());
+    return cell;
+}
+
+Ref<UICollectionViewCell> UICollectionView::dequeueReusableCell(std::string_view reuseIdentifier, const NSIndexPath& path) {
+    Ref<UICollectionViewCell> cell;
+    if (const auto pool = reusable_.find(reuseIdentifier); pool != reusable_.end() && !pool->second.empty()) {
+        cell = pool->second.back();
+        pool->second.pop_back();
+        cell->prepareForReuse();
+    } else {
+        cell = makeCell(reuseIdentifier);
+    }
+    // The size first: what fills the cell may depend on it.
+    if (cell && path.section == 0 && path.row < layout_.count()) place(*cell, path.row);
+    return cell;
+}
+
+void UICollectionView::place(UICollectionViewCell& cell, std::size_t item) {
+    // A cell that is used again appears at its place; it does not travel there, even where the list itself is animated.
+    UIView::performWithoutAnimation([&] { cell.setFrame(layout_.frameOfItem(item, bounds().height())); });
+}
+
+void UICollectionView::recycle(const Ref<UICollectionViewCell>& cell) {
+    if (pressed_ == cell) setPressed(nullptr);
+    // Hidden and kept as a sub-view: that costs less than leaving and entering the tree.
+    cell->setHidden(true);
+    reusable_[cell->reuseIdentifier_].push_back(cell);
+}
+
+void UICollectionView::recycleAll() {
+    for (const auto& [item, cell] : std::exchange(visible_, {})) recycle(cell);
+}
+
+// Layout.
+
+void UICollectionView::reloadData() {
+    needsReload_ = true;
+    setNeedsLayout();
+}
+
+void UICollectionView::readItems() {
+    const std::size_t count = dataSource_ ? dataSource_->collectionViewNumberOfItemsInSection(*this, 0) : 0;
+    UICollectionViewDelegate* delegate = listDelegate();
+    const auto sizeOf = [&](std::size_t item) {
+        if (!delegate) return CGSize{bounds().height(), bounds().height()};
+        return delegate->collectionViewLayoutSizeForItemAtIndexPath(*this, {0, item});
+    };
+    if (count > 0 && delegate && delegate->collectionViewItemsHaveOwnSizes(*this)) layout_.setItems(count, sizeOf);
+    else layout_.setItems(count, count > 0 ? sizeOf(0) : CGSize{});
+    laidOutSize_ = bounds().size;
+
+    const CGSize former = contentSize();
+    setContentSize(layout_.contentSize(bounds().height()));
+    // What shrank may have left nothing to see at the old place.
+    const CGFloat end = maximumContentOffset().x;
+    if (contentSize().width < former.width && contentOffset().x > end) setContentOffset({end, contentOffset().y});
+}
+
+void UICollectionView::layoutSubviews() {
+    UIScrollView::layoutSubviews();
+    if (isUpdating_) return;
+    if (needsReload_) {
+        isUpdating_ = true;
+        needsReload_ = false;
+        recycleAll();
+        readItems();
+        isUpdating_ = false;
+    } else if (laidOutSize_ != bounds().size) {
+        isUpdating_ = true;
+        readItems();
+        isUpdating_ = false;
+        for (const auto& [item, cell] : visible_) cell->setFrame(layout_.frameOfItem(item, bounds().height()));
+    }
+    updateVisibleCells();
+}
+
+void UICollectionView::contentOffsetDidChange() { updateVisibleCells(); }
+
+void UICollectionView::updateVisibleCells() {
+    // With a reload pending the data source may know fewer items than this list does.
+    if (isUpdating_ || needsReload_ || !dataSource_) return;
+    isUpdating_ = true;
+    const CGRect seen = bounds();
+    showItems(seen.isEmpty() ? Items{} : layout_.itemsBetween(seen.minX(), seen.maxX()));
+    isUpdating_ = false;
+}
+
+void UICollectionView::showItems(Items items) {
+    for (auto each = visible_.begin(); each != visible_.end();) {
+        if (items.contains(each->first)) {
+            ++each;
+            continue;
+        }
+        recycle(each->second);
+        each = visible_.erase(each);
+    }
+    for (std::size_t item = items.begin; item < items.end && dataSource_; ++item) {
+        if (visible_.contains(item) || layout_.frameOfItem(item, bounds().height()).isEmpty()) continue;
+        const auto cell = dataSource_->collectionViewCellForItemAtIndexPath(*this, {0, item});
+        if (!cell) continue;
+        place(*cell, item);
+        cell->setHidden(false);
+        if (cell->superview() != this) addSubview(*cell);
+        visible_[item] = cell;
+    }
+}
+
+void UICollectionView::performBatchUpdates(const std::function<void()>& updates, std::function<void(bool finished)> completion) {
+    if (updates) updates();
+    setNeedsLayout();
+    dispatch_async_main([self = Ref<UICollectionView>(this), after = std::move(completion)] {
+        self->layoutIfNeeded();
+        if (after) after(true);
+    });
+}
+
+// Items.
+
+std::vector<NSIndexPath> UICollectionView::indexPathsForVisibleItems() const {
+    std::vector<NSIndexPath> paths;
+    paths.reserve(visible_.size());
+    for (const auto& [item, cell] : visible_) paths.push_back({0, item});
+    return paths;
+}
+
+Ref<UICollectionViewCell> UICollectionView::cellForItemAtIndexPath(const NSIndexPath& path) const {
+    const auto found = path.section == 0 ? visible_.find(path.row) : visible_.end();
+    return found == visible_.end() ? nullptr : found->second;
+}
+
+void UICollectionView::scrollToItemAtIndexPath(const NSIndexPath& path, ScrollPosition position, bool animated) {
+    if (path.section != 0 || path.row >= layout_.count()) return;
+    const CGRect item = layout_.frameOfItem(path.row, bounds().height());
+    const CGFloat atLeft = item.minX() - layout_.sectionInset().left;
+    const CGFloat atRight = item.maxX() + layout_.sectionInset().right - bounds().width();
+    CGPoint offset = contentOffset();
+    switch (position) {
+        case ScrollPosition::None:
+            if (item.maxX() > bounds().maxX()) offset.x = atRight;
+            else if (item.minX() < bounds().minX()) offset.x = atLeft;
+            else if (offset.x <= maximumContentOffset().x) return;
+            break;
+        case ScrollPosition::Left: offset.x = atLeft; break;
+        case ScrollPosition::CenteredHorizontally: offset.x = item.midX() - bounds().width() / 2; break;
+        case ScrollPosition::Right: offset.x = atRight; break;
+    }
+    offset.x = std::clamp(offset.x, 0.0, maximumContentOffset().x);
+    setContentOffset(offset, animated);
+}
+
+// Touches.
+
+Ref<UICollectionViewCell> UICollectionView::cellUnder(const UITouch& touch, std::size_t& item) const {
+    UIView* view = touch.view();
+    while (view && view->superview() != this) view = view->superview();
+    for (const auto& [place, cell] : visible_) {
+        if (cell.get() != view) continue;
+        item = place;
+        return cell;
+    }
+    return nullptr;
+}
+
+void UICollectionView::setPressed(const Ref<UICollectionViewCell>& cell) {
+    const auto former = std::exchange(pressed_, cell);
+    if (former) former->setHighlighted(false);
+    if (cell) cell->setHighlighted(true);
+}
+
+void UICollectionView::touchesBegan(UITouch& touch) { setPressed(cellUnder(touch, pressedItem_)); }
+
+void UICollectionView::touchesMoved(UITouch&) {}
+
+void UICollectionView::touchesEnded(UITouch& touch) {
+    const Ref<UICollectionViewCell> cell = pressed_;
+    setPressed(nullptr);
+    if (!cell || !cell->pointInside(touch.locationInView(cell.get()))) return;
+    const Ref<UICollectionView> self(this);
+    if (UICollectionViewDelegate* delegate = listDelegate(); delegate && !needsReload_) {
+        delegate->collectionViewDidSelectItemAtIndexPath(*this, {0, pressedItem_});
+    }
+}
+
+void UICollectionView::touchesCancelled(UITouch&) { setPressed(nullptr); }
+
+}  // namespace flarebox

@@ -1,0 +1,16 @@
+#include <UIKit/UICollectionViewCell.h>
+
+namespace flarebox {
+
+const ClassInfo& UICollectionViewCell::staticClass() {
+    static const ClassInfo info("UICollectionViewCell", &UIView::staticClass(), createObject<UICollectionViewCell>);
+    return info;
+}
+
+void UICollectionViewCell::setHighlighted(bool highlighted) {
+    if (highlighted == highlighted_) return;
+    highlighted_ = highlighted;
+    setAlpha(highlighted ? 0.7 : 1.0);
+}
+
+}  // namespace flarebox

@@ -1,0 +1,53 @@
+#include <UIKit/UIImage.h>
+
+#include <UIKit/AreaAverager.h>
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace flarebox {
+
+const ClassInfo& UIImage::staticClass() {
+    static const ClassInfo info("UIImage", &NSObject::staticClass(), nullptr);
+    return info;
+}
+
+UIImage::UIImage(int width, int height, std::vector<std::uint32_t> pixels, CGFloat scale)
+    : width_(width), height_(height), pixels_(std::move(pixels)), scale_(scale) {}
+
+Ref<UIImage> UIImage::imageWithPixels(int width, int height, std::vector<std::uint32_t> pixels, CGFloat scale) {
+    if (width < 1 || height < 1 || !(scale > 0)) return nullptr;
+    if (pixels.size() != static_cast<std::size_t>(width) * static_cast<std::size_t>(height)) return nullptr;
+    return make<UIImage>(width, height, std::move(pixels), scale);
+}
+
+Ref<UIImage> UIImage::imageWithData(const NSData& data, Ref<NSError>* error, int maximumPixelSide) {
+    return imageWithData(data.bytes(), error, maximumPixelSide);
+}
+
+Ref<UIImage> UIImage::downscaledTo(CGSize maximumPixelSize) const {
+    const CGFloat factor = std::min(maximumPixelSize.width / width_, maximumPixelSize.height / height_);
+    if (!(factor < 1)) return resampledTo(width_, height_);
+    const auto side = [factor](int length) {
+        return std::max(1, static_cast<int>(std::lround(length * std::max(0.0, factor))));
+    };
+    return resampledTo(side(width_), side(height_));
+}
+
+Ref<UIImage> UIImage::resampledTo(int pixelWidth, int pixelHeight) const {
+    const bool isSmaller = pixelWidth < width_ || pixelHeight < height_;
+    if (!isSmaller || pixelWidth < 1 || pixelHeight < 1 || pixelWidth > width_ || pixelHeight > height_)
+        return Ref<UIImage>(const_cast<UIImage*>(this));
+    AreaAverager averager(width_, height_, pixelWidth, pixelHeight);
+    const auto stride = static_cast<std::size_t>(width_);
+    for (std::size_t y = 0; y < static_cast<std::size_t>(height_); ++y)
+        averager.addRow(std::span(pixels_).subspan(y * stride, stride));
+    return imageWithPixels(pixelWidth, pixelHeight, averager.takePixels(), scale_);
+}
+
+std::string UIImage::description() const {
+    return "<UIImage: " + std::to_string(width_) + " x " + std::to_string(height_) + " pixels>";
+}
+
+}  // namespace flarebox

@@ -1,0 +1,95 @@
+#include <UIKit/UIImageView.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace flarebox {
+namespace {
+
+constexpr double fadeDuration = 0.15;
+
+/// Where a picture of that size goes; larger than the area when it is to fill it.
+CGRect placed(CGSize picture, const CGRect& area, UIViewContentMode mode) {
+    if (mode == UIViewContentMode::ScaleToFill || !(picture.width > 0) || !(picture.height > 0)) return area;
+    const CGFloat across = area.width() / picture.width, down = area.height() / picture.height;
+    const CGFloat factor = mode == UIViewContentMode::ScaleAspectFit ? std::min(across, down) : std::max(across, down);
+    const CGSize size = {picture.width * factor, picture.height * factor};
+    return CGRectMake(area.midX() - size.width / 2, area.midY() - size.height / 2, size.width, size.height);
+}
+
+}  // namespace
+
+const ClassInfo& UIImageView::staticClass() {
+    static const ClassInfo info("UIImageView", &UIView::staticClass(), createObject<UIImageView>);
+    return info;
+}
+
+UIImageView::UIImageView() {
+    setUserInteractionEnabled(false);
+}
+UIImageView::~UIImageView() = default;
+
+void UIImageView::setImage(Ref<UIImage> image, bool animated) {
+    if (image == image_) return;
+    const bool sizeChanged = !image || !image_ || !(image->size() == image_->size());
+    image_ = std::move(image);
+    drawnImage_ = nullptr;
+    if (sizeChanged) invalidateIntrinsicContentSize();
+    setNeedsDisplay();
+    if (!image_ || !animated || !window()) return;
+    const CGFloat shown = alpha();
+    setAlpha(0);
+    const Ref<UIImageView> self(this);
+    animateWithDuration(fadeDuration, [self, shown] { self->setAlpha(shown); });
+}
+
+void UIImageView::setIcon(const VectorIcon* icon) {
+    if (icon_ == icon) return;
+    icon_ = icon;
+    setNeedsDisplay();
+}
+
+void UIImageView::setBorderGap(CGFloat gap) {
+    if (borderGap_ == gap) return;
+    borderGap_ = gap;
+    setNeedsDisplay();
+}
+
+CGSize UIImageView::intrinsicContentSize() const {
+    return image_ ? image_->size() : CGSize{UIViewNoIntrinsicMetric, UIViewNoIntrinsicMetric};
+}
+
+CGRect UIImageView::contentRect() const {
+    if (!(borderGap_ > 0)) return bounds();
+    const CGFloat inset = borderGap_ + std::max(1.0, layer().borderWidth());
+    return bounds().inset(inset, inset);
+}
+
+const UIImage& UIImageView::imageForPixels(CGSize pixels) {
+    const auto side = [](CGFloat length, int own) { return std::clamp(static_cast<int>(std::lround(length)), 1, own); };
+    const int width = side(std::min(pixels.width, 1e6), image_->pixelWidth());
+    const int height = side(std::min(pixels.height, 1e6), image_->pixelHeight());
+    if (!drawnImage_ || drawnImage_->pixelWidth() != width || drawnImage_->pixelHeight() != height)
+        drawnImage_ = image_->resampledTo(width, height);
+    return *drawnImage_;
+}
+
+void UIImageView::drawRect(Canvas& canvas, const CGRect&) {
+    const CGRect area = contentRect();
+    if (area.isEmpty()) return;
+    if (!image_) {
+        if (icon_) icon_->draw(canvas, area, tintColor());
+        return;
+    }
+    const CGRect place = placed(image_->size(), area, contentMode());
+    const CGFloat inset = area.minX() - bounds().minX();
+    const auto radius = [inset](CGFloat own) { return std::max(0.0, own - inset); };
+    const CornerRadii& own = layer().cornerRadii();
+    canvas.save();
+    canvas.clipRoundedRect(
+        area, {radius(own.topLeft), radius(own.topRight), radius(own.bottomRight), radius(own.bottomLeft)});
+    canvas.drawImage(imageForPixels({place.width() * canvas.scale(), place.height() * canvas.scale()}), place);
+    canvas.restore();
+}
+
+}  // namespace flarebox

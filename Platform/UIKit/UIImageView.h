@@ -1,0 +1,55 @@
+#pragma once
+
+#include <UIKit/UIImage.h>
+#include <UIKit/UIView.h>
+#include <UIKit/VectorIcon.h>
+
+namespace flarebox {
+
+/// Shows a picture, placed by the view's content mode and rounded with its layer. Main thread only.
+///
+/// Set by layout files: image sign `icon`, `contentMode`, `borderGap`, `tintColor`, and the layer's corner radius and
+/// border.
+class UIImageView : public UIView {
+    FLAREBOX_CLASS(UIImageView)
+public:
+    UIImageView();
+    ~UIImageView() override;
+
+    /// Null when empty.
+    const Ref<UIImage>& image() const { return image_; }
+    /// Shows the picture, or nothing for null. Animated, a picture fades in over 0.15 seconds.
+    void setImage(Ref<UIImage> image, bool animated = false);
+
+    /// A sign shown in the tint colour while there is no picture; null for none.
+    const VectorIcon* icon() const { return icon_; }
+    void setIcon(const VectorIcon* icon);
+
+    /// Space in points between the layer's border and the picture. Where it is above 0, room for a border of at least
+    /// one point is kept also while there is none, so that the picture does not move when the border appears.
+    CGFloat borderGap() const { return borderGap_; }
+    void setBorderGap(CGFloat gap);
+
+    /// What loads the picture for this view at the moment; held so that a loader can find, replace and forget it. May
+    /// be null.
+    const Ref<NSObject>& imageTask() const { return imageTask_; }
+    void setImageTask(Ref<NSObject> task) { imageTask_ = std::move(task); }
+
+    /// The picture's size in points; none without a picture.
+    CGSize intrinsicContentSize() const override;
+    void drawRect(Canvas& canvas, const CGRect& bounds) override;
+    bool drawsContent() const override { return image_ || icon_; }
+
+private:
+    CGRect contentRect() const;
+    const UIImage& imageForPixels(CGSize pixels);
+
+    Ref<UIImage> image_;
+    /// The picture at the size in which it was last drawn; the picture itself where that is its own size.
+    Ref<UIImage> drawnImage_;
+    const VectorIcon* icon_ = nullptr;
+    Ref<NSObject> imageTask_;
+    CGFloat borderGap_ = 0;
+};
+
+}  // namespace flarebox

@@ -1,0 +1,104 @@
+#include <Foundation/NSBundle.h>
+#include <UIKit/LayoutFiles/LayoutBlueprint.h>
+#include <UIKit/LayoutFiles/LayoutInstance.h>
+#include <UIKit/UINib.h>
+
+#include <cstdio>
+#include <fstream>
+#include <map>
+#include <optional>
+#include <string>
+#include <utility>
+
+namespace flarebox {
+namespace {
+
+constexpr int errorCode = 1;
+constexpr std::streamsize longestFile = 1 << 20;
+
+std::optional<std::string> contents(const std::string& path) {
+    std::ifstream file(path, std::ios::binary | std::ios::ate);
+    const std::streamsize size = file ? static_cast<std::streamsize>(file.tellg()) : -1;
+    if (size < 0 || size > longestFile) return std::nullopt;
+    std::string text(static_cast<std::size_t>(size), '\0');
+    file.seekg(0);
+    if (!file.read(text.data(), size)) return std::nullopt;
+    return text;
+}
+
+}  // namespace
+
+/// A file and what became of it. Shared by all layouts of the same file.
+struct UINib::File {
+    std::string name;
+    std::optional<LayoutElement> content;
+    LayoutProblem problem;
+    // Made at the first use that succeeds: the classes named in the file may become known later than the file.
+    mutable std::optional<layout::LayoutBlueprint> blueprint;
+    mutable bool isReported = false;
+
+    static std::shared_ptr<const File> make(std::string name, const std::optional<std::string>& text) {
+        auto file = std::make_shared<File>();
+        file->name = std::move(name);
+        if (text) file->content = readLayoutFile(*text, file->problem);
+        else file->problem.text = "the file cannot be read";
+        return file;
+    }
+
+    static std::shared_ptr<const File> atPath(const std::string& path, const std::string& name) {
+        static std::map<std::string, std::shared_ptr<const File>> files;
+        auto& file = files[path];
+        if (!file) file = make(name, contents(path));
+        return file;
+    }
+
+    Ref<NSError> error(const LayoutProblem& what) const {
+        std::string text = name;
+        if (what.line > 0) text += ":" + std::to_string(what.line);
+        return NSError::errorWithDomain(UINibErrorDomain, errorCode, text + ": " + what.text);
+    }
+
+    const layout::LayoutBlueprint* prepared(LayoutProblem& what) const {
+        if (!content) what = problem;
+        else if (!blueprint) blueprint = layout::makeBlueprint(*content, what);
+        return blueprint ? &*blueprint : nullptr;
+    }
+};
+
+const ClassInfo& UINib::staticClass() {
+    static const ClassInfo info("UINib", &NSObject::staticClass(), nullptr);
+    return info;
+}
+
+UINib::~UINib() = default;
+
+Ref<UINib> UINib::nibWithNibName(std::string_view name, NSBundle& bundle) {
+    auto nib = make<UINib>();
+    const std::string fileName = std::string(name) + ".xml";
+    const NSString path = bundle.pathForResource(name, "xml");
+    nib->file_ = path ? File::atPath(path.string(), fileName) : File::make(fileName, std::nullopt);
+    return nib;
+}
+
+Ref<UINib> UINib::nibWithText(std::string_view text, std::string_view name) {
+    auto nib = make<UINib>();
+    nib->file_ = File::make(std::string(name), std::string(text));
+    return nib;
+}
+
+std::vector<Ref<NSObject>> UINib::instantiateWithOwner(NSObject* owner, Ref<NSError>* error) const {
+    LayoutProblem problem;
+    if (const layout::LayoutBlueprint* blueprint = file_->prepared(problem)) {
+        layout::LayoutInstance instance(*blueprint, owner, problem);
+        if (instance.make()) return instance.topLevelObjects();
+    }
+    const Ref<NSError> failure = file_->error(problem);
+    if (error) {
+        *error = failure;
+    } else if (!std::exchange(file_->isReported, true)) {
+        std::fprintf(stderr, "UINib: %s\n", failure->localizedDescription().c_str());
+    }
+    return {};
+}
+
+}  // namespace flarebox

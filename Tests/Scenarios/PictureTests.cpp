@@ -1,0 +1,102 @@
+#include "GameProcess.h"
+
+#include <UIKit/UIImage.h>
+
+#include <gtest/gtest.h>
+
+#include <set>
+
+namespace flarebox::testing {
+namespace {
+
+Ref<UIImage> picture(const TemporaryDirectory& folder, const std::string& name) {
+    return UIImage::imageWithData(NSData::dataWithBytes(folder.read(name)));
+}
+
+std::size_t colorsIn(const UIImage& image) {
+    return std::set<std::uint32_t>(image.pixels().begin(), image.pixels().end()).size();
+}
+
+/// Share of the pixels that differ, of those left or right of the column.
+double difference(const UIImage& a, const UIImage& b, int from, int to) {
+    int count = 0;
+    for (int y = 0; y < a.pixelHeight(); ++y) {
+        for (int x = from; x < to; ++x) {
+            const auto place =
+                static_cast<std::size_t>(y) * static_cast<std::size_t>(a.pixelWidth()) + static_cast<std::size_t>(x);
+            count += a.pixels()[place] != b.pixels()[place];
+        }
+    }
+    return static_cast<double>(count) / ((to - from) * a.pixelHeight());
+}
+
+TEST(PictureTest, ShowsTheOpenTabOverTheGame) {
+    const TemporaryDirectory folder;
+    const GameResult opened = runGame(folder, {"--size", "667x375", "--screenshot", "open.png"});
+    ASSERT_EQ(opened.status, 0) << opened.errors;
+    // As many frames of the game pass as before the other picture, without the tab.
+    const std::string script = folder.write("s.script", "wait 0.5\nawait idle\nwait 0.5\n");
+    const GameResult closed = runGame(folder, {"--size", "667x375", "--script", script, "--screenshot", "closed.png"});
+    ASSERT_EQ(closed.status, 0) << closed.errors;
+
+    const Ref<UIImage> open = picture(folder, "open.png"), closedPicture = picture(folder, "closed.png");
+    ASSERT_TRUE(open && closedPicture);
+    ASSERT_EQ(open->pixelWidth(), 1334);
+    ASSERT_EQ(open->pixelHeight(), 750);
+    EXPECT_GT(colorsIn(*open), 1000U) << "a picture of one product and icons of several have many colours";
+    const int panelWidth = 480;
+    EXPECT_GT(difference(*open, *closedPicture, 0, panelWidth), 0.9);
+    EXPECT_LT(difference(*open, *closedPicture, 700, 1334), 0.001) << "beside the panel the game is untouched";
+}
+
+TEST(PictureTest, IsTheSameForTheSameScript) {
+    const TemporaryDirectory folder;
+    const std::string script =
+        folder.write("s.script",
+                     "call open\nwait 0.15\nscreenshot sliding.png\nwait 0.3\nawait idle\nswipe collectionView left\n"
+                     "wait 0.1\nawait idle\nwait 0.2\nscreenshot scrolled.png\ntap 600 100\nwait 0.3\n");
+    std::set<std::string> sliding, scrolled, last;
+    for (int i = 0; i < 2; ++i) {
+        const GameResult result =
+            runGame(folder, {"--size", "667x375", "--script", script, "--screenshot", "last.png"});
+        ASSERT_EQ(result.status, 0) << result.errors;
+        sliding.insert(folder.read("sliding.png"));
+        scrolled.insert(folder.read("scrolled.png"));
+        last.insert(folder.read("last.png"));
+    }
+    EXPECT_EQ(sliding.size(), 1U);
+    EXPECT_EQ(scrolled.size(), 1U);
+    EXPECT_EQ(last.size(), 1U);
+    EXPECT_NE(*scrolled.begin(), *last.begin()) << "the shot fired by the tap beside the panel is to be seen";
+}
+
+TEST(PictureTest, ComesFromAWindowToo) {
+    const TemporaryDirectory folder;
+    const GameResult result =
+        runProgram(folder, FLAREBOX_HOSTGAME, {"--size", "667x375", "--screenshot", "window.png"});
+    ASSERT_EQ(result.status, 0) << result.errors;
+    const Ref<UIImage> window = picture(folder, "window.png");
+    ASSERT_TRUE(window);
+    EXPECT_EQ(window->pixelWidth(), 667);
+    EXPECT_EQ(window->pixelHeight(), 375);
+    EXPECT_GT(colorsIn(*window), 1000U);
+}
+
+TEST(WindowTest, ScriptInAWindowGoesOnUntilThePlayerLeaves) {
+    const TemporaryDirectory folder;
+    const std::string script =
+        folder.write("s.script", "await idle\ntap btnOpen\nwait 0.4\ndump s.json\norientation portrait 300x500\n");
+    // The window is closed by the signal that ends a program which runs for too long.
+    const GameResult result = runProgram(folder, FLAREBOX_HOSTGAME, {"--size", "667x375", "--script", script}, 4);
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_NE(folder.read("s.json").find("\"isOpened\":true"), std::string::npos);
+}
+
+TEST(WindowTest, ShortestGameRuns) {
+    const TemporaryDirectory folder;
+    const GameResult result = runProgram(folder, FLAREBOX_INTEGRATION, {}, 1.5);
+    EXPECT_EQ(result.status, 0) << result.errors;
+}
+
+}  // namespace
+}  // namespace flarebox::testing
