@@ -12,6 +12,7 @@ namespace {
 
 constexpr const char* trackingMessage =
     "Advertising tracking may be disabled. Please turn off the 'Limit Ad Tracking' from Settings -> Privacy -> Advertising.";
+constexpr std::size_t longestErrorLine = 48;
 constexpr const char* requestErrorMessage = "Something went wrong";
 constexpr const char* networkErrorMessage = "You have no internet connection";
 
@@ -163,6 +164,8 @@ void FlareboxView::showErrorMessage(std::string_view message) {
     showLoadingView(false);
     lbErrorMessage_->setHidden(false);
     lbErrorMessage_->setText(message);
+    // What would have to shrink too much to stay readable wraps instead.
+    lbErrorMessage_->setNumberOfLines(message.size() > longestErrorLine ? 0 : 1);
 }
 
 void FlareboxView::hideErrorMessage() {

@@ -1,4 +1,5 @@
 #include <Flarebox/Views/Shades.h>
+#include <Foundation/Values.h>
 
 namespace flarebox {
 namespace {
@@ -27,12 +28,22 @@ void PanelShadowView::drawRect(Canvas& canvas, const CGRect& bounds) {
 }
 
 const ClassInfo& ListFadeView::staticClass() {
-    static const ClassInfo info("ListFadeView", &UIView::staticClass(), createObject<ListFadeView>);
+    static const Property properties[] = {
+        {"atRightEnd", "TB", [](const NSObject& view) { return Value(static_cast<const ListFadeView&>(view).atRightEnd()); },
+         [](NSObject& view, const Value& value) { static_cast<ListFadeView&>(view).setAtRightEnd(value.as<NSNumber>().boolValue()); }},
+    };
+    static const ClassInfo info("ListFadeView", &UIView::staticClass(), createObject<ListFadeView>, {.properties = properties});
     return info;
 }
 
+void ListFadeView::setAtRightEnd(bool atRightEnd) {
+    atRightEnd_ = atRightEnd;
+    setNeedsDisplay();
+}
+
 void ListFadeView::drawRect(Canvas& canvas, const CGRect& bounds) {
-    canvas.fillGradient(bounds, panelColor, panelColor.withAlpha(0), true);
+    const UIColor clear = panelColor.withAlpha(0);
+    canvas.fillGradient(bounds, atRightEnd_ ? clear : panelColor, atRightEnd_ ? panelColor : clear, true);
 }
 
 }  // namespace flarebox

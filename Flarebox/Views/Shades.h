@@ -12,12 +12,19 @@ public:
     bool drawsContent() const override { return true; }
 };
 
-/// The edge into which a scrolled list fades, at its left end.
+/// The edge into which a list fades, at its left end, or at its right one.
+///
+/// Set by layout files: `atRightEnd`.
 class ListFadeView : public UIView {
     FLAREBOX_CLASS(ListFadeView)
 public:
+    bool atRightEnd() const { return atRightEnd_; }
+    void setAtRightEnd(bool atRightEnd);
     void drawRect(Canvas& canvas, const CGRect& bounds) override;
     bool drawsContent() const override { return true; }
+
+private:
+    bool atRightEnd_ = false;
 };
 
 }  // namespace flarebox

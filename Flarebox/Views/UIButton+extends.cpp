@@ -3,19 +3,17 @@
 namespace flarebox {
 namespace {
 
-void setAvailable(UIButton& button, bool available) {
-    const UIColor color = available ? UIColor::whiteColor() : UIColor::lightGrayColor();
+void setLook(UIButton& button, bool isEnabled, const UIColor& color) {
     button.setAlpha(1);
-    button.setEnabled(available);
-    button.setTitleColor(color, UIControlState::Normal);
+    button.setEnabled(isEnabled);
+    button.setTitleColor(color, UIControlStateNormal);
     button.setTintColor(color);
     button.layer().setBorderColor(color);
 }
 
 }  // namespace
 
-void enable(UIButton& button) { setAvailable(button, true); }
-
-void disable(UIButton& button) { setAvailable(button, false); }
+void enable(UIButton& button) { setLook(button, true, UIColor::whiteColor()); }
+void disable(UIButton& button) { setLook(button, false, UIColor::lightGrayColor()); }
 
 }  // namespace flarebox

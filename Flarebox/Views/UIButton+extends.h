@@ -4,9 +4,8 @@
 
 namespace flarebox {
 
-/// Lets the button take taps, in white.
+/// The uniform look of the action buttons: white and ready to press, or light grey and not. Both are fully opaque.
 void enable(UIButton& button);
-/// Stops the button from taking taps. It stays fully opaque and is told by its light grey title, tint and border.
 void disable(UIButton& button);
 
 }  // namespace flarebox

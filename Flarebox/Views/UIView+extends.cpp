@@ -3,13 +3,6 @@
 #include <vector>
 
 namespace flarebox {
-namespace {
-
-using Constraints = std::vector<Ref<NSLayoutConstraint>>;
-
-Constraints snapshot(const UIView& view) { return {view.constraints().begin(), view.constraints().end()}; }
-
-}  // namespace
 
 void addToParent(UIView& view, UIView& parent) {
     using enum NSLayoutAttribute;
@@ -24,11 +17,12 @@ void addToParent(UIView& view, UIView& parent) {
 
 void removeAllConstraints(UIView& view) {
     for (UIView* ancestor = view.superview(); ancestor; ancestor = ancestor->superview()) {
-        for (const auto& constraint : snapshot(*ancestor)) {
+        const std::vector<Ref<NSLayoutConstraint>> held(ancestor->constraints().begin(), ancestor->constraints().end());
+        for (const auto& constraint : held) {
             if (constraint->firstItem() == &view || constraint->secondItem() == &view) ancestor->removeConstraint(*constraint);
         }
     }
-    view.removeConstraints(snapshot(view));
+    view.removeConstraints(view.constraints());
 }
 
 }  // namespace flarebox

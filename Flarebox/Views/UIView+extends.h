@@ -4,12 +4,11 @@
 
 namespace flarebox {
 
-/// Puts the view on top of the parent's sub-views and binds its four edges to the parent's, so that it fills the parent and follows its
-/// size. Removes nothing first: attaching twice doubles the constraints. Main thread.
+/// Puts the view on top of the parent's sub-views and binds its four edges to the parent's by constraints that the parent holds.
+/// Nothing is removed first: attaching a view twice doubles its constraints.
 void addToParent(UIView& view, UIView& parent);
 
-/// Removes every constraint that the view takes part in, from all of its ancestors and from itself. The view stays where it is in
-/// the tree; constraints between other views are left alone. Main thread.
+/// Removes the view's own constraints and, from every view above it, those that name it. It keeps its place in the tree.
 void removeAllConstraints(UIView& view);
 
 }  // namespace flarebox

@@ -1,4 +1,5 @@
 #include <AdSupport/ASIdentifierManager.h>
+#include <Foundation/MainQueue.h>
 #include <Foundation/NSUserDefaults.h>
 
 #include <gtest/gtest.h>
@@ -15,6 +16,7 @@ protected:
         manager.setAdvertisingIdentifier({});
         manager.setAdvertisingTrackingEnabled({});
         defaults.setFile("");
+        MainQueue::shared().removeAll();
     }
 
     testing::TemporaryDirectory folder;

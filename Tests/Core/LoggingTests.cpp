@@ -59,7 +59,7 @@ TEST(Logging, FormatsAnyArgumentsSafely) {
         {"none", {1, 2}, "none"},
         {"%@", {"%s%n%@"}, "%s%n%@"},
         // What is no conversion stays as it stands.
-        {"%n %* %k % %", {1}, "%n %* %k % %"},
+        {"%n %* %k %", {1}, "%n %* %k %"},
         {"%99999999d", {1}, std::string(511, ' ') + "1"},
         {"%.99999999f", {0.5}, "0.5" + std::string(511, '0')},
         {"%f", {std::numeric_limits<double>::max()}, std::to_string(std::numeric_limits<double>::max())},
