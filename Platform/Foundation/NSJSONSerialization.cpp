@@ -186,6 +186,8 @@ bool Writer::dictionary(const NSDictionary& dictionary) {
 
 Value NSJSONSerialization::JSONObjectWithText(std::string_view text, NSJSONReadingOptions options,
                                               Ref<NSError>* error) {
+    constexpr std::string_view byteOrderMark = "\xef\xbb\xbf";
+    if (text.starts_with(byteOrderMark)) text.remove_prefix(byteOrderMark.size());
     detail::JSONDecoding decoding =
         detail::decodeJSON(text, (options & NSJSONReadingAllowFragments) != 0, maximumDepth);
     if (!decoding.value && error) {

@@ -59,6 +59,8 @@ public:
     void setHTTPMethod(std::string method) { HTTPMethod_ = std::move(method); }
     /// Replaces the field of that name, whatever its case; an absent value removes it. Name and value are checked when
     /// the request is sent: one that holds a line break or another character that no field can hold is never sent.
+    /// Fields that frame the message (Content-Length, Transfer-Encoding, Connection, Upgrade) are left to the
+    /// transport.
     void setValueForHTTPHeaderField(const NSString& value, std::string_view field);
     void setHTTPBody(NSData body) { HTTPBody_ = std::move(body); }
     void setTimeoutInterval(double seconds) { timeoutInterval_ = seconds; }

@@ -152,7 +152,7 @@ TEST(JsonTests, DamagedDocumentsNeverDoHarm) {
     const std::string original = std::string("[") + sample + "," + sample + "]";
     const std::string_view pieces = "{}[]\",:\\u0123456789eE+-. truefalsnl\n\xc3\xff";
     int accepted = 0;
-    for (int round = 0; round < 20000; ++round) {
+    for (int round = 0; round < 6000; ++round) {
         std::string text = original;
         for (int change = 0; change < 1 + round % 3; ++change) {
             const std::size_t at = random() % text.size();
@@ -172,7 +172,7 @@ TEST(JsonTests, DamagedDocumentsNeverDoHarm) {
         // Whatever was accepted says the same when written and read again.
         ASSERT_EQ(decode(encode(value)), value) << text;
     }
-    EXPECT_GT(accepted, 100);
+    EXPECT_GT(accepted, 50);
 }
 
 TEST(JsonTests, TheLastOfEqualKeysWinsAtThePlaceOfTheFirst) {

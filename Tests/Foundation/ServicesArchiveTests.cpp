@@ -154,6 +154,7 @@ std::string object(const std::string& name, const std::string& values = "<dict/>
 }
 
 TEST(KeyedArchive, RefusesDamagedAndHostileArchives) {
+    ASSERT_TRUE(Node::staticClass().create() && Stranger::staticClass().create());  // known by name from here on
     const std::string index = "<key>index</key><integer>0</integer>";
     const std::string values = "<key>values</key>";
     std::string deep = "<true/>";

@@ -45,14 +45,13 @@ public:
     void observeValueForKeyPath(std::string_view keyPath, NSObject&, const NSKeyValueChange& change,
                                 void* context) override {
         journal_ += name_;
-        journal_ +=
-            ":" + std::string(keyPath) + " " + change.oldValue.description() + ">" + change.newValue.description();
-        journal_ += context ? "* " : " ";
+        journal_.append(":").append(keyPath).append(" ").append(change.oldValue.description());
+        journal_.append(">").append(change.newValue.description()).append(context ? "* " : " ");
         if (auto now = reaction) now();
     }
     void hear(NSNotification* notification) {
         journal_ += name_;
-        journal_ += ":" + notification->name() + " ";
+        journal_.append(":").append(notification->name()).append(" ");
         if (auto now = reaction) now();
     }
 

@@ -45,7 +45,10 @@ const ClassInfo& Counter::staticClass() {
 
 class ServicesTime : public ::testing::Test {
 protected:
-    ServicesTime() { Clock::setCurrent(&clock); }
+    ServicesTime() {
+        MainQueue::shared().removeAll();
+        Clock::setCurrent(&clock);
+    }
     ~ServicesTime() override {
         MainQueue::shared().removeAll();
         Clock::setCurrent(nullptr);
