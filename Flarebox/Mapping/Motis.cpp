@@ -2,6 +2,7 @@
 
 #include <Flarebox/Mapping/MotisPlan.h>
 #include <Foundation/Immortal.h>
+#include <Foundation/Storage.h>
 
 namespace flarebox {
 
@@ -44,9 +45,11 @@ void MotisObject::mts_setValuesForKeysWithDictionary(const NSDictionary& diction
     const MotisPlan& plan = classInfo().plan();
     // A hook may change the dictionary, when it is a mutable one, or let go of it.
     const NSDictionary entries = dictionary.copy();
+    if (!document_ && detail::ValueAccess::isInDocument(entries)) document_ = entries;
     for (const auto& [key, value] : entries.entries()) {
-        if (const auto text = key.as<NSString>())
-            setEntry(plan, text.text(), value);
+        // Read in place: a handle to each key would cost as much as all the rest.
+        if (key.kind() == Value::Kind::String)
+            setEntry(plan, detail::ValueAccess::text(key), value);
         else
             mts_ignoredSetValueForUndefinedMappingKey(value, key.description());
     }
@@ -54,8 +57,15 @@ void MotisObject::mts_setValuesForKeysWithDictionary(const NSDictionary& diction
 
 void MotisObject::setEntry(const MotisPlan& plan, std::string_view key, const Value& value) {
     const KeyPlan* known = plan.key(key);
-    if (known && known->isPlain()) return assign(*known->property, value, key);
+    if (!known || !known->isPlain()) return setPaths(known, key, value);
+    const PropertyPlan& property = *known->property;
+    if (property.takesAsIs(value))
+        (this->*property.field).assignBorrowing(value, document_);
+    else
+        assign(property, value, key);
+}
 
+void MotisObject::setPaths(const KeyPlan* known, std::string_view key, const Value& value) {
     bool isSetDirectly = false;
     if (known && known->paths) {
         for (const MTSKeyPath& path : *known->paths) {
@@ -168,7 +178,8 @@ NSDictionary MotisObject::mts_dictionaryWithValuesForKeys(const NSArray& keys) c
     std::vector<NSDictionary::Entry> entries;
     entries.reserve(keys.count());
     for (const Value& key : keys) {
-        Value value = mts_valueForKey(key.as<NSString>().text());
+        const bool isText = key.kind() == Value::Kind::String;
+        Value value = isText ? mts_valueForKey(detail::ValueAccess::text(key)) : Value();
         entries.emplace_back(key, value ? std::move(value) : Value::null());
     }
     return NSDictionary::dictionaryWithEntries(std::move(entries));

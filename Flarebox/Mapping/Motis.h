@@ -13,6 +13,7 @@ namespace flarebox {
 
 class NSNumberFormatter;
 enum class ClassKind : std::uint8_t;
+struct KeyPlan;
 struct PropertyPlan;
 
 /// The common root of all model classes: fills an object from a JSON object, and reads it back.
@@ -87,6 +88,7 @@ public:
 
 private:
     void setEntry(const MotisPlan& plan, std::string_view key, const Value& value);
+    void setPaths(const KeyPlan* known, std::string_view key, const Value& value);
     void walkKeyPath(const MTSKeyPath& path, const Value& start);
     void assign(const PropertyPlan& property, const Value& incoming, std::string_view key);
     void store(const PropertyPlan& property, const Value& value);
@@ -96,6 +98,10 @@ private:
     bool convertText(ClassKind kind, Value& value) const;
     bool makeNestedObject(const PropertyPlan& property, const ClassInfo& cls, Value& value);
     void checkElements(const PropertyPlan& property, NSArray& array);
+
+    /// The decoded document that this object was first filled from, kept so that the values taken over from it need not
+    /// each count it. Goes after all fields of the subclasses.
+    Value document_;
 };
 
 /// The indented description of any value: that of a model object, or the plain description of everything else.

@@ -159,7 +159,8 @@ private:                                                                     \
 ///     };
 ///
 /// Types: NSString, NSNumber, NSDate, NSArray and the other value handles, mutable ones included; Value for "any
-/// object"; Ref<Class>; Declared<"Class<Protocol>">; and arithmetic types, which start at zero.
+/// object"; Ref<Class>; Declared<"Class<Protocol>">; and arithmetic types, which start at zero
+/// and go back to it when an absent value is assigned.
 ///
 /// The class may further define, as public static members, `mts_mapping()` (in place of the keys of the lines),
 /// `mts_valueMappingForKey(property)`, `mts_arrayClassMapping()`, `mts_shouldSetUndefinedKeys()`,

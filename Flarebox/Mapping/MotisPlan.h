@@ -32,7 +32,7 @@ struct PropertyPlan {
 
     /// Whether a value is assigned unchanged, with no hook, translation or conversion in between.
     bool takesAsIs(const Value& value) const {
-        return field && (value.kind() == fittingKind || value.isAbsent() || takesAnything);
+        return field && (value.kind() == fittingKind || value.isAbsent() || (takesAnything && !value.isNull()));
     }
 };
 

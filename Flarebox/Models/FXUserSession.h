@@ -4,7 +4,8 @@
 
 namespace flarebox {
 
-/// The player's data, which the host hands to the configuration and which opens a game session. Every field may be left out.
+/// The player's data, which the host hands to the configuration and which opens a game session. Every field may be left
+/// out.
 class FXUserSession : public FXBaseObject {
     // clang-format off
     FX_RECORD(FXUserSession, FXBaseObject,

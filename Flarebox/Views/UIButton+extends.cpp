@@ -6,7 +6,7 @@ namespace {
 void setLook(UIButton& button, bool isEnabled, const UIColor& color) {
     button.setAlpha(1);
     button.setEnabled(isEnabled);
-    button.setTitleColor(color, UIControlStateNormal);
+    button.setTitleColor(color, UIControlState::Normal);
     button.setTintColor(color);
     button.layer().setBorderColor(color);
 }

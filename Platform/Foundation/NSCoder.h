@@ -16,8 +16,8 @@ public:
     virtual Value decodeObjectForKey(std::string_view key) = 0;
 };
 
-/// What a class inherits besides NSObject so that its objects can be archived. Its ClassInfo needs a factory, and has to
-/// exist (`staticClass()` has been called) before an archive that names the class is read.
+/// What a class inherits besides NSObject so that its objects can be archived. Its ClassInfo needs a factory, and has
+/// to exist (`staticClass()` has been called) before an archive that names the class is read.
 class NSCoding {
 public:
     virtual ~NSCoding() = default;

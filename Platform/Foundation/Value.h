@@ -120,8 +120,6 @@ public:
     /// for as long as this handle: one count for a whole record instead of one for each of its values. Copies made of
     /// this handle count again. Where the two share no document this is a plain assignment.
     void assignBorrowing(const Value& element, const Value& owner) noexcept;
-    /// Whether this is part of a decoded document, whose memory all handles to its parts share.
-    bool isInDocument() const noexcept { return holding_ == Holding::Document || holding_ == Holding::Borrowed; }
 
     Kind kind() const noexcept { return kind_; }
     bool isAbsent() const noexcept { return kind_ == Kind::Absent; }
@@ -198,6 +196,7 @@ protected:
     std::uint32_t extra_ = 0;
 
 private:
+    bool isInDocument() const noexcept { return holding_ == Holding::Document || holding_ == Holding::Borrowed; }
     void retain() noexcept {
         if (holding_ == Holding::Object) return detail::retain(payload_.object);
         payload_.storage->retain();

@@ -58,6 +58,7 @@ void NSURLSessionDataTask::enterFlight() {
 }
 
 void NSURLSessionDataTask::resume() {
+    if (!isMainThread()) return dispatch_async_main([self = Ref<NSURLSessionDataTask>(this)] { self->resume(); });
     if (state_ != NSURLSessionTaskStateSuspended) return;
     state_ = NSURLSessionTaskStateRunning;
     enterFlight();
@@ -70,6 +71,7 @@ void NSURLSessionDataTask::resume() {
 }
 
 void NSURLSessionDataTask::cancel() {
+    if (!isMainThread()) return dispatch_async_main([self = Ref<NSURLSessionDataTask>(this)] { self->cancel(); });
     if (state_ == NSURLSessionTaskStateSuspended)
         enterFlight();
     else if (state_ != NSURLSessionTaskStateRunning)

@@ -21,7 +21,8 @@ enum NSURLSessionTaskState : int {
 };
 
 /// One request and what becomes of it. Made by a session manager; lives, once resumed, until its completion has been
-/// called, whoever else holds it. Main thread only.
+/// called, whoever else holds it. Main thread; `resume` and `cancel` called elsewhere take effect there at its next
+/// turn.
 class NSURLSessionDataTask : public NSObject {
     FLAREBOX_CLASS(NSURLSessionDataTask)
 public:

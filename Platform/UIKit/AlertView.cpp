@@ -11,21 +11,26 @@ namespace {
 
 constexpr UIColor dimming = UIColor::rgb(0x000000, 0.55F), panelColor = UIColor::rgb(0x1E222A),
                   hairlineColor = UIColor::rgb(0xFFFFFF, 0.08F), pressedColor = UIColor::rgb(0xFFFFFF, 0.06F),
-                  textColor = UIColor::rgb(0xF4F6F8), secondaryColor = UIColor::rgb(0xA9B1BD), accentColor = UIColor::rgb(0xFF6A3D),
-                  destructiveColor = UIColor::rgb(0xFF8A80);
+                  textColor = UIColor::rgb(0xF4F6F8), secondaryColor = UIColor::rgb(0xA9B1BD),
+                  accentColor = UIColor::rgb(0xFF6A3D), destructiveColor = UIColor::rgb(0xFF8A80);
 
 // Points on a small screen; larger screens get a little more of everything.
-constexpr CGFloat panelWidth = 270, screenMargin = 16, padding = 18, textSpacing = 6, buttonHeight = 44, cornerRadius = 14,
-                  titleSize = 17, messageSize = 13, buttonSize = 16;
+constexpr CGFloat panelWidth = 270, screenMargin = 16, padding = 18, textSpacing = 6, buttonHeight = 44,
+                  cornerRadius = 14, titleSize = 17, messageSize = 13, buttonSize = 16;
 constexpr CGFloat referenceSide = 640, largestScale = 1.4;
 
-CGFloat scaleFor(CGSize screen) { return std::clamp(std::min(screen.width, screen.height) / referenceSide, 1.0, largestScale); }
+CGFloat scaleFor(CGSize screen) {
+    return std::clamp(std::min(screen.width, screen.height) / referenceSide, 1.0, largestScale);
+}
 
 UIColor titleColor(UIAlertActionStyle style) {
     switch (style) {
-        case UIAlertActionStyle::Default: return accentColor;
-        case UIAlertActionStyle::Cancel: return textColor;
-        case UIAlertActionStyle::Destructive: return destructiveColor;
+        case UIAlertActionStyle::Default:
+            return accentColor;
+        case UIAlertActionStyle::Cancel:
+            return textColor;
+        case UIAlertActionStyle::Destructive:
+            return destructiveColor;
     }
     return textColor;
 }
@@ -99,7 +104,8 @@ void AlertView::layoutSubviews() {
     const CGFloat heightLeft = screen.height - 2 * screenMargin - rows * buttonHeight * scale;
     const CGFloat height = layoutButtons(width, layoutTexts(width, heightLeft, scale), scale);
     // On whole points, so that hairlines stay sharp.
-    panel_->setFrame({{std::round((screen.width - width) / 2), std::round((screen.height - height) / 2)}, {width, height}});
+    panel_->setFrame(
+        {{std::round((screen.width - width) / 2), std::round((screen.height - height) / 2)}, {width, height}});
     panel_->layer().setCornerRadius(cornerRadius * scale);
 }
 

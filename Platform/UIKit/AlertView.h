@@ -11,7 +11,8 @@ class UIAlertController;
 class UIButton;
 class UILabel;
 
-/// What an alert shows: everything behind it dimmed, a panel with title, message and buttons in the middle. Main thread.
+/// What an alert shows: everything behind it dimmed, a panel with title, message and buttons in the middle. Main
+/// thread.
 class AlertView : public UIView {
     FLAREBOX_CLASS(AlertView)
 public:

@@ -18,9 +18,13 @@ CADisplayLink::CADisplayLink(std::function<void(double now)> callback) : callbac
     activeLinks().push_back(this);
 }
 
-CADisplayLink::~CADisplayLink() { std::erase(activeLinks(), this); }
+CADisplayLink::~CADisplayLink() {
+    std::erase(activeLinks(), this);
+}
 
-bool CADisplayLink::isAnyActive() { return !activeLinks().empty(); }
+bool CADisplayLink::isAnyActive() {
+    return !activeLinks().empty();
+}
 
 void CADisplayLink::runFrame(double now) {
     const std::vector<CADisplayLink*> links = activeLinks();

@@ -211,7 +211,7 @@ bool ConstraintSolver::keepsFeasible(SymbolId symbol, double value) const {
 /// contradicts those that stop it.
 bool ConstraintSolver::insertWithArtificial(Row& row, ConstraintId id, Conflict& conflict) {
     const SymbolId artificial = newSymbol(Kind::Slack, id);
-    addTerm(row.terms, artificial, row.constant > 0 ? 1 : -1);
+    addTerm(row.terms, artificial, row.constant > 0 ? -1 : 1);
     solveFor(row, artificial);
     objectives_.insert(objectives_.begin(), Objective{forbidden, row.terms});
     install(row);

@@ -37,7 +37,7 @@ Header readJPEG(ByteReader bytes) {
         if (isStartOfFrame(marker)) {
             bytes.skip(1);
             const std::int64_t height = bytes.bigEndian(2), width = bytes.bigEndian(2);
-            return checked(bytes, {ImageFormat::JPEG, width, height});
+            return checked(bytes, {ImageFormat::JPEG, width, height, bytes.byte() == 4});
         }
         if (length < 2) return std::nullopt;
         bytes.skip(length - 2);

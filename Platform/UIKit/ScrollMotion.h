@@ -4,7 +4,8 @@
 
 namespace flarebox {
 
-/// How one coordinate of a content offset moves by itself: a function of the time since it began, the same at every frame rate.
+/// How one coordinate of a content offset moves by itself: a function of the time since it began, the same at every
+/// frame rate.
 class ScrollMotion {
 public:
     /// The ends of the content; `minimum` is not larger than `maximum`.
@@ -29,8 +30,8 @@ public:
     /// Where it comes to rest.
     CGFloat target() const { return target_; }
 
-    /// What is shown when a finger drags the content to `position`, `extent` being the size of what is visible: beyond the
-    /// ends it follows ever more slowly.
+    /// What is shown when a finger drags the content to `position`, `extent` being the size of what is visible: beyond
+    /// the ends it follows ever more slowly.
     static CGFloat rubberBanded(CGFloat position, Range range, CGFloat extent);
     /// The inverse: where the finger is for what is shown.
     static CGFloat unrubberBanded(CGFloat position, Range range, CGFloat extent);

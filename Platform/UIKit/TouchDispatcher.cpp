@@ -152,7 +152,8 @@ InputResult TouchDispatcher::hovered(CGPoint point) {
         return held->second ? InputResult::Consumed : InputResult::Ignored;
     }
     std::vector<Weak<UIView>> views;
-    for (UIView* view = window_.hitTest(point); view && view != &window_; view = view->superview()) views.emplace_back(view);
+    for (UIView* view = window_.hitTest(point); view && view != &window_; view = view->superview())
+        views.emplace_back(view);
     const bool isOver = !views.empty();
     hoverOver(std::move(views));
     return isOver ? InputResult::Consumed : InputResult::Ignored;

@@ -33,7 +33,9 @@ Ref<UIAlertController> UIAlertController::alertControllerWithTitle(const NSStrin
     return alert;
 }
 
-Ref<UIView> UIAlertController::loadView() { return make<AlertView>(*this); }
+Ref<UIView> UIAlertController::loadView() {
+    return make<AlertView>(*this);
+}
 
 void UIAlertController::viewWillAppear(bool animated) {
     UIViewController::viewWillAppear(animated);
@@ -45,8 +47,10 @@ bool UIAlertController::keyDown(std::string_view name) {
     if (!isEscape && name != "return") return false;
     const auto wanted = isEscape ? UIAlertActionStyle::Cancel : UIAlertActionStyle::Default;
     const auto found = std::ranges::find(actions_, wanted, [](const auto& action) { return action->style(); });
-    if (found != actions_.end()) choose(**found);
-    else if (actions_.size() == 1) choose(*actions_.front());
+    if (found != actions_.end())
+        choose(**found);
+    else if (actions_.size() == 1)
+        choose(*actions_.front());
     return true;
 }
 

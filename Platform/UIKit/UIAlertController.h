@@ -29,8 +29,8 @@ private:
     Handler handler_;
 };
 
-/// A message with buttons in the middle of the window, over everything else. Escape stands for the cancel button, Return for
-/// the first default one. Both styles look the same. Main thread.
+/// A message with buttons in the middle of the window, over everything else. Escape stands for the cancel button,
+/// Return for the first default one. Both styles look the same. Main thread.
 class UIAlertController : public UIViewController {
     FLAREBOX_CLASS(UIAlertController)
 public:

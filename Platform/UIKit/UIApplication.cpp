@@ -14,18 +14,32 @@ UIApplication& UIApplication::sharedApplication() {
 
 UIApplication::UIApplication() : allowedSchemes_{"http", "https", "kestrin", "kestrindev", "app-prefs"} {}
 
-UIWindow* UIApplication::keyWindow() const { return delegate_ ? delegate_->window() : nullptr; }
+UIWindow* UIApplication::keyWindow() const {
+    return delegate_ ? delegate_->window() : nullptr;
+}
 
-bool UIApplication::isAllowed(const NSURL& url) const { return std::ranges::find(allowedSchemes_, url.scheme()) != allowedSchemes_.end(); }
+bool UIApplication::isAllowed(const NSURL& url) const {
+    return std::ranges::find(allowedSchemes_, url.scheme()) != allowedSchemes_.end();
+}
 
-bool UIApplication::canOpenURL(const NSURL& url) const { return isAllowed(url) && urlOpener().canOpenURL(url); }
+bool UIApplication::canOpenURL(const NSURL& url) const {
+    return isAllowed(url) && urlOpener().canOpenURL(url);
+}
 
-bool UIApplication::openURL(const NSURL& url) { return isAllowed(url) && urlOpener().openURL(url); }
+bool UIApplication::openURL(const NSURL& url) {
+    return isAllowed(url) && urlOpener().openURL(url);
+}
 
-void UIApplication::setAllowedSchemes(std::vector<std::string> schemes) { allowedSchemes_ = std::move(schemes); }
+void UIApplication::setAllowedSchemes(std::vector<std::string> schemes) {
+    allowedSchemes_ = std::move(schemes);
+}
 
-void UIApplication::setUrlOpener(std::shared_ptr<UrlOpener> opener) { opener_ = std::move(opener); }
+void UIApplication::setUrlOpener(std::shared_ptr<UrlOpener> opener) {
+    opener_ = std::move(opener);
+}
 
-UrlOpener& UIApplication::urlOpener() const { return opener_ ? *opener_ : desktopUrlOpener(); }
+UrlOpener& UIApplication::urlOpener() const {
+    return opener_ ? *opener_ : desktopUrlOpener();
+}
 
 }  // namespace flarebox

@@ -10,7 +10,8 @@ namespace flarebox {
 
 using Items = UICollectionViewLayout::Items;
 
-CGSize UICollectionViewDelegate::collectionViewLayoutSizeForItemAtIndexPath(UICollectionView& view, const NSIndexPath&) {
+CGSize UICollectionViewDelegate::collectionViewLayoutSizeForItemAtIndexPath(UICollectionView& view,
+                                                                            const NSIndexPath&) {
     return {view.bounds().height(), view.bounds().height()};
 }
 
@@ -19,7 +20,9 @@ const ClassInfo& UICollectionView::staticClass() {
     return info;
 }
 
-UICollectionView::UICollectionView() { setAlwaysBounceHorizontal(true); }
+UICollectionView::UICollectionView() {
+    setAlwaysBounceHorizontal(true);
+}
 UICollectionView::~UICollectionView() = default;
 
 UICollectionViewDelegate* UICollectionView::listDelegate() const {
@@ -67,12 +70,16 @@ Ref<UICollectionViewCell> UICollectionView::makeCell(std::string_view reuseIdent
         }
     }
     Ref<UICollectionViewCell> cell(objectCast<UICollectionViewCell>(object.get()));
-    if (cell) cell->reuseIdentifier_ = reuseIdentifier;
-    else std::fprintf(stderr, "UICollectionView: no cell for \"%.*s\"\n", static_cast<int>(reuseIdentifier.size()), reuseIdentifier.data());
+    if (cell)
+        cell->reuseIdentifier_ = reuseIdentifier;
+    else
+        std::fprintf(stderr, "UICollectionView: no cell for \"%.*s\"\n", static_cast<int>(reuseIdentifier.size()),
+                     reuseIdentifier.data());
     return cell;
 }
 
-Ref<UICollectionViewCell> UICollectionView::dequeueReusableCell(std::string_view reuseIdentifier, const NSIndexPath& path) {
+Ref<UICollectionViewCell> UICollectionView::dequeueReusableCell(std::string_view reuseIdentifier,
+                                                                const NSIndexPath& path) {
     Ref<UICollectionViewCell> cell;
     if (const auto pool = reusable_.find(reuseIdentifier); pool != reusable_.end() && !pool->second.empty()) {
         cell = pool->second.back();
@@ -116,8 +123,10 @@ void UICollectionView::readItems() {
         if (!delegate) return CGSize{bounds().height(), bounds().height()};
         return delegate->collectionViewLayoutSizeForItemAtIndexPath(*this, {0, item});
     };
-    if (count > 0 && delegate && delegate->collectionViewItemsHaveOwnSizes(*this)) layout_.setItems(count, sizeOf);
-    else layout_.setItems(count, count > 0 ? sizeOf(0) : CGSize{});
+    if (count > 0 && delegate && delegate->collectionViewItemsHaveOwnSizes(*this))
+        layout_.setItems(count, sizeOf);
+    else
+        layout_.setItems(count, count > 0 ? sizeOf(0) : CGSize{});
     laidOutSize_ = bounds().size;
 
     const CGSize former = contentSize();
@@ -145,7 +154,9 @@ void UICollectionView::layoutSubviews() {
     updateVisibleCells();
 }
 
-void UICollectionView::contentOffsetDidChange() { updateVisibleCells(); }
+void UICollectionView::contentOffsetDidChange() {
+    updateVisibleCells();
+}
 
 void UICollectionView::updateVisibleCells() {
     // With a reload pending the data source may know fewer items than this list does.
@@ -176,7 +187,8 @@ void UICollectionView::showItems(Items items) {
     }
 }
 
-void UICollectionView::performBatchUpdates(const std::function<void()>& updates, std::function<void(bool finished)> completion) {
+void UICollectionView::performBatchUpdates(const std::function<void()>& updates,
+                                           std::function<void(bool finished)> completion) {
     if (updates) updates();
     setNeedsLayout();
     dispatch_async_main([self = Ref<UICollectionView>(this), after = std::move(completion)] {
@@ -207,13 +219,22 @@ void UICollectionView::scrollToItemAtIndexPath(const NSIndexPath& path, ScrollPo
     CGPoint offset = contentOffset();
     switch (position) {
         case ScrollPosition::None:
-            if (item.maxX() > bounds().maxX()) offset.x = atRight;
-            else if (item.minX() < bounds().minX()) offset.x = atLeft;
-            else if (offset.x <= maximumContentOffset().x) return;
+            if (item.maxX() > bounds().maxX())
+                offset.x = atRight;
+            else if (item.minX() < bounds().minX())
+                offset.x = atLeft;
+            else if (offset.x <= maximumContentOffset().x)
+                return;
             break;
-        case ScrollPosition::Left: offset.x = atLeft; break;
-        case ScrollPosition::CenteredHorizontally: offset.x = item.midX() - bounds().width() / 2; break;
-        case ScrollPosition::Right: offset.x = atRight; break;
+        case ScrollPosition::Left:
+            offset.x = atLeft;
+            break;
+        case ScrollPosition::CenteredHorizontally:
+            offset.x = item.midX() - bounds().width() / 2;
+            break;
+        case ScrollPosition::Right:
+            offset.x = atRight;
+            break;
     }
     offset.x = std::clamp(offset.x, 0.0, maximumContentOffset().x);
     setContentOffset(offset, animated);
@@ -238,7 +259,9 @@ void UICollectionView::setPressed(const Ref<UICollectionViewCell>& cell) {
     if (cell) cell->setHighlighted(true);
 }
 
-void UICollectionView::touchesBegan(UITouch& touch) { setPressed(cellUnder(touch, pressedItem_)); }
+void UICollectionView::touchesBegan(UITouch& touch) {
+    setPressed(cellUnder(touch, pressedItem_));
+}
 
 void UICollectionView::touchesMoved(UITouch&) {}
 
@@ -252,6 +275,8 @@ void UICollectionView::touchesEnded(UITouch& touch) {
     }
 }
 
-void UICollectionView::touchesCancelled(UITouch&) { setPressed(nullptr); }
+void UICollectionView::touchesCancelled(UITouch&) {
+    setPressed(nullptr);
+}
 
 }  // namespace flarebox

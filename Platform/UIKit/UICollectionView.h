@@ -21,15 +21,18 @@ class UICollectionViewDataSource {
 public:
     virtual ~UICollectionViewDataSource() = default;
     virtual std::size_t collectionViewNumberOfItemsInSection(UICollectionView& view, std::size_t section) = 0;
-    /// Takes a cell from `dequeueReusableCell` and fills it; the cell has its size already. A null leaves the place empty.
-    virtual Ref<UICollectionViewCell> collectionViewCellForItemAtIndexPath(UICollectionView& view, const NSIndexPath& path) = 0;
+    /// Takes a cell from `dequeueReusableCell` and fills it; the cell has its size already. A null leaves the place
+    /// empty.
+    virtual Ref<UICollectionViewCell> collectionViewCellForItemAtIndexPath(UICollectionView& view,
+                                                                           const NSIndexPath& path) = 0;
 };
 
 /// Told about a list, and asked for sizes. All operations are optional.
 class UICollectionViewDelegate : public UIScrollViewDelegate {
 public:
     virtual void collectionViewDidSelectItemAtIndexPath(UICollectionView&, const NSIndexPath&) {}
-    /// In points. Asked for the first item only, unless items have sizes of their own. Default: a square as high as the list.
+    /// In points. Asked for the first item only, unless items have sizes of their own. Default: a square as high as the
+    /// list.
     virtual CGSize collectionViewLayoutSizeForItemAtIndexPath(UICollectionView& view, const NSIndexPath& path);
     /// Whether each item has a size of its own; every one is then asked for whenever the list is laid out anew.
     virtual bool collectionViewItemsHaveOwnSizes(UICollectionView&) { return false; }
@@ -54,14 +57,14 @@ public:
     /// Where cells of that name come from: the first object of a layout file, or a class that can be made by name.
     void registerNib(const Ref<UINib>& nib, std::string_view reuseIdentifier);
     void registerClass(const ClassInfo& cellClass, std::string_view reuseIdentifier);
-    /// A cell that has left the list, or a new one, with the size of the item. Null, with a message on standard error, when
-    /// nothing is registered under the name or what is registered makes no cell.
+    /// A cell that has left the list, or a new one, with the size of the item. Null, with a message on standard error,
+    /// when nothing is registered under the name or what is registered makes no cell.
     Ref<UICollectionViewCell> dequeueReusableCell(std::string_view reuseIdentifier, const NSIndexPath& path);
 
     /// Everything the data source said is out of date; it is asked again at the next layout.
     void reloadData();
-    /// Runs `updates`, which may be null, then lays the list out at the next turn of the main queue and runs `completion`
-    /// there. `finished` is true.
+    /// Runs `updates`, which may be null, then lays the list out at the next turn of the main queue and runs
+    /// `completion` there. `finished` is true.
     void performBatchUpdates(const std::function<void()>& updates, std::function<void(bool finished)> completion);
 
     std::size_t numberOfItemsInSection(std::size_t section) const { return section == 0 ? layout_.count() : 0; }
@@ -69,8 +72,8 @@ public:
     std::vector<NSIndexPath> indexPathsForVisibleItems() const;
     /// Null when the item is not visible.
     Ref<UICollectionViewCell> cellForItemAtIndexPath(const NSIndexPath& path) const;
-    /// Where the content must lie for the item to be at that place; None moves no further than it must. Stays within the
-    /// content. An item that does not exist is ignored.
+    /// Where the content must lie for the item to be at that place; None moves no further than it must. Stays within
+    /// the content. An item that does not exist is ignored.
     enum class ScrollPosition : std::uint8_t { None, Left, CenteredHorizontally, Right };
     void scrollToItemAtIndexPath(const NSIndexPath& path, ScrollPosition position, bool animated);
 

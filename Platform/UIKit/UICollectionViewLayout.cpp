@@ -7,7 +7,9 @@ namespace flarebox {
 namespace {
 
 /// Less than a point is nothing that could be seen.
-CGSize usable(CGSize size) { return size.width < 1 || size.height < 1 ? CGSize{} : size; }
+CGSize usable(CGSize size) {
+    return size.width < 1 || size.height < 1 ? CGSize{} : size;
+}
 
 }  // namespace
 

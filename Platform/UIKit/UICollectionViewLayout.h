@@ -8,8 +8,8 @@
 
 namespace flarebox {
 
-/// Where the items of a list lie: side by side from left to right, centred vertically between the insets. Plain arithmetic, no views.
-/// For items of one size nothing costs more for more items.
+/// Where the items of a list lie: side by side from left to right, centred vertically between the insets. Plain
+/// arithmetic, no views. For items of one size nothing costs more for more items.
 class UICollectionViewLayout {
 public:
     struct Items {

@@ -17,7 +17,8 @@ utsname systemNames() {
     return names;
 }
 
-/// The value of a line `NAME=value` or `NAME="value"` of the file that describes the distribution; empty when there is none.
+/// The value of a line `NAME=value` or `NAME="value"` of the file that describes the distribution; empty when there is
+/// none.
 std::string distributionField(std::string_view name) {
     std::ifstream file("/etc/os-release");
     for (std::string line; std::getline(file, line);) {
@@ -48,13 +49,17 @@ void UIDevice::setOrientation(UIDeviceOrientation orientation) {
     NSNotificationCenter::defaultCenter().postNotificationName(UIDeviceOrientationDidChangeNotification);
 }
 
-NSString UIDevice::systemName() const { return systemNames().sysname; }
+NSString UIDevice::systemName() const {
+    return systemNames().sysname;
+}
 
 NSString UIDevice::systemVersion() const {
     static const std::string version = distributionField("VERSION_ID");
     return version.empty() ? NSString(systemNames().release) : NSString(version);
 }
 
-NSString UIDevice::model() const { return systemNames().machine; }
+NSString UIDevice::model() const {
+    return systemNames().machine;
+}
 
 }  // namespace flarebox

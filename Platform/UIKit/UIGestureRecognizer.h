@@ -9,14 +9,16 @@ namespace flarebox {
 
 class UITouch;
 
-/// Finds a movement in a touch that began in its view or below it. It sees the touch before the view does; the first recogniser
-/// of a touch to recognise something has it from then on: the view and all others lose it. Follows one touch at a time. Main thread.
+/// Finds a movement in a touch that began in its view or below it. It sees the touch before the view does; the first
+/// recogniser of a touch to recognise something has it from then on: the view and all others lose it. Follows one touch
+/// at a time. Main thread.
 class UIGestureRecognizer : public NSObject {
     FLAREBOX_CLASS(UIGestureRecognizer)
 public:
     enum class State : std::uint8_t { Possible, Recognized, Failed };
 
-    /// The target's listed action is performed, with the recogniser as sender, each time the movement is recognised. The target is held weakly.
+    /// The target's listed action is performed, with the recogniser as sender, each time the movement is recognised.
+    /// The target is held weakly.
     UIGestureRecognizer(NSObject* target, std::string_view action);
 
     State state() const { return state_; }

@@ -46,15 +46,31 @@ void UIHost::setScreen(CGSize size, CGFloat scale) {
     state_->mainWindow->setFrame(screen.bounds_);
 }
 
-void UIHost::setOrientation(UIDeviceOrientation orientation) { UIDevice::currentDevice().setOrientation(orientation); }
+void UIHost::setOrientation(UIDeviceOrientation orientation) {
+    UIDevice::currentDevice().setOrientation(orientation);
+}
 
-InputResult UIHost::pointerDown(int pointer, CGPoint point) { return state_->touches.down(pointer, point); }
-InputResult UIHost::pointerMoved(int pointer, CGPoint point) { return state_->touches.moved(pointer, point); }
-InputResult UIHost::pointerUp(int pointer, CGPoint point) { return state_->touches.up(pointer, point); }
-void UIHost::pointerCancelled(int pointer) { state_->touches.cancelled(pointer); }
-InputResult UIHost::pointerHovered(CGPoint point) { return state_->touches.hovered(point); }
-void UIHost::pointerLeft() { state_->touches.left(); }
-InputResult UIHost::scrolled(CGPoint point, CGFloat dx, CGFloat dy) { return state_->touches.scrolled(point, dx, dy); }
+InputResult UIHost::pointerDown(int pointer, CGPoint point) {
+    return state_->touches.down(pointer, point);
+}
+InputResult UIHost::pointerMoved(int pointer, CGPoint point) {
+    return state_->touches.moved(pointer, point);
+}
+InputResult UIHost::pointerUp(int pointer, CGPoint point) {
+    return state_->touches.up(pointer, point);
+}
+void UIHost::pointerCancelled(int pointer) {
+    state_->touches.cancelled(pointer);
+}
+InputResult UIHost::pointerHovered(CGPoint point) {
+    return state_->touches.hovered(point);
+}
+void UIHost::pointerLeft() {
+    state_->touches.left();
+}
+InputResult UIHost::scrolled(CGPoint point, CGFloat dx, CGFloat dy) {
+    return state_->touches.scrolled(point, dx, dy);
+}
 
 InputResult UIHost::keyDown(std::string_view name) {
     return state_->mainWindow->keyDown(name) ? InputResult::Consumed : InputResult::Ignored;
@@ -71,10 +87,16 @@ void UIHost::update(double budget) {
     if (needsDisplay()) state_->touches.refreshHover();
 }
 
-bool UIHost::needsDisplay() const { return state_->renderer.needsDisplay(); }
+bool UIHost::needsDisplay() const {
+    return state_->renderer.needsDisplay();
+}
 
-void UIHost::draw(Compositor& compositor) { state_->renderer.draw(compositor, UIScreen::mainScreen().scale()); }
+void UIHost::draw(Compositor& compositor) {
+    state_->renderer.draw(compositor, UIScreen::mainScreen().scale());
+}
 
-void UIHost::releaseTextures(Compositor& compositor) { state_->renderer.releaseTextures(compositor); }
+void UIHost::releaseTextures(Compositor& compositor) {
+    state_->renderer.releaseTextures(compositor);
+}
 
 }  // namespace flarebox

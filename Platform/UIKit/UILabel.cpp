@@ -1,6 +1,7 @@
 #include <UIKit/UILabel.h>
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 
 namespace flarebox {
@@ -9,6 +10,7 @@ namespace {
 constexpr CGFloat unlimited = std::numeric_limits<CGFloat>::infinity();
 // Of the font size.
 constexpr CGFloat iconSide = 1.1, iconGap = 0.4;
+constexpr CGFloat fittingStep = 0.25;
 
 CGFloat startOf(NSTextAlignment alignment, CGFloat room) {
     if (alignment == NSTextAlignment::Center) return room / 2;
@@ -103,7 +105,10 @@ TextStyle UILabel::fittedStyle(TextStyle style, CGFloat width) const {
     if (!adjustsFontSize_ || style.numberOfLines != 1 || !(width > 0)) return style;
     const CGFloat natural = measureText(text_.text(), style, unlimited).width;
     if (natural <= width) return style;
-    style.font = style.font.fontWithSize(style.font.pointSize() * std::max(minimumScale_, width / natural));
+    const CGFloat size = style.font.pointSize();
+    // In steps, because each size of a font takes memory of its own.
+    const CGFloat fitting = std::floor(size * width / natural / fittingStep) * fittingStep;
+    style.font = style.font.fontWithSize(std::max(size * minimumScale_, fitting));
     return style;
 }
 

@@ -40,8 +40,10 @@ struct UINib::File {
     static std::shared_ptr<const File> make(std::string name, const std::optional<std::string>& text) {
         auto file = std::make_shared<File>();
         file->name = std::move(name);
-        if (text) file->content = readLayoutFile(*text, file->problem);
-        else file->problem.text = "the file cannot be read";
+        if (text)
+            file->content = readLayoutFile(*text, file->problem);
+        else
+            file->problem.text = "the file cannot be read";
         return file;
     }
 
@@ -59,8 +61,10 @@ struct UINib::File {
     }
 
     const layout::LayoutBlueprint* prepared(LayoutProblem& what) const {
-        if (!content) what = problem;
-        else if (!blueprint) blueprint = layout::makeBlueprint(*content, what);
+        if (!content)
+            what = problem;
+        else if (!blueprint)
+            blueprint = layout::makeBlueprint(*content, what);
         return blueprint ? &*blueprint : nullptr;
     }
 };

@@ -14,8 +14,8 @@ class NSBundle;
 /// Domain of the errors of layout files; their descriptions name file and line.
 inline constexpr const char* UINibErrorDomain = "UINibErrorDomain";
 
-/// A layout file: the XML description of a tree of views, checked and made on demand. A file is read once a process. Main thread.
-/// Docs/LayoutFiles.md describes the format.
+/// A layout file: the XML description of a tree of views, checked and made on demand. A file is read once a process.
+/// Main thread. Docs/LayoutFiles.md describes the format.
 class UINib : public NSObject {
     FLAREBOX_CLASS(UINib)
 public:
@@ -25,9 +25,10 @@ public:
     static Ref<UINib> nibWithText(std::string_view text, std::string_view name);
     ~UINib() override;
 
-    /// Makes the file's views anew and answers its top-level objects, all outlets bound, all `awakeFromNib` called. Outlets and
-    /// actions belong to the first top-level object where its class has them, to the owner, which may be null, otherwise.
-    /// On any error the result is empty; the error goes to `error`, or to standard error when that is null.
+    /// Makes the file's views anew and answers its top-level objects, all outlets bound, all `awakeFromNib` called.
+    /// Outlets and actions belong to the first top-level object where its class has them, to the owner, which may be
+    /// null, otherwise. On any error the result is empty; the error goes to `error`, or to standard error when that is
+    /// null.
     std::vector<Ref<NSObject>> instantiateWithOwner(NSObject* owner, Ref<NSError>* error = nullptr) const;
 
 private:

@@ -109,11 +109,16 @@ UIScrollView::UIScrollView() : pan_(make<PanRecognizer>(*this)) {
 UIScrollView::~UIScrollView() = default;
 
 CGPoint UIScrollView::maximumContentOffset() const {
-    return {std::max(0.0, contentSize_.width - bounds().width()), std::max(0.0, contentSize_.height - bounds().height())};
+    return {std::max(0.0, contentSize_.width - bounds().width()),
+            std::max(0.0, contentSize_.height - bounds().height())};
 }
 
-bool UIScrollView::scrollsHorizontally() const { return alwaysBounceHorizontal_ || maximumContentOffset().x > 0; }
-bool UIScrollView::scrollsVertically() const { return alwaysBounceVertical_ || maximumContentOffset().y > 0; }
+bool UIScrollView::scrollsHorizontally() const {
+    return alwaysBounceHorizontal_ || maximumContentOffset().x > 0;
+}
+bool UIScrollView::scrollsVertically() const {
+    return alwaysBounceVertical_ || maximumContentOffset().y > 0;
+}
 
 void UIScrollView::moveTo(CGPoint offset) {
     if (offset == contentOffset()) return;

@@ -25,8 +25,8 @@ public:
     virtual void scrollViewDidEndDecelerating(UIScrollView&) {}
 };
 
-/// A window onto content larger than itself, moved by finger, mouse wheel or code. The content offset is the bounds' origin.
-/// Main thread.
+/// A window onto content larger than itself, moved by finger, mouse wheel or code. The content offset is the bounds'
+/// origin. Main thread.
 class UIScrollView : public UIView {
     FLAREBOX_CLASS(UIScrollView)
 public:
@@ -37,7 +37,8 @@ public:
     /// Leaves the offset as it is.
     void setContentSize(CGSize size) { contentSize_ = size; }
     CGPoint contentOffset() const { return bounds().origin; }
-    /// Moves the content at once, or over 0.3 seconds. An offset beyond the content's ends is kept as it is set. Ends any movement under way.
+    /// Moves the content at once, or over 0.3 seconds. An offset beyond the content's ends is kept as it is set. Ends
+    /// any movement under way.
     void setContentOffset(CGPoint offset, bool animated = false);
 
     bool isScrollEnabled() const { return scrollEnabled_; }

@@ -45,6 +45,8 @@ void UISwipeGestureRecognizer::touchesMoved(UITouch& touch) {
 }
 
 // The last stretch of a flick may arrive with the end of the touch alone.
-void UISwipeGestureRecognizer::touchesEnded(UITouch& touch) { touchesMoved(touch); }
+void UISwipeGestureRecognizer::touchesEnded(UITouch& touch) {
+    touchesMoved(touch);
+}
 
 }  // namespace flarebox

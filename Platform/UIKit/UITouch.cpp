@@ -11,7 +11,9 @@ const ClassInfo& UITouch::staticClass() {
 UITouch::UITouch(int pointer, UIView& view, CGPoint point, double timestamp)
     : view_(&view), point_(point), previousPoint_(point), timestamp_(timestamp), pointer_(pointer) {}
 
-UIView* UITouch::view() const { return view_.get(); }
+UIView* UITouch::view() const {
+    return view_.get();
+}
 
 CGPoint UITouch::locationInView(const UIView* view) const {
     return view ? convertPointFromScreen(point_, *view) : point_;

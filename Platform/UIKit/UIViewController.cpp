@@ -17,8 +17,8 @@ void fade(UIView& view, CGFloat from, CGFloat to, bool animated, std::function<v
         return;
     }
     view.setAlpha(from);
-    UIView::animateWithDuration(fadeDuration, [&] { view.setAlpha(to); },
-                                [after = std::move(then)](bool) { after(); });
+    UIView::animateWithDuration(
+        fadeDuration, [&] { view.setAlpha(to); }, [after = std::move(then)](bool) { after(); });
 }
 
 }  // namespace
@@ -44,7 +44,9 @@ UIView& UIViewController::view() {
     return *view_;
 }
 
-Ref<UIView> UIViewController::loadView() { return make<UIView>(); }
+Ref<UIView> UIViewController::loadView() {
+    return make<UIView>();
+}
 
 UIWindow* UIViewController::window() const {
     if (UIWindow* window = view_ ? view_->window() : nullptr) return window;
@@ -90,6 +92,8 @@ void UIViewController::viewWillAppear(bool) {}
 void UIViewController::viewDidAppear(bool) {}
 void UIViewController::viewWillDisappear(bool) {}
 void UIViewController::viewDidDisappear(bool) {}
-bool UIViewController::keyDown(std::string_view) { return false; }
+bool UIViewController::keyDown(std::string_view) {
+    return false;
+}
 
 }  // namespace flarebox

@@ -28,10 +28,13 @@ public:
     UIWindow* window() const;
 
     /// Shows the controller's view over everything in the window, which takes all input until it is dismissed. With
-    /// `animated` it fades in over 0.15 seconds. `completion`, which may be null, runs on the main queue once it is shown.
-    /// Nothing happens without a window, while this controller presents another, or when the other is shown already.
-    void presentViewController(const Ref<UIViewController>& controller, bool animated, std::function<void()> completion);
-    /// Dismisses what this controller presents, or itself when it is presented. `completion` runs on the main queue once it is gone.
+    /// `animated` it fades in over 0.15 seconds. `completion`, which may be null, runs on the main queue once it is
+    /// shown. Nothing happens without a window, while this controller presents another, or when the other is shown
+    /// already.
+    void presentViewController(const Ref<UIViewController>& controller, bool animated,
+                               std::function<void()> completion);
+    /// Dismisses what this controller presents, or itself when it is presented. `completion` runs on the main queue
+    /// once it is gone.
     void dismissViewController(bool animated, std::function<void()> completion);
     /// What is shown over this controller, or null.
     UIViewController* presentedViewController() const { return presented_.get(); }
@@ -43,13 +46,16 @@ public:
     virtual void viewDidAppear(bool animated);
     virtual void viewWillDisappear(bool animated);
     virtual void viewDidDisappear(bool animated);
-    /// A key pressed while this controller is presented, by its name: "escape", "return", …. Whether it was used; the game never sees it either way.
+    /// A key pressed while this controller is presented, by its name: "escape", "return", …. Whether it was used; the
+    /// game never sees it either way.
     virtual bool keyDown(std::string_view name);
 
 protected:
     /// Makes the view. The default makes a plain one.
     virtual Ref<UIView> loadView();
-    void setParentViewController(UIViewController& child, UIViewController* parent) { child.parent_ = Weak<UIViewController>(parent); }
+    void setParentViewController(UIViewController& child, UIViewController* parent) {
+        child.parent_ = Weak<UIViewController>(parent);
+    }
 
 private:
     void dismissPresented(bool animated, std::function<void()> completion);

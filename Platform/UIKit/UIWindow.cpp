@@ -29,7 +29,9 @@ UIWindow::~UIWindow() {
     rootViewController_ = nullptr;
 }
 
-UIWindow* UIWindow::window() const { return const_cast<UIWindow*>(this); }
+UIWindow* UIWindow::window() const {
+    return const_cast<UIWindow*>(this);
+}
 
 void UIWindow::setRootViewController(const Ref<UIViewController>& controller) {
     if (rootViewController_ == controller) return;

@@ -9,8 +9,8 @@
 
 namespace flarebox {
 
-/// The root of a view tree: transparent, as large as the screen, lying over the game's picture. It takes no touch itself, and
-/// neither do sub-views that show nothing: those belong to the game. Main thread.
+/// The root of a view tree: transparent, as large as the screen, lying over the game's picture. It takes no touch
+/// itself, and neither do sub-views that show nothing: those belong to the game. Main thread.
 class UIWindow : public UIView {
     FLAREBOX_CLASS(UIWindow)
 public:

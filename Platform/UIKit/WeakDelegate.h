@@ -4,8 +4,8 @@
 
 namespace flarebox {
 
-/// Somebody who is told things through an abstract class `T` and is not owned. When the delegate is an NSObject the field
-/// becomes null with its destruction; any other delegate has to be taken back before it goes.
+/// Somebody who is told things through an abstract class `T` and is not owned. When the delegate is an NSObject the
+/// field becomes null with its destruction; any other delegate has to be taken back before it goes.
 template <class T>
 class WeakDelegate {
 public:

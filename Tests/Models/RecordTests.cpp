@@ -3,6 +3,7 @@
 #include <Flarebox/Models/FXEngagementData.h>
 #include <Flarebox/Models/FXSessionInfo.h>
 #include <Flarebox/Models/FXUserSession.h>
+#include <Foundation/NSJSONSerialization.h>
 #include <Foundation/NSKeyedArchiver.h>
 
 #include <gtest/gtest.h>
@@ -276,6 +277,34 @@ TEST(AssetInfo, KeepsTruthValuesAndEveryDigit) {
     EXPECT_TRUE(asset->isGeneric() && !asset->isGeneric().boolValue());
     EXPECT_EQ(asset->_id().integerValue(), INT64_MAX);
     EXPECT_EQ(asset->title(), "18446744073709551615");
+}
+
+Value decoded(std::string_view json) {
+    return NSJSONSerialization::JSONObjectWithText(json, NSJSONReadingStrict, nullptr);
+}
+
+TEST(Records, OutliveWhatTheyWereDecodedFrom) {
+    Value answer = decoded(R"([{"title": "one", "description": "first", "unknown": 1}, {"title": "two", "id": 12}])");
+    auto first = FXAssetInfo::initWithDictionary(answer.as<NSArray>().objectAtIndex(0));
+    const auto second = FXAssetInfo::initWithDictionary(answer.as<NSArray>().objectAtIndex(1));
+    answer = nullptr;
+    EXPECT_EQ(first->title(), "one");
+    EXPECT_EQ(second->_id(), Value(12));
+
+    // Filled again from another answer, a record holds on to both.
+    first->mts_setValuesForKeysWithDictionary(decoded(R"({"title": "three", "uid": "u"})").as<NSDictionary>());
+    EXPECT_EQ(first->title(), "three");
+    EXPECT_EQ(first->uid(), "u");
+    EXPECT_EQ(first->_description(), "first");
+
+    // And what is taken out of a record outlives the record.
+    const NSString title = first->title();
+    const NSDictionary json = first->toDictionary();
+    const auto copy = first->copy();
+    first = nullptr;
+    EXPECT_EQ(title, "three");
+    EXPECT_EQ(json.objectForKey("description"), Value("first"));
+    EXPECT_EQ(copy->uid(), "u");
 }
 
 TEST(Coupon, IsDescribedByItsMapping) {

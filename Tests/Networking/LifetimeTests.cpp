@@ -130,6 +130,18 @@ TEST_F(LifetimeTest, ACopyOfTheRequestIsSent) {
     EXPECT_EQ(firstLine(server.requests().at(0)), "GET /first HTTP/1.1");
 }
 
+TEST_F(LifetimeTest, ATaskMayBeStartedAndCancelledFromAnyThread) {
+    ScriptedServer server([](Connection& connection) { connection.hang(); });
+    Outcome outcome;
+    auto task = manager_->dataTaskWithRequest(get(server.url()), outcome.recorder());
+    pumpFor(0);
+    std::thread([&] { task->resume(); }).join();
+    EXPECT_TRUE(pumpUntil([&] { return task->state() == NSURLSessionTaskStateRunning; }));
+    std::thread([&] { task->cancel(); }).join();
+    EXPECT_TRUE(pumpUntil([&] { return outcome.calls == 1; }));
+    EXPECT_EQ(outcome.code(), NSURLErrorCancelled);
+}
+
 TEST_F(LifetimeTest, CancellingGivesOneErrorWheneverItHappens) {
     ScriptedServer server(answering([](Connection& connection, const std::string& request) {
         if (firstLine(request).find("/hang") != std::string::npos)

@@ -34,6 +34,8 @@ TEST_F(WireTest, HeadersAreExactlyThoseOfTheCallerAndTheNecessaryOnes) {
 
     auto posting = serializer->requestWithMethod("POST", server_.url("/a/../b"), NSDictionary{{"limit", 20}});
     posting->setValueForHTTPHeaderField("", "Game-Version");
+    posting->setValueForHTTPHeaderField("5", "content-length");
+    posting->setValueForHTTPHeaderField("chunked", "Transfer-Encoding");
     load(posting);
     load(serializer->requestWithMethod("POST", server_.url("/none"), nullptr));
 

@@ -12,19 +12,22 @@ enum class Kind { Size, Horizontal, Vertical };
 Kind kindOf(NSLayoutAttribute attribute) {
     switch (attribute) {
         case NSLayoutAttribute::Width:
-        case NSLayoutAttribute::Height: return Kind::Size;
+        case NSLayoutAttribute::Height:
+            return Kind::Size;
         case NSLayoutAttribute::Top:
         case NSLayoutAttribute::Bottom:
-        case NSLayoutAttribute::CenterY: return Kind::Vertical;
-        default: return Kind::Horizontal;
+        case NSLayoutAttribute::CenterY:
+            return Kind::Vertical;
+        default:
+            return Kind::Horizontal;
     }
 }
 
 std::optional<NSLayoutAttribute> attributeNamed(std::string_view name) {
     using enum NSLayoutAttribute;
     static constexpr std::pair<std::string_view, NSLayoutAttribute> names[] = {
-        {"left", Left}, {"right", Right}, {"top", Top}, {"bottom", Bottom}, {"leading", Leading}, {"trailing", Trailing},
-        {"width", Width}, {"height", Height}, {"centerX", CenterX}, {"centerY", CenterY}};
+        {"left", Left},         {"right", Right}, {"top", Top},       {"bottom", Bottom},   {"leading", Leading},
+        {"trailing", Trailing}, {"width", Width}, {"height", Height}, {"centerX", CenterX}, {"centerY", CenterY}};
     return choice(name, names);
 }
 
@@ -70,7 +73,8 @@ private:
         const std::string_view name = dot == std::string_view::npos ? token_ : token_.substr(dot + 1);
         const auto attribute = attributeNamed(name);
         if (!attribute) {
-            fail(token_.empty() ? "the constraint ends too early" : "\"" + std::string(token_) + "\" names no attribute of a view");
+            fail(token_.empty() ? "the constraint ends too early"
+                                : "\"" + std::string(token_) + "\" names no attribute of a view");
             return false;
         }
         result = {std::string(dot == std::string_view::npos ? std::string_view() : token_.substr(0, dot)), *attribute};
@@ -80,7 +84,9 @@ private:
 
     bool relation(NSLayoutRelation& result) {
         static constexpr std::pair<std::string_view, NSLayoutRelation> relations[] = {
-            {"==", NSLayoutRelation::Equal}, {"<=", NSLayoutRelation::LessThanOrEqual}, {">=", NSLayoutRelation::GreaterThanOrEqual}};
+            {"==", NSLayoutRelation::Equal},
+            {"<=", NSLayoutRelation::LessThanOrEqual},
+            {">=", NSLayoutRelation::GreaterThanOrEqual}};
         const auto found = choice(token_, relations);
         if (!found) {
             fail("expected ==, <= or >=");
@@ -157,9 +163,12 @@ std::optional<std::vector<ConstraintExpression>> parsePin(std::string_view text,
         const std::string_view name = word.substr(0, colon);
         const auto inset = colon == std::string_view::npos ? CGFloat{0} : number(word.substr(colon + 1));
         std::vector<NSLayoutAttribute> attributes;
-        if (name == "edges") attributes = {Top, Leading, Bottom, Trailing};
-        else if (name == "center") attributes = {CenterX, CenterY};
-        else if (const auto attribute = attributeNamed(name); attribute && kindOf(*attribute) != Kind::Size) attributes = {*attribute};
+        if (name == "edges")
+            attributes = {Top, Leading, Bottom, Trailing};
+        else if (name == "center")
+            attributes = {CenterX, CenterY};
+        else if (const auto attribute = attributeNamed(name); attribute && kindOf(*attribute) != Kind::Size)
+            attributes = {*attribute};
         if (attributes.empty() || !inset) {
             problem = "\"" + std::string(word) + "\" pins nothing";
             return std::nullopt;

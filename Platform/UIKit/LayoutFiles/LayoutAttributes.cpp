@@ -34,7 +34,8 @@ ApplyAttribute applying(void (*set)(View&, Argument), const std::optional<T>& va
 }
 
 template <class View, class Argument, class T>
-ApplyAttribute applying(void (*set)(View&, Argument, UIControlState), const std::optional<T>& value, UIControlState state) {
+ApplyAttribute applying(void (*set)(View&, Argument, UIControlState), const std::optional<T>& value,
+                        UIControlState state) {
     if (!value) return nullptr;
     return [set, value = *value, state](UIView& view) { set(static_cast<View&>(view), value, state); };
 }
@@ -53,7 +54,9 @@ constexpr Entry attributeByState(std::string_view name) {
 
 // Values that only one kind of attribute has.
 
-std::optional<std::string> text(std::string_view value) { return std::string(value); }
+std::optional<std::string> text(std::string_view value) {
+    return std::string(value);
+}
 
 std::optional<const VectorIcon*> icon(std::string_view value) {
     const VectorIcon* found = VectorIcon::named(value);
@@ -115,7 +118,8 @@ std::optional<UIButtonBarEdge> barEdge(std::string_view value) {
 
 constexpr Entry viewAttributes[] = {
     attribute<boolean, [](UIView& view, bool value) { view.setHidden(value); }>("hidden"),
-    attribute<boolean, [](UIView& view, bool value) { view.setUserInteractionEnabled(value); }>("userInteractionEnabled"),
+    attribute<boolean, [](UIView& view, bool value) { view.setUserInteractionEnabled(value); }>(
+        "userInteractionEnabled"),
     attribute<boolean, [](UIView& view, bool value) { view.setClipsToBounds(value); }>("clipsToBounds"),
     attribute<share, [](UIView& view, CGFloat value) { view.setAlpha(value); }>("alpha"),
     attribute<color, [](UIView& view, const UIColor& value) { view.setBackgroundColor(value); }>("backgroundColor"),
@@ -126,16 +130,19 @@ constexpr Entry viewAttributes[] = {
     attribute<radii, [](UIView& view, const CornerRadii& value) { view.layer().setCornerRadii(value); }>("cornerRadii"),
     attribute<shadow, [](UIView& view, const CALayer::Shadow& value) { view.layer().setShadow(value); }>("shadow"),
     attribute<contentMode, [](UIView& view, UIViewContentMode value) { view.setContentMode(value); }>("contentMode"),
-    attribute<text, [](UIView& view, const std::string& value) { view.setAccessibilityIdentifier(value); }>("identifier"),
+    attribute<text, [](UIView& view, const std::string& value) { view.setAccessibilityIdentifier(value); }>(
+        "identifier"),
     attribute<rect, [](UIView& view, const CGRect& value) { view.setFrame(value); }>("frame"),
-    attribute<priorities, [](UIView& view, const std::array<UILayoutPriority, 2>& value) {
-        view.setContentHuggingPriority(value[0], UILayoutConstraintAxis::Horizontal);
-        view.setContentHuggingPriority(value[1], UILayoutConstraintAxis::Vertical);
-    }>("hugging"),
-    attribute<priorities, [](UIView& view, const std::array<UILayoutPriority, 2>& value) {
-        view.setContentCompressionResistancePriority(value[0], UILayoutConstraintAxis::Horizontal);
-        view.setContentCompressionResistancePriority(value[1], UILayoutConstraintAxis::Vertical);
-    }>("compressionResistance"),
+    attribute<priorities,
+              [](UIView& view, const std::array<UILayoutPriority, 2>& value) {
+                  view.setContentHuggingPriority(value[0], UILayoutConstraintAxis::Horizontal);
+                  view.setContentHuggingPriority(value[1], UILayoutConstraintAxis::Vertical);
+              }>("hugging"),
+    attribute<priorities,
+              [](UIView& view, const std::array<UILayoutPriority, 2>& value) {
+                  view.setContentCompressionResistancePriority(value[0], UILayoutConstraintAxis::Horizontal);
+                  view.setContentCompressionResistancePriority(value[1], UILayoutConstraintAxis::Vertical);
+              }>("compressionResistance"),
 };
 
 constexpr Entry labelAttributes[] = {
@@ -144,8 +151,10 @@ constexpr Entry labelAttributes[] = {
     attribute<color, [](UILabel& label, const UIColor& value) { label.setTextColor(value); }>("textColor"),
     attribute<alignment, [](UILabel& label, NSTextAlignment value) { label.setTextAlignment(value); }>("textAlignment"),
     attribute<wholeNumber, [](UILabel& label, int value) { label.setNumberOfLines(value); }>("numberOfLines"),
-    attribute<lineBreakMode, [](UILabel& label, NSLineBreakMode value) { label.setLineBreakMode(value); }>("lineBreakMode"),
-    attribute<boolean, [](UILabel& label, bool value) { label.setAdjustsFontSizeToFitWidth(value); }>("adjustsFontSizeToFitWidth"),
+    attribute<lineBreakMode, [](UILabel& label, NSLineBreakMode value) { label.setLineBreakMode(value); }>(
+        "lineBreakMode"),
+    attribute<boolean, [](UILabel& label, bool value) { label.setAdjustsFontSizeToFitWidth(value); }>(
+        "adjustsFontSizeToFitWidth"),
     attribute<share, [](UILabel& label, CGFloat value) { label.setMinimumScaleFactor(value); }>("minimumScaleFactor"),
     attribute<icon, [](UILabel& label, const VectorIcon* value) { label.setIcon(value); }>("icon"),
 };
@@ -157,19 +166,28 @@ constexpr Entry controlAttributes[] = {
 };
 
 constexpr Entry buttonAttributes[] = {
-    attributeByState<text, [](UIButton& button, const std::string& value, UIControlState state) { button.setTitle(value, state); }>("title"),
-    attributeByState<color, [](UIButton& button, const UIColor& value, UIControlState state) { button.setTitleColor(value, state); }>("titleColor"),
-    attributeByState<color, [](UIButton& button, const UIColor& value, UIControlState state) { button.setTintColor(value, state); }>("tintColor"),
-    attributeByState<color, [](UIButton& button, const UIColor& value, UIControlState state) { button.setBackgroundColor(value, state); }>("backgroundColor"),
-    attributeByState<icon, [](UIButton& button, const VectorIcon* value, UIControlState state) { button.setIcon(value, state); }>("icon"),
+    attributeByState<text, [](UIButton& button, const std::string& value,
+                              UIControlState state) { button.setTitle(value, state); }>("title"),
+    attributeByState<color, [](UIButton& button, const UIColor& value,
+                               UIControlState state) { button.setTitleColor(value, state); }>("titleColor"),
+    attributeByState<color, [](UIButton& button, const UIColor& value,
+                               UIControlState state) { button.setTintColor(value, state); }>("tintColor"),
+    attributeByState<color, [](UIButton& button, const UIColor& value,
+                               UIControlState state) { button.setBackgroundColor(value, state); }>("backgroundColor"),
+    attributeByState<icon, [](UIButton& button, const VectorIcon* value,
+                              UIControlState state) { button.setIcon(value, state); }>("icon"),
     attribute<font, [](UIButton& button, const UIFont& value) { button.titleLabel().setFont(value); }>("font"),
-    attribute<boolean, [](UIButton& button, bool value) { button.titleLabel().setAdjustsFontSizeToFitWidth(value); }>("adjustsFontSizeToFitWidth"),
-    attribute<iconPlacement, [](UIButton& button, UIButtonIconPlacement value) { button.setIconPlacement(value); }>("iconPlacement"),
+    attribute<boolean, [](UIButton& button, bool value) { button.titleLabel().setAdjustsFontSizeToFitWidth(value); }>(
+        "adjustsFontSizeToFitWidth"),
+    attribute<iconPlacement, [](UIButton& button, UIButtonIconPlacement value) { button.setIconPlacement(value); }>(
+        "iconPlacement"),
     attribute<length, [](UIButton& button, CGFloat value) { button.setIconSize(value); }>("iconSize"),
     attribute<length, [](UIButton& button, CGFloat value) { button.setIconSpacing(value); }>("iconSpacing"),
-    attribute<insets, [](UIButton& button, const UIEdgeInsets& value) { button.setContentInsets(value); }>("contentInsets"),
+    attribute<insets, [](UIButton& button, const UIEdgeInsets& value) { button.setContentInsets(value); }>(
+        "contentInsets"),
     attribute<length, [](UIButton& button, CGFloat value) { button.setDesignHeight(value); }>("designHeight"),
-    attribute<barEdge, [](UIButton& button, UIButtonBarEdge value) { button.setSelectionBarEdge(value); }>("selectionBarEdge"),
+    attribute<barEdge, [](UIButton& button, UIButtonBarEdge value) { button.setSelectionBarEdge(value); }>(
+        "selectionBarEdge"),
 };
 
 constexpr Entry imageViewAttributes[] = {
@@ -179,19 +197,24 @@ constexpr Entry imageViewAttributes[] = {
 
 constexpr Entry indicatorAttributes[] = {
     attribute<color, [](UIActivityIndicatorView& view, const UIColor& value) { view.setColor(value); }>("color"),
-    attribute<boolean, [](UIActivityIndicatorView& view, bool value) { view.setHidesWhenStopped(value); }>("hidesWhenStopped"),
-    attribute<boolean, [](UIActivityIndicatorView& view, bool value) { value ? view.startAnimating() : view.stopAnimating(); }>("animating"),
+    attribute<boolean, [](UIActivityIndicatorView& view, bool value) { view.setHidesWhenStopped(value); }>(
+        "hidesWhenStopped"),
+    attribute<boolean, [](UIActivityIndicatorView& view,
+                          bool value) { value ? view.startAnimating() : view.stopAnimating(); }>("animating"),
 };
 
 constexpr Entry scrollViewAttributes[] = {
     attribute<boolean, [](UIScrollView& view, bool value) { view.setScrollEnabled(value); }>("scrollEnabled"),
-    attribute<boolean, [](UIScrollView& view, bool value) { view.setAlwaysBounceHorizontal(value); }>("alwaysBounceHorizontal"),
-    attribute<boolean, [](UIScrollView& view, bool value) { view.setAlwaysBounceVertical(value); }>("alwaysBounceVertical"),
+    attribute<boolean, [](UIScrollView& view, bool value) { view.setAlwaysBounceHorizontal(value); }>(
+        "alwaysBounceHorizontal"),
+    attribute<boolean, [](UIScrollView& view, bool value) { view.setAlwaysBounceVertical(value); }>(
+        "alwaysBounceVertical"),
 };
 
 constexpr Entry collectionViewAttributes[] = {
     attribute<length, [](UICollectionView& view, CGFloat value) { view.setItemSpacing(value); }>("itemSpacing"),
-    attribute<insets, [](UICollectionView& view, const UIEdgeInsets& value) { view.setSectionInset(value); }>("contentInsets"),
+    attribute<insets, [](UICollectionView& view, const UIEdgeInsets& value) { view.setSectionInset(value); }>(
+        "contentInsets"),
 };
 
 std::span<const Entry> attributesOf(const ClassInfo& viewClass) {
@@ -225,9 +248,10 @@ const Entry* entryNamed(const ClassInfo& viewClass, std::string_view name) {
 }
 
 std::optional<UIControlState> stateNamed(std::string_view name) {
-    static constexpr std::pair<std::string_view, UIControlState> states[] = {{"highlighted", UIControlState::Highlighted},
-                                                                             {"disabled", UIControlState::Disabled},
-                                                                             {"selected", UIControlState::Selected}};
+    static constexpr std::pair<std::string_view, UIControlState> states[] = {
+        {"highlighted", UIControlState::Highlighted},
+        {"disabled", UIControlState::Disabled},
+        {"selected", UIControlState::Selected}};
     return choice(name, states);
 }
 
@@ -240,10 +264,14 @@ AttributeProblem told(ApplyAttribute parsed, ApplyAttribute& result) {
 /// A text, a truth value or a number, as the property's type says.
 AttributeProblem parseProperty(const Property& property, std::string_view value, ApplyAttribute& result) {
     std::optional<Value> parsed;
-    if (property.typeAttribute.starts_with("T@\"NSString\"")) parsed = Value(value);
-    else if (property.typeAttribute.starts_with("TB")) parsed = boolean(value);
-    else if (!property.typeAttribute.starts_with("T@")) parsed = number(value);
-    else return AttributeProblem::Unknown;
+    if (property.typeAttribute.starts_with("T@\"NSString\""))
+        parsed = Value(value);
+    else if (property.typeAttribute.starts_with("TB"))
+        parsed = boolean(value);
+    else if (!property.typeAttribute.starts_with("T@"))
+        parsed = number(value);
+    else
+        return AttributeProblem::Unknown;
     if (!parsed) return AttributeProblem::BadValue;
     result = [&property, set = *parsed](UIView& view) { property.set(view, set); };
     return AttributeProblem::None;
@@ -251,7 +279,8 @@ AttributeProblem parseProperty(const Property& property, std::string_view value,
 
 }  // namespace
 
-AttributeProblem parseAttribute(const ClassInfo& viewClass, std::string_view name, std::string_view value, ApplyAttribute& result) {
+AttributeProblem parseAttribute(const ClassInfo& viewClass, std::string_view name, std::string_view value,
+                                ApplyAttribute& result) {
     if (const Entry* entry = entryNamed(viewClass, name)) return told(entry->parse(value), result);
     if (const auto dot = name.find('.'); dot != std::string_view::npos) {
         const Entry* entry = entryNamed(viewClass, name.substr(0, dot));
@@ -262,6 +291,8 @@ AttributeProblem parseAttribute(const ClassInfo& viewClass, std::string_view nam
     return property && property->set ? parseProperty(*property, value, result) : AttributeProblem::Unknown;
 }
 
-void registerViewClasses() { attributesOf(UIView::staticClass()); }
+void registerViewClasses() {
+    attributesOf(UIView::staticClass());
+}
 
 }  // namespace flarebox::layout

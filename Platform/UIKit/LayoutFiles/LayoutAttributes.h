@@ -16,9 +16,10 @@ using ApplyAttribute = std::function<void(UIView& view)>;
 
 enum class AttributeProblem { None, Unknown, BadValue };
 
-/// What an attribute means for views of a class. Attributes of the toolkit's own classes are known here; those of any other
-/// class are its properties.
-AttributeProblem parseAttribute(const ClassInfo& viewClass, std::string_view name, std::string_view value, ApplyAttribute& result);
+/// What an attribute means for views of a class. Attributes of the toolkit's own classes are known here; those of any
+/// other class are its properties.
+AttributeProblem parseAttribute(const ClassInfo& viewClass, std::string_view name, std::string_view value,
+                                ApplyAttribute& result);
 
 /// Makes the names of the toolkit's own views known, so that layout files find them.
 void registerViewClasses();

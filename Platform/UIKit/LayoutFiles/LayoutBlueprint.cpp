@@ -7,7 +7,9 @@
 namespace flarebox::layout {
 namespace {
 
-std::string quoted(std::string_view text) { return "\"" + std::string(text) + "\""; }
+std::string quoted(std::string_view text) {
+    return "\"" + std::string(text) + "\"";
+}
 
 class Builder {
 public:
@@ -43,7 +45,8 @@ private:
         plan.line = element.line;
         plan.parent = parent;
         if (!plan.viewClass) return fail(element.line, "unknown element " + quoted(element.name));
-        if (!plan.viewClass->isSubclassOf(UIView::staticClass())) return fail(element.line, quoted(element.name) + " is no view");
+        if (!plan.viewClass->isSubclassOf(UIView::staticClass()))
+            return fail(element.line, quoted(element.name) + " is no view");
         if (!element.text.empty()) return fail(element.line, "unexpected text " + quoted(element.text));
         const std::size_t index = blueprint_.views.size();
         blueprint_.views.push_back(std::move(plan));
@@ -68,9 +71,13 @@ private:
         if (name == "frame") plan.hasFrame = true;
         ApplyAttribute apply;
         switch (parseAttribute(*plan.viewClass, name, value, apply)) {
-            case AttributeProblem::None: plan.attributes.push_back(std::move(apply)); return true;
-            case AttributeProblem::Unknown: return fail(element.line, quoted(element.name) + " has no attribute " + quoted(name));
-            case AttributeProblem::BadValue: return fail(element.line, quoted(value) + " is no value for " + quoted(name));
+            case AttributeProblem::None:
+                plan.attributes.push_back(std::move(apply));
+                return true;
+            case AttributeProblem::Unknown:
+                return fail(element.line, quoted(element.name) + " has no attribute " + quoted(name));
+            case AttributeProblem::BadValue:
+                return fail(element.line, quoted(value) + " is no value for " + quoted(name));
         }
         return false;
     }
@@ -87,7 +94,8 @@ private:
     }
 
     bool setAction(ViewPlan& plan, const std::string& value) {
-        if (!plan.viewClass->isSubclassOf(UIControl::staticClass())) return fail(plan.line, "only controls have an action");
+        if (!plan.viewClass->isSubclassOf(UIControl::staticClass()))
+            return fail(plan.line, "only controls have an action");
         if (value.empty()) return fail(plan.line, "a name is empty");
         plan.action = value;
         return true;
@@ -129,7 +137,8 @@ private:
         for (const auto& [name, value] : element.attributes) {
             if (name == "outlet" || name == "id") {
                 std::string& field = name == "id" ? id : plan.outlet;
-                if (value != (name == "id" ? plan.outlet : id) && !setName(field, value, noView, element.line)) return false;
+                if (value != (name == "id" ? plan.outlet : id) && !setName(field, value, noView, element.line))
+                    return false;
                 field = value;
             } else if (name == "priority") {
                 const auto wanted = priority(value);
@@ -149,7 +158,8 @@ private:
         if (!find(plan.expression.first.view, own, plan.line, plan.first)) return false;
         const bool isPair = plan.expression.second.attribute != NSLayoutAttribute::NotAnAttribute;
         if (isPair && !find(plan.expression.second.view, own, plan.line, plan.second)) return false;
-        while (plan.holder != noView && !(holds(plan.holder, plan.first) && (!isPair || holds(plan.holder, plan.second)))) {
+        while (plan.holder != noView &&
+               !(holds(plan.holder, plan.first) && (!isPair || holds(plan.holder, plan.second)))) {
             plan.holder = blueprint_.views[plan.holder].parent;
         }
         return plan.holder != noView || fail(plan.line, "the constraint's views have no common superview");

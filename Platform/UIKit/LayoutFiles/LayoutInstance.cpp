@@ -7,7 +7,9 @@
 namespace flarebox::layout {
 namespace {
 
-std::string quoted(std::string_view text) { return "\"" + std::string(text) + "\""; }
+std::string quoted(std::string_view text) {
+    return "\"" + std::string(text) + "\"";
+}
 
 }  // namespace
 
@@ -51,15 +53,16 @@ bool LayoutInstance::bindView(const ViewPlan& plan, UIView& view) {
     if (!plan.outlet.empty() && !bindOutlet(plan.outlet, view, plan.line)) return false;
     if (plan.action.empty()) return true;
     NSObject* target = root().respondsToSelector(plan.action) ? &root() : owner_;
-    if (!target || !target->respondsToSelector(plan.action)) return fail(plan.line, "unknown action " + quoted(plan.action));
+    if (!target || !target->respondsToSelector(plan.action))
+        return fail(plan.line, "unknown action " + quoted(plan.action));
     objectCast<UIControl>(&view)->addTarget(*target, plan.action, UIControlEvents::TouchUpInside);
     return true;
 }
 
 bool LayoutInstance::makeConstraint(const ConstraintPlan& plan) {
     const auto& [first, relation, second, multiplier, constant] = plan.expression;
-    const auto constraint = NSLayoutConstraint::constraintWithItem(*viewAt(plan.first), first.attribute, relation, viewAt(plan.second),
-                                                                   second.attribute, multiplier, constant);
+    const auto constraint = NSLayoutConstraint::constraintWithItem(
+        *viewAt(plan.first), first.attribute, relation, viewAt(plan.second), second.attribute, multiplier, constant);
     constraint->setPriority(plan.priority);
     viewAt(plan.holder)->addConstraint(constraint);
     return plan.outlet.empty() || bindOutlet(plan.outlet, *constraint, plan.line);
@@ -73,7 +76,8 @@ bool LayoutInstance::bindOutlet(const std::string& name, NSObject& value, int li
         outlet = holder->classInfo().outlet(name);
     }
     if (!outlet) return fail(line, "unknown outlet " + quoted(name));
-    if (!outlet->set(*holder, &value)) return fail(line, "outlet " + quoted(name) + " takes no " + std::string(value.classInfo().name()));
+    if (!outlet->set(*holder, &value))
+        return fail(line, "outlet " + quoted(name) + " takes no " + std::string(value.classInfo().name()));
     if (holder == &root()) bound_.insert(name);
     return true;
 }

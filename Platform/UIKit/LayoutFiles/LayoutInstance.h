@@ -16,7 +16,8 @@ public:
     LayoutInstance(const LayoutBlueprint& blueprint, NSObject* owner, LayoutProblem& problem)
         : blueprint_(blueprint), owner_(owner), problem_(problem) {}
 
-    /// Makes everything and tells the views that they are awake. False, with the problem told, when an outlet or action does not fit.
+    /// Makes everything and tells the views that they are awake. False, with the problem told, when an outlet or action
+    /// does not fit.
     bool make();
     /// Top-level objects in the order of the file.
     std::vector<Ref<NSObject>> topLevelObjects() const;

@@ -118,15 +118,17 @@ std::optional<UIFont> font(std::string_view text) {
     if (parts.size() < 2 || parts.size() > 3) return std::nullopt;
     const auto size = number(parts.back());
     if (!size || *size <= 0) return std::nullopt;
-    if (parts[0] != "system") return parts.size() == 2 ? std::optional(UIFont::fontWithName(parts[0], *size)) : std::nullopt;
+    if (parts[0] != "system")
+        return parts.size() == 2 ? std::optional(UIFont::fontWithName(parts[0], *size)) : std::nullopt;
     const auto weight = parts.size() == 3 ? choice(parts[1], weights) : UIFontWeight::Regular;
     if (!weight) return std::nullopt;
     return UIFont::systemFontOfSize(*size, *weight);
 }
 
 std::optional<UILayoutPriority> priority(std::string_view text) {
-    static constexpr std::pair<std::string_view, UILayoutPriority> names[] = {
-        {"required", UILayoutPriorityRequired}, {"high", UILayoutPriorityDefaultHigh}, {"low", UILayoutPriorityDefaultLow}};
+    static constexpr std::pair<std::string_view, UILayoutPriority> names[] = {{"required", UILayoutPriorityRequired},
+                                                                              {"high", UILayoutPriorityDefaultHigh},
+                                                                              {"low", UILayoutPriorityDefaultLow}};
     if (const auto named = choice(text, names)) return named;
     const auto value = number(text);
     if (!value || *value < 1 || *value > UILayoutPriorityRequired) return std::nullopt;

@@ -12,7 +12,8 @@
 
 namespace flarebox::layout {
 
-// The texts of layout files as values. All answer nothing for a text that is not wholly such a value, whatever the locale.
+// The texts of layout files as values. All answer nothing for a text that is not wholly such a value, whatever the
+// locale.
 
 /// The words of a text, separated by blanks.
 std::vector<std::string_view> words(std::string_view text);

@@ -15,6 +15,7 @@ namespace flarebox {
 namespace {
 
 constexpr std::size_t maximumHeaderLength = 256 * 1024;
+constexpr std::size_t maximumFieldCount = 1000;
 constexpr double longestIdleTimeout = 1e9;
 
 double usableTimeout(double seconds) {
@@ -27,6 +28,13 @@ std::string_view trimmed(std::string_view text) {
     auto first = text.find_first_not_of(blanks);
     if (first == std::string_view::npos) return {};
     return text.substr(first, text.find_last_not_of(blanks) - first + 1);
+}
+
+/// Fields that say how a message is framed: a caller that sets them can only make them wrong.
+bool belongsToTransport(const std::string& name) {
+    static const HeaderFields framing = {
+        {"Content-Length", {}}, {"Transfer-Encoding", {}}, {"Connection", {}}, {"Upgrade", {}}};
+    return headerFieldNamed(framing, name);
 }
 
 bool isRedirect(CURL* handle) {
@@ -57,65 +65,74 @@ void CurlTransfer::setUp(const std::string& noProxy) {
     curl_easy_setopt(curl, CURLOPT_PRIVATE, this);
     curl_easy_setopt(curl, CURLOPT_URL, request_.url.c_str());
     curl_easy_setopt(curl, CURLOPT_PATH_AS_IS, 1L);
+    curl_easy_setopt(curl, CURLOPT_ACCEPT_ENCODING, "gzip");
+    curl_easy_setopt(curl, CURLOPT_USERAGENT, userAgent);
+    curl_easy_setopt(curl, CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_2TLS));
+    curl_easy_setopt(curl, CURLOPT_NOPROXY, noProxy.c_str());
     curl_easy_setopt(curl, CURLOPT_NOSIGNAL, 1L);
     // A name server that hangs must hold up neither an idle time-out nor the shutdown.
     curl_easy_setopt(curl, CURLOPT_QUICK_EXIT, 1L);
-    curl_easy_setopt(curl, CURLOPT_NOPROXY, noProxy.c_str());
+    setUpLimits();
+    setUpMethod();
+    setUpFields();
+    setUpContentCallbacks();
+    setUpActivityCallbacks();
+}
 
+void CurlTransfer::setUpLimits() {
+    CURL* curl = handle();
     curl_easy_setopt(curl, CURLOPT_PROTOCOLS_STR, "http,https");
     curl_easy_setopt(curl, CURLOPT_REDIR_PROTOCOLS_STR, "http,https");
     curl_easy_setopt(curl, CURLOPT_FOLLOWLOCATION, 1L);
     curl_easy_setopt(curl, CURLOPT_MAXREDIRS, static_cast<long>(Transport::maximumRedirects));
-
+    curl_easy_setopt(curl, CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(request_.maximumBodyLength));
     curl_easy_setopt(curl, CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
-    curl_easy_setopt(curl, CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_2TLS));
-    if (request_.url.starts_with("https")) curl_easy_setopt(curl, CURLOPT_PIPEWAIT, 1L);
     if (!request_.certificateAuthorityFile.empty()) {
         curl_easy_setopt(curl, CURLOPT_CAINFO, request_.certificateAuthorityFile.c_str());
     }
+}
 
-    curl_easy_setopt(curl, CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(request_.maximumBodyLength));
-    curl_easy_setopt(curl, CURLOPT_ACCEPT_ENCODING, "gzip");
-    curl_easy_setopt(curl, CURLOPT_USERAGENT, userAgent);
-    setUpMethod();
-    setUpFields();
-
-    using Self = CurlTransfer;
+void CurlTransfer::setUpContentCallbacks() {
+    CURL* curl = handle();
     curl_easy_setopt(curl, CURLOPT_HEADERDATA, this);
     curl_easy_setopt(
         curl, CURLOPT_HEADERFUNCTION, +[](char* bytes, std::size_t size, std::size_t count, void* self) -> std::size_t {
-            return static_cast<Self*>(self)->receiveHeader({bytes, size * count});
+            return static_cast<CurlTransfer*>(self)->receiveHeader({bytes, size * count});
         });
     curl_easy_setopt(curl, CURLOPT_WRITEDATA, this);
     curl_easy_setopt(
         curl, CURLOPT_WRITEFUNCTION, +[](char* bytes, std::size_t size, std::size_t count, void* self) -> std::size_t {
-            return static_cast<Self*>(self)->receiveBody({bytes, size * count});
+            return static_cast<CurlTransfer*>(self)->receiveBody({bytes, size * count});
         });
+}
+
+void CurlTransfer::setUpActivityCallbacks() {
+    CURL* curl = handle();
     curl_easy_setopt(curl, CURLOPT_NOPROGRESS, 0L);
     curl_easy_setopt(curl, CURLOPT_XFERINFODATA, this);
     curl_easy_setopt(
         curl, CURLOPT_XFERINFOFUNCTION,
         +[](void* self, curl_off_t, curl_off_t received, curl_off_t, curl_off_t sent) -> int {
-            return static_cast<Self*>(self)->noteProgress(received, sent) ? 0 : 1;
+            return static_cast<CurlTransfer*>(self)->noteProgress(received, sent) ? 0 : 1;
         });
 
     // Whichever of these comes first tells that the transfer no longer waits for a connection to become free.
     curl_easy_setopt(curl, CURLOPT_RESOLVER_START_DATA, this);
     curl_easy_setopt(
         curl, CURLOPT_RESOLVER_START_FUNCTION, +[](void*, void*, void* self) -> int {
-            static_cast<Self*>(self)->noteActivity();
+            static_cast<CurlTransfer*>(self)->noteActivity();
             return 0;
         });
     curl_easy_setopt(curl, CURLOPT_SOCKOPTDATA, this);
     curl_easy_setopt(
         curl, CURLOPT_SOCKOPTFUNCTION, +[](void* self, curl_socket_t, curlsocktype) -> int {
-            static_cast<Self*>(self)->noteActivity();
+            static_cast<CurlTransfer*>(self)->noteActivity();
             return CURL_SOCKOPT_OK;
         });
     curl_easy_setopt(curl, CURLOPT_PREREQDATA, this);
     curl_easy_setopt(
         curl, CURLOPT_PREREQFUNCTION, +[](void* self, char*, char*, int, int) -> int {
-            static_cast<Self*>(self)->noteActivity();
+            static_cast<CurlTransfer*>(self)->noteActivity();
             return CURL_PREREQFUNC_OK;
         });
 }
@@ -153,7 +170,7 @@ void CurlTransfer::setUpFields() {
         if (!headerFieldNamed(request_.fields, name)) addField(std::string(name) + ":");
     }
     for (auto& [name, value] : request_.fields) {
-        addField(value.empty() ? name + ";" : name + ": " + value);
+        if (!belongsToTransport(name)) addField(value.empty() ? name + ";" : name + ": " + value);
     }
     curl_easy_setopt(handle(), CURLOPT_HTTPHEADER, fields_.get());
 }
@@ -180,7 +197,7 @@ bool CurlTransfer::noteProgress(curl_off_t received, curl_off_t sent) {
 std::size_t CurlTransfer::receiveHeader(std::string_view line) {
     noteActivity();
     headerLength_ += line.size();
-    if (headerLength_ > maximumHeaderLength) {
+    if (headerLength_ > maximumHeaderLength || result_.fields.size() > maximumFieldCount) {
         refusal_ = Refusal::HeaderTooLong;
         return 0;
     }

@@ -30,8 +30,11 @@ private:
     enum class Refusal { None, BodyTooLong, HeaderTooLong };
 
     void setUp(const std::string& noProxy);
+    void setUpLimits();
     void setUpMethod();
     void setUpFields();
+    void setUpContentCallbacks();
+    void setUpActivityCallbacks();
     void addField(const std::string& line);
 
     std::size_t receiveHeader(std::string_view line);

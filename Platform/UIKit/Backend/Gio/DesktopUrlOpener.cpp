@@ -27,8 +27,8 @@ using Owned = std::unique_ptr<T, Unref>;
 /// More links than a player could have asked for are dropped.
 constexpr std::size_t longestQueue = 8;
 
-/// Starts applications one after another. Starting one can take long, over the desktop's message bus for example, so it is
-/// done asynchronously on the thread's own context, where it can be given up at any moment.
+/// Starts applications one after another. Starting one can take long, over the desktop's message bus for example, so it
+/// is done asynchronously on the thread's own context, where it can be given up at any moment.
 class LaunchThread {
 public:
     LaunchThread() : cancellable_(g_cancellable_new()), context_(g_main_context_new()), thread_([this] { run(); }) {}
@@ -69,7 +69,8 @@ private:
 
     void launchNow(const std::string& url) {
         bool isDone = false;
-        g_app_info_launch_default_for_uri_async(url.c_str(), nullptr, cancellable_.get(), &LaunchThread::launched, &isDone);
+        g_app_info_launch_default_for_uri_async(url.c_str(), nullptr, cancellable_.get(), &LaunchThread::launched,
+                                                &isDone);
         while (!isDone) g_main_context_iteration(context_.get(), TRUE);
     }
 
@@ -77,7 +78,8 @@ private:
         GError* problem = nullptr;
         if (!g_app_info_launch_default_for_uri_finish(result, &problem)) {
             const Owned<GError> error(problem);
-            std::fprintf(stderr, "UIApplication: cannot open a link: %s\n", error ? error->message : "unknown error");
+            const bool isGivenUp = g_error_matches(problem, G_IO_ERROR, G_IO_ERROR_CANCELLED);
+            if (!isGivenUp) std::fprintf(stderr, "UIApplication: cannot open a link: %s\n", problem->message);
         }
         *static_cast<bool*>(isDone) = true;
     }

@@ -4,8 +4,8 @@
 
 namespace flarebox {
 
-/// Opens links with the applications that the desktop has for them. Launching happens on a thread of its own, which ends
-/// with the host adapter. Main thread.
+/// Opens links with the applications that the desktop has for them. Launching happens on a thread of its own, which
+/// ends with the host adapter. Main thread.
 UrlOpener& desktopUrlOpener();
 
 }  // namespace flarebox

@@ -134,4 +134,8 @@ LineMetrics PrivateFonts::lineMetrics(const UIFont& font) const {
     return ascent + descent > 0 ? LineMetrics{ascent, ascent + descent} : usual;
 }
 
+void PrivateFonts::closeUnused() {
+    if (map_) pango_fc_font_map_cache_clear(PANGO_FC_FONT_MAP(map_.get()));
+}
+
 }  // namespace flarebox::text

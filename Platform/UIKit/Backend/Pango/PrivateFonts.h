@@ -22,6 +22,8 @@ public:
     PangoContext* context() const { return context_.get(); }
     static PangoFontDescription* newDescription(const UIFont& font);
     LineMetrics lineMetrics(const UIFont& font) const;
+    /// Gives the memory of all fonts back that no layout uses; they are opened again when needed.
+    void closeUnused();
 
 private:
     GReference<PangoFontMap> map_;

@@ -12,6 +12,8 @@ namespace {
 // More than any label shows; breaking a megabyte into lines would hold the main thread for seconds.
 constexpr std::size_t maximumLength = 4096;
 constexpr std::size_t generationSize = 128;
+// Faces at their sizes; each takes some 50 KB once it has been drawn.
+constexpr std::size_t mostFonts = 128;
 // Far beyond every screen, far below where the library's units overflow.
 constexpr CGFloat maximumWidth = 100'000;
 // Frames come out of sums of floating-point numbers; a text must fit into the very width that was measured.
@@ -120,7 +122,10 @@ LineMetrics TextLayouts::lineMetrics(const UIFont& font) {
     LayoutKey key;
     key.font = font;
     if (const auto found = metrics_.find(key); found != metrics_.end()) return found->second;
-    if (metrics_.size() >= generationSize) metrics_.clear();
+    if (metrics_.size() >= mostFonts) {
+        metrics_.clear();
+        fonts_.closeUnused();
+    }
     return metrics_.emplace(key, fonts_.lineMetrics(font)).first->second;
 }
 

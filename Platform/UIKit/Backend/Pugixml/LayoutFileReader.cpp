@@ -41,7 +41,8 @@ private:
 
     int line(std::ptrdiff_t offset) {
         // Elements come in the order of the file, so each line is counted once.
-        const auto end = static_cast<std::size_t>(std::clamp<std::ptrdiff_t>(offset, 0, static_cast<std::ptrdiff_t>(text_.size())));
+        const auto end =
+            static_cast<std::size_t>(std::clamp<std::ptrdiff_t>(offset, 0, static_cast<std::ptrdiff_t>(text_.size())));
         if (end < counted_) counted_ = 0, lines_ = 1;
         lines_ += static_cast<int>(std::count(text_.begin() + static_cast<std::ptrdiff_t>(counted_),
                                               text_.begin() + static_cast<std::ptrdiff_t>(end), '\n'));

@@ -76,8 +76,19 @@ std::uint32_t premultiplied(std::uint32_t pixel) {
     return alpha << 24 | times(pixel >> 16 & 255) << 16 | times(pixel >> 8 & 255) << 8 | times(pixel & 255);
 }
 
-bool readRow(const SDL_Surface& surface, int y, std::span<std::uint32_t> row) {
+/// The library hands the inks of a JPEG in four colours over as they are, stored as such files do: 255 is no ink.
+std::uint32_t mixed(const std::byte* inks) {
+    const auto level = [inks](int i) { return std::to_integer<std::uint32_t>(inks[i]); };
+    const auto times = [&](int i) { return (level(i) * level(3) + 127) / 255; };
+    return 0xFF000000 | times(0) << 16 | times(1) << 8 | times(2);
+}
+
+bool readRow(const SDL_Surface& surface, bool isFourColor, int y, std::span<std::uint32_t> row) {
     const auto* bytes = static_cast<const std::byte*>(surface.pixels) + static_cast<std::ptrdiff_t>(y) * surface.pitch;
+    if (isFourColor && surface.format->BytesPerPixel == 4) {
+        for (std::size_t x = 0; x < row.size(); ++x) row[x] = mixed(bytes + 4 * x);
+        return true;
+    }
     if (SDL_ConvertPixels(surface.w, 1, surface.format->format, bytes, surface.pitch, SDL_PIXELFORMAT_ARGB8888,
                           row.data(), surface.w * 4) != 0)
         return false;
@@ -85,7 +96,7 @@ bool readRow(const SDL_Surface& surface, int y, std::span<std::uint32_t> row) {
     return true;
 }
 
-Ref<UIImage> imageFromSurface(const SDL_Surface& surface, int maximumSide) {
+Ref<UIImage> imageFromSurface(const SDL_Surface& surface, bool isFourColor, int maximumSide) {
     const int width = surface.w, height = surface.h;
     const double factor =
         maximumSide > 0 ? std::min(1.0, static_cast<double>(maximumSide) / std::max(width, height)) : 1;
@@ -94,7 +105,7 @@ Ref<UIImage> imageFromSurface(const SDL_Surface& surface, int maximumSide) {
     std::vector<std::uint32_t> row(static_cast<std::size_t>(width)), pixels;
     if (factor >= 1) pixels.reserve(row.size() * static_cast<std::size_t>(height));
     for (int y = 0; y < height; ++y) {
-        if (!readRow(surface, y, row)) return nullptr;
+        if (!readRow(surface, isFourColor, y, row)) return nullptr;
         if (factor < 1)
             averager.addRow(row);
         else
@@ -127,7 +138,7 @@ Ref<UIImage> UIImage::imageWithData(std::span<const std::byte> data, Ref<NSError
     if (surface) surface = withDirectColors(std::move(surface));
     if (!surface || surface->w < 1 || surface->h < 1)
         return fail(error, NSURLErrorCannotDecodeContentData, std::string("The picture is damaged: ") + SDL_GetError());
-    Ref<UIImage> image = imageFromSurface(*surface, maximumPixelSide);
+    Ref<UIImage> image = imageFromSurface(*surface, header->isFourColor, maximumPixelSide);
     if (!image) return fail(error, NSURLErrorCannotDecodeContentData, "The picture's colours cannot be converted");
     return image;
 }
