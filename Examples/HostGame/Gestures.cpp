@@ -5,12 +5,15 @@
 #include <UIKit/UIWindow.h>
 
 #include <algorithm>
+#include <cmath>
 
 namespace flarebox::hostgame {
 namespace {
 
 constexpr int pointer = 0;
-constexpr double swipeTime = 0.15, dragTime = 0.75;
+constexpr double swipeTime = 0.15, shortestDragTime = 0.75;
+/// Points a second: too slow for a swipe, however long the way.
+constexpr CGFloat dragPace = 90;
 constexpr CGFloat shortestSwipe = 80, longestSwipe = 200;
 
 CGPoint middleOf(const CGRect& rect) {
@@ -86,7 +89,7 @@ Failure swipe(Game& game, UIView& view, std::string_view direction) {
 }
 
 void drag(Game& game, CGPoint from, CGPoint to) {
-    move(game, from, to, dragTime);
+    move(game, from, to, std::max(shortestDragTime, std::hypot(to.x - from.x, to.y - from.y) / dragPace));
 }
 
 }  // namespace flarebox::hostgame

@@ -8,6 +8,8 @@
 #include <Networking/AFNetworkReachabilityManager.h>
 #include <UIKit/UIApplication.h>
 
+#include <cstdio>
+
 #include <stdlib.h>
 
 namespace flarebox::hostgame {
@@ -31,12 +33,18 @@ TemporaryFolder::~TemporaryFolder() {
     if (!path_.empty()) std::filesystem::remove_all(path_, ignored);
 }
 
+void ReportingAssertionHandler::handleFailure(std::string_view, std::string_view, int, std::string_view description) {
+    std::fprintf(stderr, "flarebox-hostgame: %s\n", std::string(description).c_str());
+}
+
 Surroundings::~Surroundings() {
+    NSAssertionHandler::setCurrentHandler(nullptr);
     UIApplication::sharedApplication().setUrlOpener(nullptr);
     if (clock_) Clock::setCurrent(nullptr);
 }
 
 std::string Surroundings::prepare(const Options& options) {
+    NSAssertionHandler::setCurrentHandler(&assertions_);
     if (options.hasVirtualClock) {
         clock_ = std::make_unique<VirtualClock>();
         Clock::setCurrent(clock_.get());

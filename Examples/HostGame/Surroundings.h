@@ -4,6 +4,7 @@
 
 #include <Examples/Service/Service.h>
 #include <Foundation/Clock.h>
+#include <Foundation/NSAssertionHandler.h>
 #include <Networking/NetworkMonitor.h>
 #include <UIKit/UrlOpener.h>
 
@@ -27,6 +28,12 @@ public:
 
 private:
     std::filesystem::path path_;
+};
+
+/// Says what is missing and goes on, so that a game without a session or a game UID can be tried in any build.
+class ReportingAssertionHandler : public NSAssertionHandler {
+public:
+    void handleFailure(std::string_view function, std::string_view file, int line, std::string_view description) override;
 };
 
 /// What the kit finds around it in this process: service, files, clock, network, permissions. The options say what is
@@ -54,6 +61,7 @@ private:
     std::string prepareDevice(const Options& options);
     void prepareNetwork(const Options& options);
 
+    ReportingAssertionHandler assertions_;
     std::unique_ptr<TemporaryFolder> folder_;
     std::unique_ptr<VirtualClock> clock_;
     examples::Service service_;

@@ -31,9 +31,9 @@ Reach shadowReach(const CALayer& layer, CGFloat scale) {
 UIEdgeInsets edges(const CALayer& layer) {
     const CornerRadii& radii = layer.cornerRadii();
     const CGFloat border = hasBorder(layer) ? layer.borderWidth() : 0;
-    UIEdgeInsets insets{
-        std::max({border, radii.topLeft, radii.topRight}), std::max({border, radii.topLeft, radii.bottomLeft}),
-        std::max({border, radii.bottomLeft, radii.bottomRight}), std::max({border, radii.topRight, radii.bottomRight})};
+    // The same on all sides: a radius is cut down to half of the shorter side, which must not happen in the small bitmap.
+    const CGFloat edge = std::max({border, radii.topLeft, radii.topRight, radii.bottomLeft, radii.bottomRight});
+    UIEdgeInsets insets{edge, edge, edge, edge};
     if (hasShadow(layer)) {
         // The shadow is its own shape, moved, and soft to both sides of its edge.
         const CALayer::Shadow& shadow = layer.shadow();

@@ -114,7 +114,7 @@ private:
 
     bool isUpToDate(const UIView& view, const detail::BitmapPlan& plan) const {
         const State* state = view.renderState_.get();
-        if (!state || !state->texture || state->round != renderer_.textures_->round() || view.needsDisplay_)
+        if (!state || state->textures != renderer_.textures_ || !state->texture || state->round != renderer_.textures_->round() || view.needsDisplay_)
             return false;
         const bool isSameSize = !view.drawsContent() || state->drawnSize == view.frame_.size;
         return isSameSize && state->width == plan.width && state->height == plan.height;

@@ -9,6 +9,7 @@
 
 #include <gmock/gmock.h>
 
+#include <atomic>
 #include <string>
 #include <vector>
 
@@ -32,6 +33,8 @@ std::string bytesOf(const char* base64) {
 
 class ImageLoadingTest : public NetworkTest {
 protected:
+    /// While set, the server keeps its answers back.
+    std::atomic<bool> held_ = false;
     ScriptedServer server_{answering([this](Connection& connection, const std::string& request) {
         const std::string line = firstLine(request);
         auto asks = [&](const char* path) { return line.find(path) != std::string::npos; };
@@ -71,7 +74,6 @@ protected:
 
     Ref<UIImageView> view_ = make<UIImageView>();
     std::vector<std::string> events_;
-    std::atomic<bool> held_ = false;
 };
 
 }  // namespace

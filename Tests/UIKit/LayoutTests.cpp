@@ -13,9 +13,9 @@ namespace {
 
 using enum NSLayoutAttribute;
 using enum NSLayoutRelation;
-using testing::AllOf;
-using testing::HasSubstr;
-using testing::Not;
+using ::testing::AllOf;
+using ::testing::HasSubstr;
+using ::testing::Not;
 
 /// Has a content size that the test sets, and counts how often it is laid out.
 class Box : public UIView {
@@ -290,27 +290,27 @@ TEST(Layout, AContradictionIsNamedLeftOutAndMendedWhenItIsOver) {
     auto view = box(root.get(), "card"), other = box(root.get(), "badge");
     fill(*root, *view, 10);
     bind(*root, *other, Left, Equal, view.get(), Left, 5);
-    testing::internal::CaptureStderr();
+    ::testing::internal::CaptureStderr();
     auto left = bind(*root, *other, Left, Equal, root.get(), Left, 40);
     root->layoutIfNeeded();
-    std::string message = testing::internal::GetCapturedStderr();
+    std::string message = ::testing::internal::GetCapturedStderr();
     EXPECT_THAT(message, AllOf(HasSubstr("badge.left == root.left + 40"), HasSubstr("badge.left == card.left + 5"), HasSubstr("left out")));
     EXPECT_NEAR(other->frame().minX(), 15, 1e-9);
     expectFrame(*view, 10, 10, 280, 180);
 
     // Said once, as long as it lasts; met as soon as it can be.
-    testing::internal::CaptureStderr();
+    ::testing::internal::CaptureStderr();
     fix(*root, *other, Width, 7);
     root->layoutIfNeeded();
     left->setConstant(15);
     root->layoutIfNeeded();
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
     expectFrame(*other, 15, 0, 7, 0);
 
-    testing::internal::CaptureStderr();
+    ::testing::internal::CaptureStderr();
     left->setConstant(16);
     root->layoutIfNeeded();
-    EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("badge.left == root.left + 16"));
+    EXPECT_THAT(::testing::internal::GetCapturedStderr(), HasSubstr("badge.left == root.left + 16"));
     EXPECT_NEAR(other->frame().minX(), 15, 1e-9);
     left->setPriority(500);
     root->layoutIfNeeded();
@@ -331,17 +331,17 @@ TEST(Layout, ConstraintsThatCannotBeHeldAreRefused) {
         NSLayoutConstraint::constraintWithItem(*view, Left, Equal, root.get(), Left, infinite, 0),
     };
     for (const auto& constraint : refused) {
-        testing::internal::CaptureStderr();
+        ::testing::internal::CaptureStderr();
         root->addConstraint(constraint);
-        EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("refused"));
+        EXPECT_THAT(::testing::internal::GetCapturedStderr(), HasSubstr("refused"));
     }
     EXPECT_TRUE(root->constraints().empty());
     auto constraint = NSLayoutConstraint::constraintWithItem(*stranger, Width, Equal, nullptr, NotAnAttribute, 1, 5);
     stranger = nullptr;
     EXPECT_EQ(constraint->firstItem(), nullptr);
-    testing::internal::CaptureStderr();
+    ::testing::internal::CaptureStderr();
     root->addConstraint(constraint);
-    EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("(gone)"));
+    EXPECT_THAT(::testing::internal::GetCapturedStderr(), HasSubstr("(gone)"));
     root->addConstraint(nullptr);
 }
 
@@ -465,13 +465,17 @@ TEST(Layout, RandomChangesOfTheTreeLeaveConstraintsMet) {
         }
         const auto expectMet = [&](const NSLayoutConstraint& constraint) {
             const CGRect &frame = constraint.firstItem()->frame(), parent = constraint.firstItem()->superview()->frame();
-            if (constraint.firstAttribute() == Left) EXPECT_NEAR(frame.minX(), constraint.constant(), 1e-6) << constraint.description() << seed;
-            if (constraint.firstAttribute() == Height) EXPECT_NEAR(frame.height(), constraint.constant(), 1e-6) << constraint.description() << seed;
-            if (constraint.firstAttribute() == Width) EXPECT_NEAR(frame.width(), parent.width() / 2 + constraint.constant(), 1e-6) << constraint.description() << seed;
+            const auto check = [&](NSLayoutAttribute attribute, CGFloat actual, CGFloat expected) {
+                if (constraint.firstAttribute() != attribute) return;
+                EXPECT_NEAR(actual, expected, 1e-6) << constraint.description() << " seed " << seed;
+            };
+            check(Left, frame.minX(), constraint.constant());
+            check(Height, frame.height(), constraint.constant());
+            check(Width, frame.width(), parent.width() / 2 + constraint.constant());
         };
         root->layoutIfNeeded();
+        for (const auto& view : views) view->layoutIfNeeded();
         for (const auto& view : views) {
-            if (view->superview()) view->layoutIfNeeded();
             for (const auto& constraint : view->constraints()) {
                 if (constraint->firstItem()->superview()) expectMet(*constraint);
             }

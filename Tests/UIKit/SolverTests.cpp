@@ -15,9 +15,9 @@ namespace {
 
 using Solver = ConstraintSolver;
 using Term = Solver::Term;
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::UnorderedElementsAre;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::UnorderedElementsAre;
 
 constexpr float required = Solver::forbidden;
 constexpr Solver::Cost equal{required, required}, atLeast{Solver::free, required}, atMost{required, Solver::free};

@@ -15,8 +15,8 @@
 namespace flarebox {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
 
 Ref<UIView> view(UIView* parent, const CGRect& frame) {
     auto result = make<UIView>();
@@ -60,10 +60,10 @@ TEST(View, SubviewsHaveOneParentAndAnOrder) {
 
     // A view inside itself, at any depth, is refused.
     c->addSubview(*other);
-    testing::internal::CaptureStderr();
+    ::testing::internal::CaptureStderr();
     b->addSubview(*one);
     b->addSubview(*b);
-    EXPECT_NE(testing::internal::GetCapturedStderr(), "");
+    EXPECT_NE(::testing::internal::GetCapturedStderr(), "");
     EXPECT_EQ(one->superview(), nullptr);
     EXPECT_TRUE(b->isDescendantOfView(*one));
 
@@ -128,14 +128,14 @@ TEST(View, TheTopmostViewThatTakesInputIsHit) {
                                                   [&](bool off) { above->setUserInteractionEnabled(!off); }};
     for (const auto& setOff : switches) {
         setOff(true);
-        EXPECT_EQ(root->hitTest({50, 50}), below.get());
+        EXPECT_EQ(root->hitTest({42, 42}), below.get());
         EXPECT_EQ(root->hitTest({70, 70}), root.get());
         setOff(false);
-        EXPECT_EQ(root->hitTest({50, 50}), above.get());
+        EXPECT_EQ(root->hitTest({42, 42}), above.get());
     }
 }
 
-class ViewAnimation : public testing::Test {
+class ViewAnimation : public ::testing::Test {
 protected:
     ViewAnimation() { Clock::setCurrent(&clock_); }
     ~ViewAnimation() override {
