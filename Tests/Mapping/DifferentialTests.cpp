@@ -175,7 +175,7 @@ private:
 template <class Model>
 void compare(Reference reference, unsigned seed) {
     RandomJson random(seed);
-    for (int round = 0; round < 3000; ++round) {
+    for (int round = 0; round < 1000; ++round) {
         const NSDictionary json = random.dictionary(4);
         reference.events.clear();
         reference.fill(json);

@@ -47,7 +47,7 @@ TEST(CommandLineTest, ExplainsItself) {
 
 TEST(CommandLineTest, LeavesNoFilesOfItsOwn) {
     const TemporaryDirectory folder;
-    const std::string script = folder.write("s.script", "await idle\n");
+    const std::string script = folder.write("s.script", "await idle 60\n");
     EXPECT_EQ(runGame(folder, {"--script", script}).status, 0);
     std::set<std::string> names;
     for (const auto& entry : std::filesystem::directory_iterator(folder.path()))
@@ -57,7 +57,7 @@ TEST(CommandLineTest, LeavesNoFilesOfItsOwn) {
 
 TEST(CommandLineTest, KeepsTheIdentifierInTheDefaultsThatItIsGiven) {
     const TemporaryDirectory folder;
-    const std::string script = folder.write("s.script", "await idle\n");
+    const std::string script = folder.write("s.script", "await idle 60\n");
     const std::vector<std::string> arguments = {"--script", script, "--defaults", folder.path("defaults.plist")};
     ASSERT_EQ(runGame(folder, arguments).status, 0);
     const std::string first = folder.read("defaults.plist");
@@ -72,17 +72,17 @@ TEST(ScriptTest, FailureNamesItsLine) {
         const char* error;
     };
     const Case cases[] = {
-        {"await idle\n\n  # nothing\nfly away  # too far\n", "s.script:4: fly away: unknown command"},
+        {"await idle 60\n\n  # nothing\nfly away  # too far\n", "s.script:4: fly away: unknown command"},
         {"wait\n", "s.script:1: wait: wants SECONDS"},
         {"wait -1\n", "s.script:1: wait -1: wants SECONDS"},
         {"tap btnFly\n", "s.script:1: tap btnFly: the tab has no field 'btnFly'"},
         {"tap loadingView.btnFly\n", "s.script:1: tap loadingView.btnFly: the tab has no field"},
-        {"await idle\ntap btnClose\n", "s.script:2: tap btnClose: btnClose is off the screen"},
+        {"await idle 60\ntap btnClose\n", "s.script:2: tap btnClose: btnClose is off the screen"},
         {"call hideFlareboxButton\ntap btnOpen\n", "s.script:2: tap btnOpen: btnOpen is hidden"},
         {"tap constraintLeadingContentView\n", "is no view"},
-        {"await idle\ncall open\nwait 1\ncell 400\n", "s.script:4: cell 400: collectionView has 14 items"},
+        {"await idle 60\ncall open\nwait 1\ncell 400\n", "s.script:4: cell 400: collectionView has 14 items"},
         {"await lbErrorMessage shown 0.05\n", "s.script:1: await lbErrorMessage shown 0.05: not within 0.05 seconds"},
-        {"await idle\nawait text lbAssetTitle \"a # \\\"b\\\"\" 0\n", "the text is \"Ovalune Halo One\""},
+        {"await idle 60\nawait text lbAssetTitle \"a # \\\"b\\\"\" 0\n", "the text is \"Ovalune Halo One\""},
         {"await text lbAssetTitle \"open\n",
          "s.script:1: await text lbAssetTitle \"open: the closing quote is missing"},
         {"swipe contentView away\n", "wants FIELD left|right|up|down"},
@@ -113,7 +113,8 @@ TEST(ScriptTest, AnswersArePrinted) {
 
 TEST(ScriptTest, NullConfigurationIsSurvived) {
     const TemporaryDirectory folder;
-    const std::string script = folder.write("s.script", "await idle\ncall open\nwait 1\nawait idle\ndump s.json\n");
+    const std::string script =
+        folder.write("s.script", "await idle 60\ncall open\nwait 1\nawait idle 60\ndump s.json\n");
     const GameResult result = runGame(folder, {"--no-session", "--no-logging", "--script", script});
     EXPECT_EQ(result.status, 0) << result.errors;
     EXPECT_EQ(State(folder, "s.json").json("sessionInfo"), "null");

@@ -19,11 +19,15 @@ void sendOutputTo(const std::string& path, int descriptor) {
     ::dup2(file, descriptor);
 }
 
-/// Whether the process has ended within the time.
-bool ended(pid_t process, double seconds, int& status) {
-    const auto deadline = Clock::now() + std::chrono::duration<double>(seconds);
+constexpr auto patience = std::chrono::minutes(2);
+
+/// Whether the process ended by itself, or on being asked.
+bool waitFor(pid_t process, int& status, const std::function<bool(int)>& isEnough) {
+    const auto deadline = Clock::now() + patience;
+    bool isAsked = false;
     while (::waitpid(process, &status, WNOHANG) == 0) {
         if (Clock::now() > deadline) return false;
+        if (!isAsked && isEnough && isEnough(process)) isAsked = ::kill(process, SIGTERM) == 0;
         std::this_thread::sleep_for(std::chrono::milliseconds(2));
     }
     return true;
@@ -31,8 +35,16 @@ bool ended(pid_t process, double seconds, int& status) {
 
 }  // namespace
 
+bool handlesTermination(int process) {
+    std::ifstream file("/proc/" + std::to_string(process) + "/status");
+    for (std::string line; std::getline(file, line);) {
+        if (line.starts_with("SigCgt:")) return std::stoull(line.substr(7), nullptr, 16) >> (SIGTERM - 1) & 1;
+    }
+    return false;
+}
+
 GameResult runProgram(const TemporaryDirectory& folder, const std::string& program, std::vector<std::string> arguments,
-                      double seconds) {
+                      const std::function<bool(int)>& isEnough) {
     arguments.insert(arguments.begin(), program);
     std::vector<char*> pointers;
     for (std::string& argument : arguments) pointers.push_back(argument.data());
@@ -54,11 +66,7 @@ GameResult runProgram(const TemporaryDirectory& folder, const std::string& progr
         ::_exit(127);
     }
     int status = 0;
-    bool isOver = ended(process, seconds, status);
-    if (!isOver) {
-        ::kill(process, SIGTERM);
-        isOver = ended(process, 10, status);
-    }
+    const bool isOver = waitFor(process, status, isEnough);
     if (!isOver) {
         ::kill(process, SIGKILL);
         ::waitpid(process, &status, 0);

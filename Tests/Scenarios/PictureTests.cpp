@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <set>
 
 namespace flarebox::testing {
@@ -35,7 +36,7 @@ TEST(PictureTest, ShowsTheOpenTabOverTheGame) {
     const GameResult opened = runGame(folder, {"--size", "667x375", "--screenshot", "open.png"});
     ASSERT_EQ(opened.status, 0) << opened.errors;
     // As many frames of the game pass as before the other picture, without the tab.
-    const std::string script = folder.write("s.script", "wait 0.5\nawait idle\nwait 0.5\n");
+    const std::string script = folder.write("s.script", "wait 0.5\nawait idle 60\nwait 0.5\n");
     const GameResult closed = runGame(folder, {"--size", "667x375", "--script", script, "--screenshot", "closed.png"});
     ASSERT_EQ(closed.status, 0) << closed.errors;
 
@@ -53,8 +54,9 @@ TEST(PictureTest, IsTheSameForTheSameScript) {
     const TemporaryDirectory folder;
     const std::string script =
         folder.write("s.script",
-                     "call open\nwait 0.15\nscreenshot sliding.png\nwait 0.3\nawait idle\nswipe collectionView left\n"
-                     "wait 0.1\nawait idle\nwait 0.2\nscreenshot scrolled.png\ntap 600 100\nwait 0.3\n");
+                     "await idle 60\ncall open\nwait 0.15\nscreenshot sliding.png\nwait 0.3\nawait idle 60\nswipe "
+                     "collectionView left\n"
+                     "wait 0.1\nawait idle 60\nwait 0.2\nscreenshot scrolled.png\ntap 600 100\nwait 0.3\n");
     std::set<std::string> sliding, scrolled, last;
     for (int i = 0; i < 2; ++i) {
         const GameResult result =
@@ -84,17 +86,22 @@ TEST(PictureTest, ComesFromAWindowToo) {
 
 TEST(WindowTest, ScriptInAWindowGoesOnUntilThePlayerLeaves) {
     const TemporaryDirectory folder;
-    const std::string script =
-        folder.write("s.script", "await idle\ntap btnOpen\nwait 0.4\ndump s.json\norientation portrait 300x500\n");
-    // The window is closed by the signal that ends a program which runs for too long.
-    const GameResult result = runProgram(folder, FLAREBOX_HOSTGAME, {"--size", "667x375", "--script", script}, 4);
+    const std::string script = folder.write(
+        "s.script",
+        "await idle 60\ntap btnOpen\nwait 0.4\ndump s.json\norientation portrait 300x500\ndump done.json\n");
+    // For SDL the signal is the player who closes the window.
+    const GameResult result = runProgram(folder, FLAREBOX_HOSTGAME, {"--size", "667x375", "--script", script},
+                                         [&](int) { return folder.has("done.json"); });
     EXPECT_EQ(result.status, 0) << result.errors;
     EXPECT_NE(folder.read("s.json").find("\"isOpened\":true"), std::string::npos);
 }
 
 TEST(WindowTest, ShortestGameRuns) {
     const TemporaryDirectory folder;
-    const GameResult result = runProgram(folder, FLAREBOX_INTEGRATION, {}, 1.5);
+    const auto start = std::chrono::steady_clock::now();
+    const GameResult result = runProgram(folder, FLAREBOX_INTEGRATION, {}, [&](int process) {
+        return handlesTermination(process) && std::chrono::steady_clock::now() - start > std::chrono::seconds(1);
+    });
     EXPECT_EQ(result.status, 0) << result.errors;
 }
 

@@ -55,7 +55,7 @@ protected:
 
 TEST_F(RequestTest, CarryExactlyWhatTheServiceWants) {
     const GameResult result = play({"--game-uid", "game-1", "--game-version", "2.0", "--advertising-id", identifier},
-                                   "await idle\ncall open\nawait idle\ndump s.json\n");
+                                   "await idle 60\ncall open\nawait idle 60\ndump s.json\n");
     ASSERT_EQ(result.status, 0) << result.errors;
     for (const ReceivedRequest& request : service_.requests()) EXPECT_EQ(request.complaint, "") << request.path;
 
@@ -88,14 +88,14 @@ TEST_F(RequestTest, CarryExactlyWhatTheServiceWants) {
 
 TEST_F(RequestTest, AreNotSentWithoutPermission) {
     const GameResult result =
-        play({"--tracking", "off"}, "await lbErrorMessage shown\ncall open\nawait idle\nwait 2\n");
+        play({"--tracking", "off"}, "await lbErrorMessage shown 60\ncall open\nawait idle 60\nwait 2\n");
     EXPECT_EQ(result.status, 0) << result.errors;
     EXPECT_TRUE(service_.requests().empty());
 }
 
 TEST_F(RequestTest, AreNotSentWithoutANetwork) {
     const GameResult result =
-        play({"--network", "none"}, "await lbErrorMessage shown\ncall open\nawait idle\nwait 2\n");
+        play({"--network", "none"}, "await lbErrorMessage shown 60\ncall open\nawait idle 60\nwait 2\n");
     EXPECT_EQ(result.status, 0) << result.errors;
     EXPECT_TRUE(service_.requests().empty());
 }
@@ -103,7 +103,7 @@ TEST_F(RequestTest, AreNotSentWithoutANetwork) {
 TEST_F(RequestTest, UnderWayDoNotHoldUpTheEnd) {
     service_.behave("/game/common-assets/", {.ending = examples::Behaviour::Ending::Hang});
     const auto start = std::chrono::steady_clock::now();
-    const GameResult result = play({}, "await loadingView shown\nwait 0.2\ndump s.json\n");
+    const GameResult result = play({}, "await loadingView shown 60\nwait 0.2\ndump s.json\n");
     EXPECT_EQ(result.status, 0) << result.errors;
     EXPECT_EQ(State(folder_, "s.json").json("views.loadingView.visible"), "true");
     // A thousand times what it takes, and far below the transport's own patience.

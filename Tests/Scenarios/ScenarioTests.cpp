@@ -235,7 +235,7 @@ TEST(AnswersTest, RefusedSessionIsShownAsAnError) {
     service.behave("/sessions/", {.status = 500});
     const TemporaryDirectory folder;
     const std::string script =
-        folder.write("s.script", "await text lbErrorMessage \"Something went wrong\"\ndump s.json\n");
+        folder.write("s.script", "await text lbErrorMessage \"Something went wrong\" 60\ndump s.json\n");
     const GameResult result = runGame(folder, {"--api-url", service.baseURL(), "--script", script});
     ASSERT_EQ(result.status, 0) << result.errors;
     EXPECT_EQ(State(folder, "s.json").json("sessionInfo"), "null");

@@ -74,7 +74,7 @@ TEST(Helpers, ButtonsAreEnabledAndDisabledByOneLook) {
     const auto expectLook = [&](bool isEnabled, const UIColor& color) {
         EXPECT_EQ(button->isEnabled(), isEnabled);
         EXPECT_EQ(button->alpha(), 1);
-        EXPECT_EQ(button->titleColor(UIControlState::Normal), color);
+        EXPECT_EQ(button->titleColorForState(UIControlState::Normal), color);
         EXPECT_EQ(button->tintColor(), color);
         EXPECT_EQ(button->layer().borderColor(), color);
     };

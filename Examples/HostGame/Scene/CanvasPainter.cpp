@@ -1,14 +1,35 @@
 #include "CanvasPainter.h"
 
 #include <UIKit/Canvas.h>
+#include <UIKit/UIImage.h>
 
+#include <algorithm>
+#include <cmath>
 #include <numbers>
+#include <utility>
+#include <vector>
 
 namespace flarebox::hostgame {
 namespace {
 
-/// A canvas has no radial fill, so a glow is a pile of thin discs, each adding what the next larger one lacks.
-constexpr int glowRings = 24;
+/// Pixels along the side of the picture that a glow is stretched from.
+constexpr int glowSide = 160;
+
+/// A canvas has no radial fill.
+Ref<UIImage> pictureOf(const Glow& glow) {
+    std::vector<std::uint32_t> pixels;
+    pixels.reserve(glowSide * glowSide);
+    for (int i = 0; i < glowSide * glowSide; ++i) {
+        const double x = (i % glowSide + 0.5) / glowSide * 2 - 1, y = (i / glowSide + 0.5) / glowSide * 2 - 1;
+        const float alpha = glow.at(std::min(std::hypot(x, y), 1.0)).alpha;
+        const auto channel = [alpha](float value) {
+            return static_cast<std::uint32_t>(std::lround(value * alpha * 255));
+        };
+        pixels.push_back(channel(1) << 24 | channel(glow.color.red) << 16 | channel(glow.color.green) << 8 |
+                         channel(glow.color.blue));
+    }
+    return UIImage::imageWithPixels(glowSide, glowSide, std::move(pixels));
+}
 
 struct CanvasPainter {
     Canvas& canvas;
@@ -36,11 +57,8 @@ struct CanvasPainter {
     void operator()(const Disc& disc) const { fillCircle(disc.center, disc.radius, disc.color); }
 
     void operator()(const Glow& glow) const {
-        for (int ring = 1; ring <= glowRings; ++ring) {
-            const double inner = (ring - 1.0) / glowRings, outer = static_cast<double>(ring) / glowRings;
-            const UIColor step = glow.color.withAlpha(glow.at(inner).alpha - glow.at(outer).alpha);
-            fillCircle(glow.center, glow.radius * outer, step);
-        }
+        const CGPoint corner = glow.center - CGPoint{glow.radius, glow.radius};
+        canvas.drawImage(*pictureOf(glow), {corner, {2 * glow.radius, 2 * glow.radius}});
     }
 
     void follow(const std::vector<CGPoint>& points) const {
