@@ -19,6 +19,8 @@ constexpr double pollTime = 0.002;
 /// Longest time, in seconds, that the kit may use of one frame. Where nobody watches it takes what it needs, so that
 /// the same script does the same things in the same frames.
 constexpr double watchedBudget = 0.004, unwatchedBudget = 1;
+/// Part of a frame that rounding may add to a whole number of them.
+constexpr double slack = 1e-6;
 constexpr double attachTime = 0.1;
 constexpr double attachPatience = 10;
 /// Steps that a slow frame may make up for.
@@ -87,19 +89,25 @@ UIWindow* Game::window() const {
 }
 
 void Game::pass(double seconds) {
-    VirtualClock* clock = surroundings_.virtualClock();
-    const double end = Clock::current().uptime() + seconds;
-    const auto frames = static_cast<std::int64_t>(std::ceil(seconds / frameTime - 1e-6));
-    for (std::int64_t i = 1; i <= frames && !isClosed_; ++i) {
-        if (clock) {
-            const double moment = i == frames ? end : end - seconds + static_cast<double>(i) * frameTime;
+    const double start = Clock::current().uptime(), end = start + seconds;
+    if (VirtualClock* clock = surroundings_.virtualClock()) {
+        for (std::int64_t i = 1; clock->uptime() < end && !isClosed_; ++i) {
+            double moment = start + static_cast<double>(i) * frameTime;
+            if (moment > end - slack * frameTime) moment = end;
             MainQueue::advance(*clock, moment - clock->uptime());
             clock->advanceTo(moment);
+            runFrame(Moving::Yes);
+            if (screen_.isWatched()) keepPace();
         }
-        runFrame(Moving::Yes);
-        if (!clock || screen_.isWatched()) keepPace();
+        return;
     }
-    if (!clock) sleep(end - Clock::current().uptime());
+    // Unwatched, the number of frames depends on the time alone and not on how fast the machine is.
+    const auto frames = static_cast<std::int64_t>(std::ceil(seconds / frameTime - slack));
+    for (std::int64_t i = 0; i < frames && !isClosed_ && (i == 0 || !screen_.isWatched() || realNow() < end); ++i) {
+        runFrame(Moving::Yes);
+        keepPace();
+    }
+    if (!isClosed_) sleep(end - realNow());
 }
 
 bool Game::await(const std::function<bool()>& condition, double seconds) {

@@ -1,5 +1,6 @@
 #include <Foundation/Clock.h>
 
+#include <Foundation/Immortal.h>
 #include <Foundation/MainQueue.h>
 
 #include <chrono>
@@ -28,8 +29,9 @@ std::atomic<Clock*> installed = nullptr;
 }  // namespace
 
 Clock& Clock::real() {
-    static RealClock clock;
-    return clock;
+    // Threads that end with the process may read it after main.
+    static detail::Immortal<RealClock> clock;
+    return *clock;
 }
 
 Clock& Clock::current() {

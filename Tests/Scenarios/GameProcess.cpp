@@ -1,11 +1,14 @@
 #include "GameProcess.h"
 
+#include <algorithm>
 #include <chrono>
 #include <csignal>
-#include <cstdlib>
+#include <iterator>
+#include <string_view>
 #include <thread>
 
 #include <fcntl.h>
+#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -14,9 +17,41 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-void sendOutputTo(const std::string& path, int descriptor) {
-    const int file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-    ::dup2(file, descriptor);
+std::vector<char*> pointersTo(std::vector<std::string>& texts) {
+    std::vector<char*> pointers;
+    for (std::string& text : texts) pointers.push_back(text.data());
+    pointers.push_back(nullptr);
+    return pointers;
+}
+
+/// This process's variables but those that name a display or the user's folders.
+std::vector<std::string> variablesFor(const std::string& home) {
+    constexpr std::string_view replaced[] = {
+        "HOME=", "XDG_CONFIG_HOME=", "XDG_DATA_HOME=", "DISPLAY=", "WAYLAND_DISPLAY=", "SDL_VIDEODRIVER="};
+    std::vector<std::string> variables = {"HOME=" + home, "SDL_VIDEODRIVER=dummy"};
+    for (char** each = environ; *each; ++each) {
+        const std::string_view variable = *each;
+        const bool isReplaced = std::any_of(std::begin(replaced), std::end(replaced),
+                                            [&](std::string_view name) { return variable.starts_with(name); });
+        if (!isReplaced) variables.emplace_back(variable);
+    }
+    return variables;
+}
+
+/// 0 when the program could not be started.
+pid_t start(const std::string& home, std::vector<std::string> arguments) {
+    std::vector<std::string> variables = variablesFor(home);
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addchdir_np(&actions, home.c_str());
+    constexpr int flags = O_WRONLY | O_CREAT | O_TRUNC;
+    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "stdout", flags, 0600);
+    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "stderr", flags, 0600);
+    pid_t process = 0;
+    const int error = posix_spawn(&process, arguments[0].c_str(), &actions, nullptr, pointersTo(arguments).data(),
+                                  pointersTo(variables).data());
+    posix_spawn_file_actions_destroy(&actions);
+    return error == 0 ? process : 0;
 }
 
 constexpr auto patience = std::chrono::minutes(2);
@@ -46,25 +81,8 @@ bool handlesTermination(int process) {
 GameResult runProgram(const TemporaryDirectory& folder, const std::string& program, std::vector<std::string> arguments,
                       const std::function<bool(int)>& isEnough) {
     arguments.insert(arguments.begin(), program);
-    std::vector<char*> pointers;
-    for (std::string& argument : arguments) pointers.push_back(argument.data());
-    pointers.push_back(nullptr);
-    const std::string home = folder.path(), output = home + "/stdout", errors = home + "/stderr";
-
-    const pid_t process = ::fork();
-    if (process == 0) {
-        ::setenv("HOME", home.c_str(), 1);
-        ::unsetenv("XDG_CONFIG_HOME");
-        ::unsetenv("XDG_DATA_HOME");
-        ::unsetenv("DISPLAY");
-        ::unsetenv("WAYLAND_DISPLAY");
-        ::setenv("SDL_VIDEODRIVER", "dummy", 1);
-        if (::chdir(home.c_str()) != 0) ::_exit(126);
-        sendOutputTo(output, STDOUT_FILENO);
-        sendOutputTo(errors, STDERR_FILENO);
-        ::execv(program.c_str(), pointers.data());
-        ::_exit(127);
-    }
+    const pid_t process = start(folder.path(), std::move(arguments));
+    if (process == 0) return {-1, "", "cannot start " + program};
     int status = 0;
     const bool isOver = waitFor(process, status, isEnough);
     if (!isOver) {
