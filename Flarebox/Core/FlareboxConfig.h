@@ -5,6 +5,7 @@
 #include <Foundation/NSObject.h>
 #include <Foundation/Values.h>
 
+#include <atomic>
 #include <cstdint>
 
 struct ifaddrs;

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <limits>
 
 namespace flarebox {
 namespace {
@@ -14,6 +15,7 @@ struct Conversion {
     std::string flags;
     int width = -1;
     int precision = -1;
+    std::string_view size;  ///< "hh", "ll" and so on
     char letter = 0;
     std::size_t length = 0;  ///< bytes in the format, the per cent sign included; 0 when it is no conversion
 };
@@ -40,7 +42,9 @@ Conversion readConversion(std::string_view text) {
         ++at;
         conversion.precision = std::max(readNumber(text, at), 0);
     }
+    const std::size_t sizeStart = at;
     while (at < text.size() && std::string_view("hlLqjzt").find(text[at]) != std::string_view::npos) ++at;
+    conversion.size = text.substr(sizeStart, at - sizeStart);
     if (at >= text.size() || std::string_view("@%diuxXocsfFeEgGaAp").find(text[at]) == std::string_view::npos) return conversion;
     conversion.letter = text[at];
     conversion.length = at + 1;
@@ -75,6 +79,23 @@ std::string character(std::int64_t code) {
     return "\xEF\xBF\xBD";  // the replacement character
 }
 
+/// The number as an argument of the size that the conversion names. What needs 64 bits keeps them where no size is named.
+std::int64_t narrowedSigned(const Conversion& conversion, std::int64_t number) {
+    if (conversion.size == "hh") return static_cast<std::int8_t>(number);
+    if (conversion.size == "h") return static_cast<std::int16_t>(number);
+    return number;
+}
+
+std::uint64_t narrowedUnsigned(const Conversion& conversion, const NSNumber& number) {
+    if (number.isUnsigned() && conversion.size.empty()) return number.unsignedIntegerValue();
+    const auto bits = number.isUnsigned() ? number.unsignedIntegerValue() : static_cast<std::uint64_t>(number.integerValue());
+    if (conversion.size == "hh") return static_cast<std::uint8_t>(bits);
+    if (conversion.size == "h") return static_cast<std::uint16_t>(bits);
+    const auto asSigned = static_cast<std::int64_t>(bits);
+    const bool isNegativeInt = asSigned < 0 && asSigned >= std::numeric_limits<std::int32_t>::min();
+    return conversion.size.empty() && isNegativeInt ? static_cast<std::uint32_t>(bits) : bits;
+}
+
 std::string convert(const Conversion& conversion, const Value& argument) {
     const auto number = argument.as<NSNumber>();
     if (!number) return padded(conversion, argument.description(), conversion.letter == 's');
@@ -82,14 +103,12 @@ std::string convert(const Conversion& conversion, const Value& argument) {
         case 'd':
         case 'i':
             if (number.isUnsigned()) return print(conversion, "ll", 'u', static_cast<unsigned long long>(number.unsignedIntegerValue()));
-            return print(conversion, "ll", 'd', static_cast<long long>(number.integerValue()));
+            return print(conversion, "ll", 'd', static_cast<long long>(narrowedSigned(conversion, number.integerValue())));
         case 'u':
         case 'x':
         case 'X':
-        case 'o': {
-            const auto bits = number.isUnsigned() ? number.unsignedIntegerValue() : static_cast<std::uint64_t>(number.integerValue());
-            return print(conversion, "ll", conversion.letter, static_cast<unsigned long long>(bits));
-        }
+        case 'o':
+            return print(conversion, "ll", conversion.letter, static_cast<unsigned long long>(narrowedUnsigned(conversion, number)));
         case 'c': return padded(conversion, character(number.integerValue()), false);
         case 'f':
         case 'F':

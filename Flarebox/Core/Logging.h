@@ -22,14 +22,14 @@ bool isLogLevelEnabel(std::int64_t level);
 /// stands, surplus arguments are left out. Width and precision are bounded; `%n` and `*` are not supported and stay as they stand.
 std::string formatLog(std::string_view format, std::span<const Value> arguments);
 
-/// Writes "title: message" to standard error in one write, a line feed added unless the format ends in one. Any thread.
+/// Writes "title: message" to standard error by one call, a line feed added unless the format ends in one. Any thread.
 void printLog(std::string_view title, std::string_view format, std::span<const Value> arguments);
 
 namespace detail {
 void logAt(LogLevel level, std::string_view format, std::span<const Value> arguments);
 }  // namespace detail
 
-/// Print when the configuration lets their level through; otherwise cost one comparison. Any thread.
+/// Print when the configuration lets their level through; otherwise cost next to nothing. Any thread.
 template <class... Arguments>
 void errorLog(std::string_view format, const Arguments&... arguments) {
     if (!isLogLevelEnabel(LogLevelError)) return;

@@ -3,6 +3,7 @@
 #include <Foundation/NSAssertionHandler.h>
 #include <Foundation/NSBundle.h>
 
+#include <source_location>
 #include <utility>
 
 namespace flarebox {
@@ -26,8 +27,9 @@ Ref<NSError> missingParameterError(std::string_view name) {
 
 /// Asserts that a parameter is there. Where the assertion handler returns, a missing one is handed to `fail` as an error.
 template <class Fail>
-bool requireParameter(bool present, std::string_view name, const Fail& fail) {
-    if (assertParameter(present, name)) return true;
+bool requireParameter(bool present, std::string_view name, const Fail& fail,
+                      std::source_location location = std::source_location::current()) {
+    if (assertParameter(present, name, location)) return true;
     fail(missingParameterError(name));
     return false;
 }
@@ -63,6 +65,7 @@ void FlareboxManager::createSesstion(const std::function<void(const Ref<FXSessio
 
     send("POST", pathOf("/sessions/"), config.sessionEdit()->toDictionary(), gameHeaders(config),
          [completion](const Value& answer, const Ref<NSError>& error) {
+             if (!completion) return;
              if (error) return completion(nullptr, error);
              completion(FXSessionInfo::initWithDictionary(answer.as<NSDictionary>()), nullptr);
          });
@@ -79,6 +82,7 @@ void FlareboxManager::loadGameCommonAssets(
 
     send("GET", pathOf("/game/common-assets/"), NSDictionary{{"limit", assetPageSize}}, gameHeaders(config),
          [completion](const Value& answer, const Ref<NSError>& error) {
+             if (!completion) return;
              if (error) return completion(nullptr, error);
              auto assets = std::make_shared<AssetList>();
              for (const Value& element : answer.as<NSArray>()) {
@@ -96,7 +100,9 @@ void FlareboxManager::sendEngagement(const Ref<FXEngagementData>& engagement,
     if (!requireParameter(bool(engagement), "data", fail)) return;
 
     send("POST", pathOf("/kafka/engagement/"), engagement->toDictionary(), nullptr,
-         [completion](const Value&, const Ref<NSError>& error) { completion(error); });
+         [completion](const Value&, const Ref<NSError>& error) {
+             if (completion) completion(error);
+         });
 }
 
 void FlareboxManager::saveCoupon(const Ref<FXCoupon>& coupon,
@@ -107,6 +113,7 @@ void FlareboxManager::saveCoupon(const Ref<FXCoupon>& coupon,
     if (!requireParameter(bool(coupon), "couponData", fail)) return;
 
     send("POST", pathOf("/coupons/"), coupon->toDictionary(), nullptr, [completion](const Value& answer, const Ref<NSError>& error) {
+        if (!completion) return;
         if (error) return completion(nullptr, error);
         completion(FXCoupon::initWithDictionary(answer.as<NSDictionary>()), nullptr);
     });

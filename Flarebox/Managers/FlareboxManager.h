@@ -20,8 +20,12 @@ extern const int kApiMissingParamErrorCode;
 /// Assets in the order in which they are listed. Shared, so that the client and the tab hold the same list.
 using AssetList = std::vector<Ref<FXAssetInfo>>;
 
-/// The one client of the service. Its operations read the configuration afresh, send one request each, and call their
-/// completion once on the main queue. Main thread.
+/// The one client of the service. Its operations read the configuration afresh, send one request each, and call their completion, which
+/// may be null, once on the main queue; a shutdown drops it.
+///
+/// An input that is missing fails an assertion: in builds with assertions the default handler raises an NSException. Where the handler returns,
+/// and in builds without, nothing is sent and the completion is called at once with an error of kApiErrorDomain. Transport errors are passed on
+/// unchanged. Main thread.
 class FlareboxManager : public AFHTTPSessionManager {
     FLAREBOX_CLASS(FlareboxManager)
 public:
@@ -40,7 +44,7 @@ public:
 
     /// A request for a path (starting with "/") below the base address: its text is appended as it stands. `params` (absent for none) go into
     /// the query of a "GET" and into a JSON body otherwise. The time-out is the host's default "timeoutInterval" in whole seconds, 0
-    /// for the transport's own. Null when no request can be made of these.
+    /// for the transport's own. Header names and values are texts. Null when no request can be made of these.
     Ref<NSMutableURLRequest> requestWithMethod(const NSString& method, const NSString& path, const NSDictionary& params,
                                                const NSDictionary& headers);
 

@@ -19,6 +19,7 @@ const ClassInfo& AssetCollectionViewCell::staticClass() {
 void AssetCollectionViewCell::awakeFromNib() { UICollectionViewCell::awakeFromNib(); }
 
 void AssetCollectionViewCell::loadCellData(const Ref<FXAssetInfo>& asset, bool selected) {
+    if (!asset) return;
     asset_ = asset;
     imgAsset_->layer().setBorderColor(UIColor::whiteColor());
     imgAsset_->layer().setCornerRadius(bounds().width() / 2);
@@ -34,10 +35,11 @@ void AssetCollectionViewCell::loadIcon(const NSURL& address) {
     const Ref<AssetCollectionViewCell> self(this);
     setImageWithURLRequest(
         *imgAsset_, NSURLRequest::requestWithURL(address), nullptr,
-        [self](const Ref<NSURLRequest>& request, const Ref<NSHTTPURLResponse>&, const Ref<UIImage>& image) {
+        [self](const Ref<NSURLRequest>& request, const Ref<NSHTTPURLResponse>& response, const Ref<UIImage>& image) {
             if (!(request->URL() == self->iconAddress_)) return;
             self->hideLoading();
-            self->imgAsset_->setImage(image, true);
+            // A picture that was at hand is there at once; one that was waited for fades in.
+            self->imgAsset_->setImage(image, response != nullptr);
         },
         [self](const Ref<NSURLRequest>& request, const Ref<NSHTTPURLResponse>&, const Ref<NSError>& error) {
             if (!(request->URL() == self->iconAddress_)) return;

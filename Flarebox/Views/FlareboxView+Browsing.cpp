@@ -20,9 +20,11 @@ bool isPresent(const NSString& text) { return !text.text().empty(); }
 }  // namespace
 
 void FlareboxView::updateFlarebox() {
-    std::erase_if(*assestsList_, [](const Ref<FXAssetInfo>& asset) { return !isPresent(asset->fileIcon()); });
-    if (assestsList_->empty()) return showEmptyView();
+    if (assestsList_) {
+        std::erase_if(*assestsList_, [](const Ref<FXAssetInfo>& asset) { return !asset || !isPresent(asset->fileIcon()); });
+    }
     collectionView_->reloadData();
+    if (!assestsList_ || assestsList_->empty()) return showEmptyView();
     collectionView_->performBatchUpdates(nullptr, [self = Ref<FlareboxView>(this)](bool finished) {
         if (finished) self->selectFirstAsset();
     });
@@ -37,6 +39,7 @@ void FlareboxView::selectFirstAsset() {
 }
 
 void FlareboxView::selectAsset(const Ref<FXAssetInfo>& asset) {
+    if (!asset) return;
     currentAsset_ = asset;
     lbAssetTitle_->setText(asset->title());
     lbAssetDesc_->setText(asset->_description());
@@ -52,11 +55,12 @@ void FlareboxView::loadAssetPicture(const NSString& address) {
     if (!url) return;
     setImageWithURLRequest(
         *imgAssetContent_, NSURLRequest::requestWithURL(url), nullptr,
-        [self = Ref<FlareboxView>(this), url](const Ref<NSURLRequest>& request, const Ref<NSHTTPURLResponse>&, const Ref<UIImage>& image) {
+        [self = Ref<FlareboxView>(this), url](const Ref<NSURLRequest>& request, const Ref<NSHTTPURLResponse>& response, const Ref<UIImage>& image) {
             // The player may have moved on: the picture is shown only while its own asset, or one with the same picture, is current.
             if (!self->currentAsset_ || !(request->URL() == url)) return;
             if (!(NSURL::URLWithString(self->currentAsset_->fileImage()) == url)) return;
-            self->imgAssetContent_->setImage(image, true);
+            // A picture that was at hand is there at once; one that was waited for fades in.
+            self->imgAssetContent_->setImage(image, response != nullptr);
         },
         [](const Ref<NSURLRequest>&, const Ref<NSHTTPURLResponse>&, const Ref<NSError>& error) {
             warningLog("%@", error->localizedDescription());
@@ -64,8 +68,10 @@ void FlareboxView::loadAssetPicture(const NSString& address) {
 }
 
 void FlareboxView::validateAssetPreventModes() {
-    btn2d_->setEnabled(isPresent(currentAsset_->fileImage()));
-    btn2d_->setSelected(true);
+    const bool hasPicture = isPresent(currentAsset_->fileImage());
+    btn2d_->setEnabled(hasPicture);
+    // An asset without a picture leaves the content area as it was.
+    if (hasPicture) btn2d_->setSelected(true);
 }
 
 void FlareboxView::pressBuyButton() {
@@ -100,7 +106,9 @@ void FlareboxView::pressPreviousAssetButton() {
     collectionView_->setContentOffset(offset, false);
 }
 
-bool FlareboxView::isCurrentAsset(const FXAssetInfo& asset) const { return currentAsset_ && asset._id() == currentAsset_->_id(); }
+bool FlareboxView::isCurrentAsset(const FXAssetInfo& asset) const { 
+    return currentAsset_ && asset._id() && asset._id() == currentAsset_->_id();
+}
 
 void FlareboxView::reloadCellVisibles() {
     for (const NSIndexPath& path : collectionView_->indexPathsForVisibleItems()) {
@@ -120,6 +128,7 @@ CGSize FlareboxView::collectionViewLayoutSizeForItemAtIndexPath(UICollectionView
 }
 
 Ref<UICollectionViewCell> FlareboxView::collectionViewCellForItemAtIndexPath(UICollectionView& view, const NSIndexPath& path) {
+    if (!assestsList_ || path.row >= assestsList_->size()) return nullptr;
     Ref<UICollectionViewCell> cell = view.dequeueReusableCell(cellIdentifier, path);
     const Ref<FXAssetInfo>& asset = (*assestsList_)[path.row];
     if (auto* assetCell = objectCast<AssetCollectionViewCell>(cell.get())) assetCell->loadCellData(asset, isCurrentAsset(*asset));
@@ -127,6 +136,8 @@ Ref<UICollectionViewCell> FlareboxView::collectionViewCellForItemAtIndexPath(UIC
 }
 
 void FlareboxView::collectionViewDidSelectItemAtIndexPath(UICollectionView&, const NSIndexPath& path) {
+    // A finger may have lain on a cell while the list under it changed.
+    if (!assestsList_ || path.row >= assestsList_->size()) return;
     selectAsset((*assestsList_)[path.row]);
     reloadCellVisibles();
 }

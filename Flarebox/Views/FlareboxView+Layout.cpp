@@ -25,7 +25,7 @@ bool isSettled(UIDeviceOrientation orientation) {
 
 }  // namespace
 
-// Single precision throughout: the sizes are compared with those of other platforms, digit by digit.
+// Single precision throughout, so that the sizes are the same as on the phones that the panel was drawn for.
 CGSize FlareboxView::getViewSize() {
     const CGSize screen = UIScreen::mainScreen().bounds().size;
     const float density = 160.0F * static_cast<float>(UIScreen::mainScreen().scale());

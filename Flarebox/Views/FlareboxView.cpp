@@ -133,6 +133,8 @@ void FlareboxView::showAtWindow() {
 
 void FlareboxView::showAtView(UIView& parent) {
     parent.addSubview(*this);
+    // A view inside the tab cannot hold it.
+    if (superview() != &parent) return;
     loadLayoutConstrains();
     attachOpenButton(parent);
     dispatch_async_main([self = Ref<FlareboxView>(this)] { self->toggleFlarebox(false, false); });
@@ -165,7 +167,7 @@ void FlareboxView::toggleFlarebox(bool open, bool animated) {
 void FlareboxView::placePanel(bool open, bool animated) {
     if (const auto leading = constraintLeadingContentView_.lock()) leading->setConstant(open ? 0.0 : -getViewSize().width);
     const Ref<UIView> parent(superview());
-    if (!parent) return;
+    if (!parent || !panelShadow_) return;
     const auto place = [&] {
         parent->layoutIfNeeded();
         // A closed panel is out of sight, and so has to be what it throws onto the game.

@@ -23,7 +23,8 @@ class NSNotification;
 enum AssetMode : std::uint64_t { AssetMode2D = 0, AssetMode3D = 1, AssetModeVideo = 2 };
 
 /// The tab: a panel at the left edge of its parent, hidden beyond the edge while closed, with an open button that sticks out.
-/// It loads the game's assets as soon as it exists and shows them when opened. The host owns it. Main thread only.
+/// It loads the game's assets as soon as it exists and shows them when opened. The host owns it, and so does the network monitor from
+/// the first load on, until another tab loads or the host adapter goes. Made by `init()` only. Main thread only.
 class FlareboxView : public UIView, public UICollectionViewDataSource, public UICollectionViewDelegate {
     FLAREBOX_CLASS(FlareboxView)
 public:
@@ -44,7 +45,7 @@ public:
     void toggleFlarebox();
     /// Animated over 0.3 seconds, or at once. An open tab asked to open does nothing.
     void toggleFlarebox(bool open, bool animated);
-    /// The state that the tab has or is moving to. A tab that was never attached counts as open.
+    /// The state that the tab has or is moving to. A tab without a parent counts as open.
     bool isOpened() const;
     void showFlareboxButton() { showFlareboxButton(true); }
     void hideFlareboxButton() { showFlareboxButton(false); }
@@ -70,7 +71,7 @@ public:
     /// An image-loading client, made on first use.
     AFHTTPSessionManager& operationManager();
 
-    // The load chain.
+    // The load chain. While a load is under way, or the network is known to be away, asking for another does nothing.
     void loadData();
     bool validSessionData();
     void createGameSession();
@@ -92,9 +93,13 @@ public:
     void deviceOrientationDidChange();
 
     // Browsing.
+    /// Drops assets without an icon from the list and shows what is left.
     void updateFlarebox();
+    /// Null does nothing.
     void selectAsset(const Ref<FXAssetInfo>& asset);
+    /// Moves the ring to the current asset.
     void reloadCellVisibles();
+    /// Scroll the list by one item; the selection stays.
     void pressNextAssetButton();
     void pressPreviousAssetButton();
 

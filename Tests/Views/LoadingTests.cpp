@@ -146,6 +146,24 @@ TEST_F(LoadingTest, AnEmptyListIsSaidAndAskedForAgain) {
     ASSERT_TRUE(settle([&] { return tab_->currentAsset() != nullptr; })) << "opening an empty tab loads";
 }
 
+TEST_F(LoadingTest, AListThatVanishesUnderAFingerHarmsNothing) {
+    showLoadedTab();
+    tab_->open();
+    pass(0.4);
+    auto* list = field<UICollectionView>("collectionView");
+    const CGRect cell = list->cellForItemAtIndexPath({0, 1})->presentationRectInRoot();
+    host_->pointerDown(0, {cell.midX(), cell.midY()});
+    sharedService().behave("/game/common-assets/", {.body = "[]"});
+    network_->setStatus(AFNetworkReachabilityStatusReachableViaWWAN);
+    ASSERT_TRUE(settle([&] { return shown("emptyView"); }));
+    host_->pointerUp(0, {cell.midX(), cell.midY()});
+    pass(1);
+    EXPECT_FALSE(tab_->currentAsset());
+    tab_->selectAsset(nullptr);
+    tab_->showAtView(*tab_);
+    EXPECT_EQ(tab_->superview(), &window());
+}
+
 TEST_F(LoadingTest, TappingACellSelectsItsAsset) {
     showLoadedTab();
     tab_->open();
