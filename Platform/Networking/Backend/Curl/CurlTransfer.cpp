@@ -6,8 +6,6 @@
 #include <Networking/UserAgent.h>
 
 #include <algorithm>
-#include <cmath>
-#include <limits>
 #include <utility>
 
 namespace flarebox {
@@ -56,7 +54,8 @@ CurlTransfer::CurlTransfer(EasyHandle handle, TransferRequest request, Transport
     : handle_(std::move(handle)),
       request_(std::move(request)),
       completion_(std::move(completion)),
-      idleTimeout_(usableTimeout(request_.idleTimeout)) {
+      idleTimeout_(usableTimeout(request_.idleTimeout)),
+      lastActivity_(Clock::real().uptime()) {
     setUp(noProxy);
 }
 
@@ -75,8 +74,7 @@ void CurlTransfer::setUp(const std::string& noProxy) {
     setUpLimits();
     setUpMethod();
     setUpFields();
-    setUpContentCallbacks();
-    setUpActivityCallbacks();
+    setUpCallbacks();
 }
 
 void CurlTransfer::setUpLimits() {
@@ -92,7 +90,7 @@ void CurlTransfer::setUpLimits() {
     }
 }
 
-void CurlTransfer::setUpContentCallbacks() {
+void CurlTransfer::setUpCallbacks() {
     CURL* curl = handle();
     curl_easy_setopt(curl, CURLOPT_HEADERDATA, this);
     curl_easy_setopt(
@@ -104,36 +102,12 @@ void CurlTransfer::setUpContentCallbacks() {
         curl, CURLOPT_WRITEFUNCTION, +[](char* bytes, std::size_t size, std::size_t count, void* self) -> std::size_t {
             return static_cast<CurlTransfer*>(self)->receiveBody({bytes, size * count});
         });
-}
-
-void CurlTransfer::setUpActivityCallbacks() {
-    CURL* curl = handle();
     curl_easy_setopt(curl, CURLOPT_NOPROGRESS, 0L);
     curl_easy_setopt(curl, CURLOPT_XFERINFODATA, this);
     curl_easy_setopt(
         curl, CURLOPT_XFERINFOFUNCTION,
         +[](void* self, curl_off_t, curl_off_t received, curl_off_t, curl_off_t sent) -> int {
             return static_cast<CurlTransfer*>(self)->noteProgress(received, sent) ? 0 : 1;
-        });
-
-    // Whichever of these comes first tells that the transfer no longer waits for a connection to become free.
-    curl_easy_setopt(curl, CURLOPT_RESOLVER_START_DATA, this);
-    curl_easy_setopt(
-        curl, CURLOPT_RESOLVER_START_FUNCTION, +[](void*, void*, void* self) -> int {
-            static_cast<CurlTransfer*>(self)->noteActivity();
-            return 0;
-        });
-    curl_easy_setopt(curl, CURLOPT_SOCKOPTDATA, this);
-    curl_easy_setopt(
-        curl, CURLOPT_SOCKOPTFUNCTION, +[](void* self, curl_socket_t, curlsocktype) -> int {
-            static_cast<CurlTransfer*>(self)->noteActivity();
-            return CURL_SOCKOPT_OK;
-        });
-    curl_easy_setopt(curl, CURLOPT_PREREQDATA, this);
-    curl_easy_setopt(
-        curl, CURLOPT_PREREQFUNCTION, +[](void* self, char*, char*, int, int) -> int {
-            static_cast<CurlTransfer*>(self)->noteActivity();
-            return CURL_PREREQFUNC_OK;
         });
 }
 
@@ -175,12 +149,13 @@ void CurlTransfer::setUpFields() {
     curl_easy_setopt(handle(), CURLOPT_HTTPHEADER, fields_.get());
 }
 
-double CurlTransfer::deadline() const {
-    return started_ ? lastActivity_ + idleTimeout_ : std::numeric_limits<double>::infinity();
+bool CurlTransfer::isMultiplexed() const {
+    long version = 0;
+    curl_easy_getinfo(handle(), CURLINFO_HTTP_VERSION, &version);
+    return version >= CURL_HTTP_VERSION_2_0;
 }
 
 void CurlTransfer::noteActivity() {
-    started_ = true;
     lastActivity_ = Clock::real().uptime();
 }
 

@@ -18,8 +18,11 @@ public:
     CurlTransfer& operator=(const CurlTransfer&) = delete;
 
     CURL* handle() const { return handle_.get(); }
-    /// Uptime at which the transfer fails unless a byte moves before; infinite while it waits for its turn.
-    double deadline() const;
+    const std::string& url() const { return request_.url; }
+    /// Uptime at which the transfer fails unless a byte moves before.
+    double deadline() const { return lastActivity_ + idleTimeout_; }
+    /// Whether the answer came over HTTP/2 or later.
+    bool isMultiplexed() const;
 
     void completeWith(CURLcode code);
     /// The handle, cleared for another transfer; this one is over.
@@ -33,8 +36,7 @@ private:
     void setUpLimits();
     void setUpMethod();
     void setUpFields();
-    void setUpContentCallbacks();
-    void setUpActivityCallbacks();
+    void setUpCallbacks();
     void addField(const std::string& line);
 
     std::size_t receiveHeader(std::string_view line);
@@ -52,8 +54,7 @@ private:
     Transport::Completion completion_;
     StringList fields_;
     double idleTimeout_;
-    double lastActivity_ = 0;
-    bool started_ = false;
+    double lastActivity_;
     curl_off_t bytesMoved_ = 0;
     std::size_t headerLength_ = 0;
     bool headEnded_ = false;

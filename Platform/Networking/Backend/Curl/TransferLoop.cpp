@@ -16,7 +16,6 @@ namespace flarebox {
 namespace {
 
 constexpr long keptConnections = 16;
-constexpr long maximumConnections = 64;
 constexpr std::size_t keptHandles = 16;
 constexpr double longestWait = 60;
 
@@ -40,8 +39,6 @@ TransferLoop::TransferLoop() : noProxy_(hostsWithoutProxy()) {
     initialiseLibrary();
     multi_.reset(curl_multi_init());
     curl_multi_setopt(multi_.get(), CURLMOPT_MAXCONNECTS, keptConnections);
-    curl_multi_setopt(multi_.get(), CURLMOPT_MAX_HOST_CONNECTIONS, static_cast<long>(Transport::connectionsPerHost));
-    curl_multi_setopt(multi_.get(), CURLMOPT_MAX_TOTAL_CONNECTIONS, maximumConnections);
     thread_ = std::thread([this] { run(); });
 }
 
@@ -80,11 +77,12 @@ void TransferLoop::run() {
 
     for (Orders orders = takeOrders(); !orders.stop; orders = takeOrders()) {
         follow(std::move(orders));
+        beginWaiting();
         int running = 0;
         curl_multi_perform(multi_.get(), &running);
-        finishEnded();
-        finishIdle();
-        waitForEvents();
+        const bool ended = finishEnded();
+        const bool timedOut = finishIdle();
+        if (!ended && !timedOut) waitForEvents();
     }
     for (auto& [identifier, transfer] : transfers_) curl_multi_remove_handle(multi_.get(), transfer->handle());
     transfers_.clear();
@@ -97,24 +95,29 @@ TransferLoop::Orders TransferLoop::takeOrders() {
 }
 
 void TransferLoop::follow(Orders orders) {
-    for (auto& transfer : orders.transfers) begin(std::move(transfer));
+    for (auto& transfer : orders.transfers) queue_.add(std::move(transfer));
     for (auto& [identifier, watch] : orders.watches) {
         watch->readable();
         watches_.emplace(identifier, std::move(watch));
     }
     for (Identifier identifier : orders.ends) {
         watches_.erase(identifier);
+        queue_.remove(identifier);
         if (auto transfer = transfers_.extract(identifier)) release(std::move(transfer.mapped()));
     }
 }
 
-void TransferLoop::begin(NewTransfer order) {
-    auto transfer = std::make_unique<CurlTransfer>(takeSpareHandle(), std::move(order.request),
-                                                   std::move(order.completion), noProxy_);
+void TransferLoop::beginWaiting() {
+    while (auto entry = queue_.takeNext()) begin(std::move(*entry));
+}
+
+void TransferLoop::begin(TransferQueue::Entry entry) {
+    auto transfer = std::make_unique<CurlTransfer>(takeSpareHandle(), std::move(entry.request),
+                                                   std::move(entry.completion), noProxy_);
     CURL* handle = transfer->handle();
-    identifiers_[handle] = order.identifier;
-    transfers_[order.identifier] = std::move(transfer);
-    if (curl_multi_add_handle(multi_.get(), handle) != CURLM_OK) finish(order.identifier, CURLE_FAILED_INIT);
+    identifiers_[handle] = entry.identifier;
+    transfers_[entry.identifier] = std::move(transfer);
+    if (curl_multi_add_handle(multi_.get(), handle) != CURLM_OK) finish(entry.identifier, CURLE_FAILED_INIT);
 }
 
 void TransferLoop::finish(Identifier identifier, CURLcode code) {
@@ -124,23 +127,26 @@ void TransferLoop::finish(Identifier identifier, CURLcode code) {
     release(std::move(transfer.mapped()));
 }
 
-void TransferLoop::finishEnded() {
+bool TransferLoop::finishEnded() {
+    bool any = false;
     int left = 0;
     while (const CURLMsg* message = curl_multi_info_read(multi_.get(), &left)) {
         auto identifier = identifiers_.find(message->easy_handle);
-        if (message->msg == CURLMSG_DONE && identifier != identifiers_.end()) {
-            finish(identifier->second, message->data.result);
-        }
+        if (message->msg != CURLMSG_DONE || identifier == identifiers_.end()) continue;
+        finish(identifier->second, message->data.result);
+        any = true;
     }
+    return any;
 }
 
-void TransferLoop::finishIdle() {
+bool TransferLoop::finishIdle() {
     const double now = Clock::real().uptime();
     std::vector<Identifier> idle;
     for (auto& [identifier, transfer] : transfers_) {
         if (transfer->deadline() <= now) idle.push_back(identifier);
     }
     for (Identifier identifier : idle) finish(identifier, CURLE_OPERATION_TIMEDOUT);
+    return !idle.empty();
 }
 
 int TransferLoop::millisecondsToWait() const {
@@ -166,6 +172,7 @@ void TransferLoop::waitForEvents() {
 }
 
 void TransferLoop::release(std::unique_ptr<CurlTransfer> transfer) {
+    queue_.ended(transfer->url(), transfer->isMultiplexed());
     curl_multi_remove_handle(multi_.get(), transfer->handle());
     identifiers_.erase(transfer->handle());
     if (spareHandles_.size() < keptHandles) spareHandles_.push_back(transfer->takeHandle());

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <Networking/Backend/Curl/CurlHandles.h>
+#include <Networking/Backend/Curl/TransferQueue.h>
 #include <Networking/Transport.h>
 
 #include <mutex>
@@ -30,18 +31,13 @@ public:
     void end(Identifier identifier);
 
 private:
-    struct NewTransfer {
-        Identifier identifier;
-        TransferRequest request;
-        Transport::Completion completion;
-    };
     struct NewWatch {
         Identifier identifier;
         std::unique_ptr<Transport::Watch> watch;
     };
     /// What other threads have asked for since the last look.
     struct Orders {
-        std::vector<NewTransfer> transfers;
+        std::vector<TransferQueue::Entry> transfers;
         std::vector<NewWatch> watches;
         std::vector<Identifier> ends;
         bool stop = false;
@@ -53,10 +49,12 @@ private:
     void run();
     Orders takeOrders();
     void follow(Orders orders);
-    void begin(NewTransfer transfer);
+    void beginWaiting();
+    void begin(TransferQueue::Entry entry);
     void finish(Identifier identifier, CURLcode code);
-    void finishEnded();
-    void finishIdle();
+    /// Both tell whether there were any.
+    bool finishEnded();
+    bool finishIdle();
     void waitForEvents();
     int millisecondsToWait() const;
     void release(std::unique_ptr<CurlTransfer> transfer);
@@ -67,6 +65,7 @@ private:
 
     MultiHandle multi_;
     std::string noProxy_;
+    TransferQueue queue_;
     Transfers transfers_;
     std::unordered_map<CURL*, Identifier> identifiers_;
     std::unordered_map<Identifier, std::unique_ptr<Transport::Watch>> watches_;
