@@ -203,17 +203,31 @@ TEST_F(FailureTest, OnlySilenceTimesOut) {
 // More requests than connections: the last ones wait longer than their time-out, but not in silence of the server's.
 TEST_F(FailureTest, WaitingForAFreeConnectionIsNoSilence) {
     ScriptedServer server(answering([](Connection& connection, auto&) {
-        connection.pause(0.25);
+        connection.pause(0.5);
         connection.answerJSON("[]");
     }));
     std::vector<Outcome> outcomes(static_cast<std::size_t>(Transport::connectionsPerHost) * 5);
     for (auto& outcome : outcomes) {
         auto request = get(server.url());
-        request->setTimeoutInterval(1);
+        request->setTimeoutInterval(2);
         manager_->dataTaskWithRequest(request, outcome.recorder())->resume();
     }
     EXPECT_TRUE(pumpUntilIdle());
     for (auto& outcome : outcomes) EXPECT_EQ(outcome.code(), 0);
+}
+
+TEST_F(FailureTest, AServerThatHangsHoldsUpNoOther) {
+    ScriptedServer hanging([](Connection& connection) { connection.hang(); });
+    ScriptedServer good(answering([](Connection& connection, auto&) { connection.answerJSON("[]"); }));
+    Outcome never;
+    std::vector<Outcome> outcomes(50);
+    for (auto& outcome : outcomes) {
+        manager_->dataTaskWithRequest(get(hanging.url()), never.recorder())->resume();
+        manager_->dataTaskWithRequest(get(good.url()), outcome.recorder())->resume();
+    }
+    for (auto& outcome : outcomes) EXPECT_TRUE(pumpUntil([&] { return outcome.calls == 1; }));
+    EXPECT_EQ(never.calls, 0);
+    EXPECT_LE(hanging.acceptedConnections(), Transport::connectionsPerHost);
 }
 
 }  // namespace flarebox::testing
