@@ -31,7 +31,8 @@ Reach shadowReach(const CALayer& layer, CGFloat scale) {
 UIEdgeInsets edges(const CALayer& layer) {
     const CornerRadii& radii = layer.cornerRadii();
     const CGFloat border = hasBorder(layer) ? layer.borderWidth() : 0;
-    // The same on all sides: a radius is cut down to half of the shorter side, which must not happen in the small bitmap.
+    // The same on all sides: a radius is cut down to half of the shorter side, which must not happen in the small
+    // bitmap.
     const CGFloat edge = std::max({border, radii.topLeft, radii.topRight, radii.bottomLeft, radii.bottomRight});
     UIEdgeInsets insets{edge, edge, edge, edge};
     if (hasShadow(layer)) {
@@ -155,6 +156,42 @@ void drawBitmap(UIView& view, const BitmapPlan& plan, std::vector<std::uint32_t>
         canvas->restore();
     }
     if (hasBorder(layer)) canvas->strokeRoundedRect(whole, radii, layer.borderWidth(), layer.borderColor());
+}
+
+void copyRounded(const UIView::PixelBuffer& picture, const CGRect& outline, const CornerRadii& radii,
+                 std::vector<std::uint32_t>& pixels) {
+    pixels.resize(static_cast<std::size_t>(picture.width) * static_cast<std::size_t>(picture.height));
+    for (int y = 0; y < picture.height; ++y) {
+        std::copy_n(picture.pixels + std::ptrdiff_t{y} * picture.stride, picture.width,
+                    pixels.begin() + std::ptrdiff_t{y} * picture.width);
+    }
+    // The square of a corner, seen from the centre of its circle.
+    const auto round = [&](CGFloat cornerX, CGFloat cornerY, int towardsX, int towardsY, CGFloat radius) {
+        if (!(radius > 0)) return;
+        const CGFloat centerX = cornerX + towardsX * radius, centerY = cornerY + towardsY * radius;
+        const auto first = [](CGFloat a, CGFloat b) {
+            return std::max(0, static_cast<int>(std::floor(std::min(a, b))));
+        };
+        const auto last = [](CGFloat a, CGFloat b, int end) {
+            return std::min(end, static_cast<int>(std::ceil(std::max(a, b))));
+        };
+        for (int y = first(cornerY, centerY); y < last(cornerY, centerY, picture.height); ++y) {
+            for (int x = first(cornerX, centerX); x < last(cornerX, centerX, picture.width); ++x) {
+                const CGFloat distance = std::hypot(x + 0.5 - centerX, y + 0.5 - centerY);
+                const CGFloat share = std::clamp(radius - distance + 0.5, 0.0, 1.0);
+                std::uint32_t& pixel = pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(picture.width) +
+                                              static_cast<std::size_t>(x)];
+                const auto part = [&](int shift) {
+                    return static_cast<std::uint32_t>(std::lround((pixel >> shift & 255) * share)) << shift;
+                };
+                if (share < 1) pixel = part(24) | part(16) | part(8) | part(0);
+            }
+        }
+    };
+    round(outline.minX(), outline.minY(), 1, 1, radii.topLeft);
+    round(outline.maxX(), outline.minY(), -1, 1, radii.topRight);
+    round(outline.maxX(), outline.maxY(), -1, -1, radii.bottomRight);
+    round(outline.minX(), outline.maxY(), 1, -1, radii.bottomLeft);
 }
 
 std::uint32_t premultiplied(const UIColor& color) {

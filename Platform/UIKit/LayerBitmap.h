@@ -29,6 +29,11 @@ BitmapPlan planBitmap(const UIView& view, CGFloat scale, int maximumSize);
 /// Shadow, background, content and border, into premultiplied pixels.
 void drawBitmap(UIView& view, const BitmapPlan& plan, std::vector<std::uint32_t>& pixels);
 
+/// Copies a picture without gaps and makes clear what lies beyond the rounded corners of `outline`, which is in the
+/// picture's own pixels.
+void copyRounded(const UIView::PixelBuffer& picture, const CGRect& outline, const CornerRadii& radii,
+                 std::vector<std::uint32_t>& pixels);
+
 std::uint32_t premultiplied(const UIColor& color);
 /// From premultiplied pixels.
 void makeAlphaStraight(std::vector<std::uint32_t>& pixels);

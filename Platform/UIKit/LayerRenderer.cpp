@@ -78,13 +78,84 @@ private:
 
     void show(UIView& view, const CGRect& rect, const Surroundings& around) {
         if (rect.isEmpty()) return;
+        if (view.showsPixelBuffer()) return showPixels(view, rect, around);
         if (detail::needsBitmap(view)) return showBitmap(view, rect, around);
+        showBackground(view, rect, around);
+    }
+
+    void showBackground(UIView& view, const CGRect& rect, const Surroundings& around) {
         if (view.backgroundColor_.isClear() || rect.intersection(around.clip).isEmpty()) return;
         add({renderer_.textures_->plain(view.backgroundColor_), {0, 0, 1, 1}, rect, around.clip, around.opacity});
     }
 
     void add(const TexturedQuad& quad) {
         if (quad.texture && !quad.destination.intersection(quad.clip).isEmpty()) renderer_.quads_.push_back(quad);
+    }
+
+    void showPixels(UIView& view, const CGRect& rect, const Surroundings& around) {
+        const CGRect clip = around.clip.intersection(rect);
+        if (clip.isEmpty()) return;
+        if (view.layer_.cornerRadii() == CornerRadii()) showBackground(view, rect, around);
+        if (view.needsDisplay_ || !hasTexture(view) || !(view.renderState_->drawnSize == view.frame_.size))
+            uploadPixels(view, rect);
+        const State& state = *view.renderState_;
+        if (!state.texture) return;
+        const CGRect place =
+            placedByContentMode({CGFloat(state.width), CGFloat(state.height)}, rect, view.contentMode_);
+        add({state.texture, {0, 0, state.width, state.height}, place, clip, around.opacity});
+    }
+
+    void uploadPixels(UIView& view, const CGRect& rect) {
+        State& state = stateOf(view);
+        view.needsDisplay_ = false;
+        state.drawnSize = view.frame_.size;
+        const UIView::PixelBuffer picture = view.pixelBuffer();
+        const int largest = renderer_.textures_->maximumSize();
+        if (!picture.pixels || picture.width < 1 || picture.height < 1 || picture.width > largest ||
+            picture.height > largest) {
+            dropTexture(state);
+            return;
+        }
+        const CGRect place =
+            placedByContentMode({CGFloat(picture.width), CGFloat(picture.height)}, rect, view.contentMode_);
+        const CGFloat shrink = picture.width / place.width();
+        const CGRect outline = CGRectMake((rect.minX() - place.minX()) * shrink, (rect.minY() - place.minY()) * shrink,
+                                          rect.width() * shrink, rect.height() * shrink);
+        CornerRadii radii = view.layer_.cornerRadii();
+        for (CGFloat* radius : {&radii.topLeft, &radii.topRight, &radii.bottomLeft, &radii.bottomRight})
+            *radius *= scale_ * shrink;
+        detail::copyRounded(picture, outline, radii, renderer_.pixels_);
+        uploadTexture(state, picture.width, picture.height);
+    }
+
+    void dropTexture(State& state) {
+        if (state.texture && state.round == renderer_.textures_->round()) renderer_.textures_->retire(state.texture);
+        state.texture = 0;
+        state.round = renderer_.textures_->round();
+        state.width = state.height = 0;
+    }
+
+    State& stateOf(UIView& view) {
+        if (!view.renderState_ || view.renderState_->textures != renderer_.textures_)
+            view.renderState_ = std::make_unique<State>(renderer_.textures_);
+        return *view.renderState_;
+    }
+
+    /// Whether what the view last gave to the compositor, a picture or none, still holds.
+    bool hasTexture(const UIView& view) const {
+        const State* state = view.renderState_.get();
+        return state && state->textures == renderer_.textures_ && state->round == renderer_.textures_->round();
+    }
+
+    /// From the renderer's pixels.
+    void uploadTexture(State& state, int width, int height) {
+        detail::LayerTextures& textures = *renderer_.textures_;
+        const TextureId old = state.round == textures.round() ? state.texture : 0;
+        const bool isSameSize = state.width == width && state.height == height;
+        state.texture = textures.upload(renderer_.pixels_, width, height, old, isSameSize);
+        state.round = textures.round();
+        state.width = width;
+        state.height = height;
     }
 
     void showBitmap(UIView& view, const CGRect& rect, const Surroundings& around) {
@@ -113,9 +184,9 @@ private:
     }
 
     bool isUpToDate(const UIView& view, const detail::BitmapPlan& plan) const {
+        if (!hasTexture(view) || view.needsDisplay_) return false;
         const State* state = view.renderState_.get();
-        if (!state || state->textures != renderer_.textures_ || !state->texture || state->round != renderer_.textures_->round() || view.needsDisplay_)
-            return false;
+        if (!state->texture) return false;
         const bool isSameSize = !view.drawsContent() || state->drawnSize == view.frame_.size;
         return isSameSize && state->width == plan.width && state->height == plan.height;
     }
@@ -130,10 +201,7 @@ private:
     }
 
     void draw(UIView& view, const detail::BitmapPlan& plan) {
-        detail::LayerTextures& textures = *renderer_.textures_;
-        if (!view.renderState_ || view.renderState_->textures != renderer_.textures_)
-            view.renderState_ = std::make_unique<State>(renderer_.textures_);
-        State& state = *view.renderState_;
+        State& state = stateOf(view);
         // Cleared first: drawing may find that it has to happen again.
         view.needsDisplay_ = false;
         detail::drawBitmap(view, plan, renderer_.pixels_);
@@ -141,12 +209,7 @@ private:
         const auto middle = static_cast<std::size_t>(plan.top) * static_cast<std::size_t>(plan.width) +
                             static_cast<std::size_t>(plan.left);
         state.isMiddleClear = renderer_.pixels_[middle] == 0;
-        const TextureId old = state.round == textures.round() ? state.texture : 0;
-        state.texture = textures.upload(renderer_.pixels_, plan.width, plan.height, old,
-                                        state.width == plan.width && state.height == plan.height);
-        state.round = textures.round();
-        state.width = plan.width;
-        state.height = plan.height;
+        uploadTexture(state, plan.width, plan.height);
         state.drawnSize = view.frame_.size;
     }
 

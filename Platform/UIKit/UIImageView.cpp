@@ -8,15 +8,6 @@ namespace {
 
 constexpr double fadeDuration = 0.15;
 
-/// Where a picture of that size goes; larger than the area when it is to fill it.
-CGRect placed(CGSize picture, const CGRect& area, UIViewContentMode mode) {
-    if (mode == UIViewContentMode::ScaleToFill || !(picture.width > 0) || !(picture.height > 0)) return area;
-    const CGFloat across = area.width() / picture.width, down = area.height() / picture.height;
-    const CGFloat factor = mode == UIViewContentMode::ScaleAspectFit ? std::min(across, down) : std::max(across, down);
-    const CGSize size = {picture.width * factor, picture.height * factor};
-    return CGRectMake(area.midX() - size.width / 2, area.midY() - size.height / 2, size.width, size.height);
-}
-
 }  // namespace
 
 const ClassInfo& UIImageView::staticClass() {
@@ -81,7 +72,7 @@ void UIImageView::drawRect(Canvas& canvas, const CGRect&) {
         if (icon_) icon_->draw(canvas, area, tintColor());
         return;
     }
-    const CGRect place = placed(image_->size(), area, contentMode());
+    const CGRect place = placedByContentMode(image_->size(), area, contentMode());
     const CGFloat inset = area.minX() - bounds().minX();
     const auto radius = [inset](CGFloat own) { return std::max(0.0, own - inset); };
     const CornerRadii& own = layer().cornerRadii();

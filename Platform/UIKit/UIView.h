@@ -6,6 +6,7 @@
 #include <UIKit/Geometry.h>
 #include <UIKit/NSLayoutConstraint.h>
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -24,6 +25,9 @@ class UIWindow;
 inline constexpr CGFloat UIViewNoIntrinsicMetric = -1;
 
 enum class UIViewContentMode : std::uint8_t { ScaleToFill, ScaleAspectFit, ScaleAspectFill };
+/// Where a picture of that size goes in an area: beyond it where the mode fills the area and keeps the proportions.
+CGRect placedByContentMode(CGSize picture, const CGRect& area, UIViewContentMode mode);
+
 enum class UILayoutConstraintAxis : std::uint8_t { Horizontal, Vertical };
 
 /// A rectangle of the retained tree: owned by its superview, laid out by constraints or by its frame, drawn into a bitmap of
@@ -113,6 +117,17 @@ public:
     virtual void drawRect(Canvas& canvas, const CGRect& bounds);
     /// Whether `drawRect` would draw something; a view that answers false gets a bitmap only for background, border or shadow.
     virtual bool drawsContent() const { return false; }
+
+    /// A picture in memory: rows from the top, `stride` pixels from one to the next, each pixel premultiplied 0xAARRGGBB.
+    struct PixelBuffer {
+        int width = 0, height = 0, stride = 0;
+        const std::uint32_t* pixels = nullptr;
+    };
+    /// Whether the view shows a `pixelBuffer`, over its background colour and under its sub-views, instead of drawing: a video or a scene.
+    virtual bool showsPixelBuffer() const { return false; }
+    /// Asked for once after each `setNeedsDisplay` or change of size, when the next frame is drawn. Placed by the content mode, its corners rounded with the layer;
+    /// without pixels nothing is shown. The memory has to last until the next call.
+    virtual PixelBuffer pixelBuffer() { return {}; }
 
     // Hooks.
     /// After a layout file made the view and bound all its outlets.

@@ -46,6 +46,8 @@ struct UIView::LayoutState {
 struct UIView::RenderState {
     explicit RenderState(std::shared_ptr<detail::LayerTextures> store) : textures(std::move(store)) {}
     ~RenderState();
+    RenderState(const RenderState&) = delete;
+    RenderState& operator=(const RenderState&) = delete;
 
     std::shared_ptr<detail::LayerTextures> textures;
     /// Textures of an earlier round are gone.

@@ -47,7 +47,8 @@ Ref<T> add(UIView& parent, const CGRect& frame, const UIColor& color = UIColor::
 ::testing::AssertionResult isNear(std::uint32_t actual, std::uint32_t expected, int distance = 2) {
     for (const int shift : {24, 16, 8, 0}) {
         const int a = static_cast<int>(actual >> shift & 255), b = static_cast<int>(expected >> shift & 255);
-        if (std::abs(a - b) > distance) return ::testing::AssertionFailure() << std::hex << actual << " is not " << expected;
+        if (std::abs(a - b) > distance)
+            return ::testing::AssertionFailure() << std::hex << actual << " is not " << expected;
     }
     return ::testing::AssertionSuccess();
 }
@@ -62,7 +63,9 @@ protected:
         renderer_.draw(picture_, 2);
     }
     /// The pixel at a point.
-    std::uint32_t at(CGFloat x, CGFloat y) const { return picture_.pixelAt(static_cast<int>(x * 2), static_cast<int>(y * 2)); }
+    std::uint32_t at(CGFloat x, CGFloat y) const {
+        return picture_.pixelAt(static_cast<int>(x * 2), static_cast<int>(y * 2));
+    }
 
     Ref<UIView> root_ = make<UIView>();
     LayerRenderer renderer_{*root_};
@@ -140,7 +143,8 @@ TEST_F(Rendering, StretchedLooksEqualThoseDrawnInFull) {
         {"shadow alone", UIColor::clearColor(), {}, 0, {5, {0, 4}, red}},
     };
     for (const Look& look : looks) {
-        for (const CGRect& frame : {CGRectMake(15, 12, 64, 50), CGRectMake(15, 12, 64, 9), CGRectMake(30, 20, 14.5, 40)}) {
+        for (const CGRect& frame :
+             {CGRectMake(15, 12, 64, 50), CGRectMake(15, 12, 64, 9), CGRectMake(30, 20, 14.5, 40)}) {
             std::vector<std::uint32_t> pictures[2];
             std::size_t uploaded[2];
             for (const bool isFull : {false, true}) {
@@ -163,7 +167,8 @@ TEST_F(Rendering, StretchedLooksEqualThoseDrawnInFull) {
             int worst = 0;
             for (std::size_t i = 0; i < pictures[0].size(); ++i) {
                 for (const int shift : {16, 8, 0})
-                    worst = std::max(worst, std::abs(static_cast<int>(pictures[0][i] >> shift & 255) - static_cast<int>(pictures[1][i] >> shift & 255)));
+                    worst = std::max(worst, std::abs(static_cast<int>(pictures[0][i] >> shift & 255) -
+                                                     static_cast<int>(pictures[1][i] >> shift & 255)));
             }
             EXPECT_LE(worst, 3) << look.what << " " << frame.width() << "x" << frame.height();
             if (frame.height() != 50) continue;
@@ -201,9 +206,18 @@ TEST_F(Rendering, ViewsAreDrawnOnlyWhenTheirLookChanged) {
     EXPECT_EQ(renderer_.statistics().listsBuilt, before.listsBuilt) << "a still picture is the kept list";
 
     const std::function<void()> harmless[] = {
-        [&] { painted->setFrame({{12, 33}, {30, 20}}); }, [&] { painted->setAlpha(0.5); }, [&] { label->setHidden(true); },
-        [&] { label->setHidden(false); }, [&] { root_->setBoundsOrigin({1, 1}); }, [&] { root_->sendSubviewToBack(*label); },
-        [&] { label->removeFromSuperview(); }, [&] { root_->addSubview(*label); },
+        [&] {
+            painted->setFrame({{12, 33}, {30, 20}});
+        },
+        [&] { painted->setAlpha(0.5); },
+        [&] { label->setHidden(true); },
+        [&] { label->setHidden(false); },
+        [&] {
+            root_->setBoundsOrigin({1, 1});
+        },
+        [&] { root_->sendSubviewToBack(*label); },
+        [&] { label->removeFromSuperview(); },
+        [&] { root_->addSubview(*label); },
     };
     for (const auto& change : harmless) {
         change();
@@ -213,8 +227,14 @@ TEST_F(Rendering, ViewsAreDrawnOnlyWhenTheirLookChanged) {
         EXPECT_FALSE(renderer_.needsDisplay());
     }
     const std::function<void()> visible[] = {
-        [&] { painted->setNeedsDisplay(); }, [&] { painted->setBackgroundColor(red); }, [&] { label->setText("Other"); },
-        [&] { painted->setFrame({{10, 10}, {31, 20}}); }, [&] { painted->layer().setCornerRadius(4); }, [&] { painted->setTintColor(red); },
+        [&] { painted->setNeedsDisplay(); },
+        [&] { painted->setBackgroundColor(red); },
+        [&] { label->setText("Other"); },
+        [&] {
+            painted->setFrame({{10, 10}, {31, 20}});
+        },
+        [&] { painted->layer().setCornerRadius(4); },
+        [&] { painted->setTintColor(red); },
     };
     for (const auto& change : visible) {
         change();
@@ -349,20 +369,88 @@ public:
     int maximumTextureSize() const override { return maximum; }
 };
 
+/// Shows a picture of one colour.
+class Film : public UIView {
+public:
+    std::vector<std::uint32_t> frame;
+    int width = 0, asked = 0;
+
+    void show(int w, int h, std::uint32_t pixel) {
+        width = w;
+        frame.assign(static_cast<std::size_t>(w) * static_cast<std::size_t>(h), pixel);
+        setNeedsDisplay();
+    }
+    bool showsPixelBuffer() const override { return true; }
+    PixelBuffer pixelBuffer() override {
+        ++asked;
+        if (frame.empty()) return {};
+        return {width, static_cast<int>(frame.size()) / width, width, frame.data()};
+    }
+};
+
+TEST_F(Rendering, APixelBufferIsPlacedRoundedAndUploadedOnlyWhenNew) {
+    auto film = add<Film>(*root_, {{10, 10}, {40, 20}}, red);
+    film->setContentMode(UIViewContentMode::ScaleAspectFit);
+    draw();
+    EXPECT_EQ(at(30, 20), 0xFFFF0000) << "nothing to show yet";
+    film->show(50, 50, 0xFF00FF00);
+    draw();
+    EXPECT_EQ(at(30, 20), 0xFF00FF00);
+    EXPECT_EQ(at(21, 11), 0xFF00FF00);
+    EXPECT_EQ(at(15, 20), 0xFFFF0000) << "letter-boxed";
+    draw();
+    film->setAlpha(0.5);
+    draw();
+    EXPECT_EQ(film->asked, 2);
+    film->setAlpha(1);
+
+    film->layer().setCornerRadius(8);
+    film->setBackgroundColor(UIColor::clearColor());
+    film->setContentMode(UIViewContentMode::ScaleAspectFill);
+    draw();
+    EXPECT_EQ(at(10.5, 10.5), 0xFF000000);
+    EXPECT_EQ(at(49, 29), 0xFF000000);
+    EXPECT_EQ(at(30, 10.5), 0xFF00FF00);
+    EXPECT_EQ(at(30, 9), 0xFF000000) << "clipped to the view";
+
+    const int asked = film->asked;
+    film->setFrame({{10, 10}, {20, 20}});
+    draw();
+    EXPECT_EQ(film->asked, asked + 1) << "the corners lie elsewhere";
+    film->frame.clear();
+    film->setNeedsDisplay();
+    draw();
+    EXPECT_EQ(at(20, 20), 0xFF000000);
+    CountingCompositor counter;
+    film->show(10, 10, 0xFFFFFFFF);
+    renderer_.draw(counter, 2);
+    film->removeFromSuperview();
+    film = nullptr;
+    renderer_.draw(counter, 2);
+    EXPECT_EQ(counter.texturesAlive(), 0U);
+    EXPECT_EQ(counter.mistakes, 0U);
+}
+
 TEST_F(Rendering, PixelsHaveTheAlphaConventionOfTheCompositor) {
-    for (const UIColor& color : {UIColor::rgb(0xFF8000, 0.5F), UIColor::rgb(0x3060C0, 0.2F), UIColor::rgb(0x102030, 1), UIColor::rgb(0xFFFFFF, 0.02F)}) {
+    for (const UIColor& color : {UIColor::rgb(0xFF8000, 0.5F), UIColor::rgb(0x3060C0, 0.2F), UIColor::rgb(0x102030, 1),
+                                 UIColor::rgb(0xFFFFFF, 0.02F)}) {
         for (const bool isPlain : {true, false}) {
             KeepingCompositor premultiplied, straight(Compositor::Alpha::Straight);
-            const Ref<UIView> view = isPlain ? add(*root_, {{0, 0}, {20, 20}}, color) : Ref<UIView>(add<Painted>(*root_, {{0, 0}, {20, 20}}));
+            const Ref<UIView> view = isPlain ? add(*root_, {{0, 0}, {20, 20}}, color)
+                                             : Ref<UIView>(add<Painted>(*root_, {{0, 0}, {20, 20}}));
             if (!isPlain) static_cast<Painted&>(*view).color = color;
             LayerRenderer(*root_).draw(premultiplied, 2);
             view->setNeedsDisplay();
             LayerRenderer(*root_).draw(straight, 2);
             const auto byte = [](float value) { return static_cast<std::uint32_t>(std::lround(value * 255)); };
             const float a = color.alpha;
-            EXPECT_TRUE(isNear(premultiplied.pixels[0], byte(a) << 24 | byte(color.red * a) << 16 | byte(color.green * a) << 8 | byte(color.blue * a), 1));
+            EXPECT_TRUE(isNear(
+                premultiplied.pixels[0],
+                byte(a) << 24 | byte(color.red * a) << 16 | byte(color.green * a) << 8 | byte(color.blue * a), 1));
             // What was rounded while premultiplied is a few steps off where hardly anything is seen of it.
-            EXPECT_TRUE(isNear(straight.pixels[0], byte(a) << 24 | byte(color.red) << 16 | byte(color.green) << 8 | byte(color.blue), a < 0.1F ? 30 : 3));
+            EXPECT_TRUE(isNear(straight.pixels[0],
+                               byte(a) << 24 | byte(color.red) << 16 | byte(color.green) << 8 | byte(color.blue),
+                               a < 0.1F ? 30 : 3));
             view->removeFromSuperview();
         }
     }
@@ -389,7 +477,8 @@ TEST(SoftwareCompositing, ScalesWithLinearFilteringWithinTheSource) {
     picture.drawQuad({texture, {1, 0, 2, 1}, CGRectMake(0, 0, 8, 2), CGRectMake(0, 0, 8, 4), 1});
     EXPECT_EQ(picture.pixelAt(0, 0), 0xFF000000);
     EXPECT_EQ(picture.pixelAt(7, 1), 0xFFFFFFFF);
-    const int left = static_cast<int>(picture.pixelAt(3, 0) & 255), right = static_cast<int>(picture.pixelAt(4, 0) & 255);
+    const int left = static_cast<int>(picture.pixelAt(3, 0) & 255),
+              right = static_cast<int>(picture.pixelAt(4, 0) & 255);
     EXPECT_GT(left, 64);
     EXPECT_GT(right, left);
     EXPECT_LT(right, 192);
