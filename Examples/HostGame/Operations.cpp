@@ -1,5 +1,6 @@
 #include "Operations.h"
 
+#include <Flarebox/Core/FlareboxConfig.h>
 #include <UIKit/UIWindow.h>
 
 #include <algorithm>
@@ -94,6 +95,17 @@ Failure callChangeRefresh(Game& game, Arguments arguments) {
     return std::nullopt;
 }
 
+Failure callDeviceUID(Game&, Arguments) {
+    std::printf("deviceUID %s\n", FlareboxConfig::deviceUID().string().c_str());
+    std::fflush(stdout);
+    return std::nullopt;
+}
+
+Failure callSetGameUID(Game&, Arguments arguments) {
+    FlareboxConfig::defaultConfig().setGameUID(arguments[0]);
+    return std::nullopt;
+}
+
 constexpr OperationKind operations[] = {
     {"init", 0, 0, callInit},
     {"showAtWindow", 0, 0, plain<&FlareboxView::showAtWindow>},
@@ -109,6 +121,10 @@ constexpr OperationKind operations[] = {
      [](Game& game, Arguments) { return print("isFlareboxButtonVisible", game.tab().isFlareboxButtonVisible()); }},
     {"setFlareboxButtonAlpha", 1, 1, callSetAlpha},
     {"changeRefreshDataTime", 1, 1, callChangeRefresh},
+    {"deviceUID", 0, 0, callDeviceUID},
+    {"setGameUID", 1, 1, callSetGameUID},
+    {"openKestrinProd", 0, 0, plain<&FlareboxView::openKestrinProd>},
+    {"openKestrinDev", 0, 0, plain<&FlareboxView::openKestrinDev>},
     {"updateWithNewGameUDID", 0, 0, plain<&FlareboxView::updateWithNewGameUDID>},
 };
 

@@ -126,6 +126,7 @@ A script has one command a line; # starts a comment:
   cell N                                  swipe FIELD left|right|up|down
   drag X1 Y1 X2 Y2                        network unknown|none|cellular|wifi
   tracking on|off                         call OPERATION [ARGUMENT]
+  service PATH status N|slow SECONDS|cut|hang|answer FILE|normal          service normal
   screenshot FILE.png                     dump FILE.json
   orientation unknown|portrait|upside-down|landscape-left|landscape-right|face-up|face-down [WxH]
 FIELD is the name of an outlet field of the tab, such as btnOpen.

@@ -3,6 +3,7 @@
 #include "Dump.h"
 #include "Fields.h"
 #include "Operations.h"
+#include "ServiceCommand.h"
 
 #include <AdSupport/ASIdentifierManager.h>
 #include <Foundation/MainQueue.h>
@@ -11,6 +12,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 
@@ -67,6 +69,7 @@ const Runner::CommandKind* Runner::kindOf(const Command& command) {
         {"drag", "X1 Y1 X2 Y2", 4, 4, &Runner::dragAlong},
         {"network", "unknown|none|cellular|wifi", 1, 1, &Runner::setNetwork},
         {"tracking", "on|off", 1, 1, &Runner::setTracking},
+        {"service", "PATH status N|slow SECONDS|cut|hang|answer FILE|normal, or normal", 1, 3, &Runner::setService},
         {"orientation", "unknown|portrait|upside-down|landscape-left|landscape-right|face-up|face-down [WxH]", 1, 2,
          &Runner::setOrientation},
         {"call", "OPERATION [ARGUMENT]", 1, 3, &Runner::call},
@@ -79,6 +82,7 @@ const Runner::CommandKind* Runner::kindOf(const Command& command) {
 }
 
 bool Runner::run(const Script& script) {
+    folder_ = std::filesystem::path(script.name).parent_path().string();
     for (const Command& command : script.commands) {
         const CommandKind* kind = kindOf(command);
         const std::size_t count = command.words.size() - 1;
@@ -227,6 +231,10 @@ Failure Runner::setTracking(const Words& words) {
     if (!isEnabled) return "";
     ASIdentifierManager::sharedManager().setAdvertisingTrackingEnabled(*isEnabled);
     return std::nullopt;
+}
+
+Failure Runner::setService(const Words& words) {
+    return changeService(game_.surroundings().service(), std::span(words).subspan(1), folder_);
 }
 
 Failure Runner::setOrientation(const Words& words) {

@@ -33,6 +33,7 @@ private:
     Failure dragAlong(const Words& words);
     Failure setNetwork(const Words& words);
     Failure setTracking(const Words& words);
+    Failure setService(const Words& words);
     Failure setOrientation(const Words& words);
     Failure call(const Words& words);
     Failure savePicture(const Words& words);
@@ -42,6 +43,8 @@ private:
     bool isShown(const std::string& field);
 
     Game& game_;
+    /// Of the script; empty for the working directory.
+    std::string folder_;
 };
 
 }  // namespace flarebox::hostgame

@@ -52,6 +52,8 @@ public:
     VirtualClock* virtualClock() const { return clock_.get(); }
     /// Replaces the machine's own network status from the first call on.
     void setNetworkStatus(std::int64_t status);
+    /// Stopped where the game talks to another one.
+    examples::Service& service() { return service_; }
     /// None where links go to the desktop.
     std::vector<std::string> openedURLs() const;
 

@@ -1,5 +1,6 @@
 #include <AdSupport/ASIdentifierManager.h>
 #include <Flarebox/Core/FlareboxConfig.h>
+#include <Flarebox/Core/FlareboxText.h>
 #include <UIKit/UIAlertController.h>
 #include <UIKit/UIApplication.h>
 #include <UIKit/UINavigationController.h>
@@ -61,9 +62,9 @@ void FlareboxConfig::handleAdsDisable() {
     const Ref<UIViewController> presenter = alertPresenter();
     if (!presenter) return;
     const Ref<UIAlertController> alert =
-        UIAlertController::alertControllerWithTitle("", trackingMessage, UIAlertControllerStyle::Alert);
-    alert->addAction(UIAlertAction::actionWithTitle("OK", UIAlertActionStyle::Default, [](UIAlertAction&) { openTrackingSettings(); }));
-    alert->addAction(UIAlertAction::actionWithTitle("Cancel", UIAlertActionStyle::Cancel, [](UIAlertAction&) {}));
+        UIAlertController::alertControllerWithTitle("", flareboxText(trackingMessage), UIAlertControllerStyle::Alert);
+    alert->addAction(UIAlertAction::actionWithTitle(flareboxText("OK"), UIAlertActionStyle::Default, [](UIAlertAction&) { openTrackingSettings(); }));
+    alert->addAction(UIAlertAction::actionWithTitle(flareboxText("Cancel"), UIAlertActionStyle::Cancel, [](UIAlertAction&) {}));
     presenter->presentViewController(alert, true, nullptr);
 }
 

@@ -3,7 +3,6 @@
 #include <Flarebox/Views/FlareboxView.h>
 #include <Flarebox/Views/UIButton+extends.h>
 #include <Networking/UIImageView+AFNetworking.h>
-#include <UIKit/UIApplication.h>
 #include <UIKit/UIButton.h>
 #include <UIKit/UIImageView.h>
 #include <UIKit/UILabel.h>
@@ -67,18 +66,6 @@ void FlareboxView::loadAssetPicture(const NSString& address) {
         });
 }
 
-void FlareboxView::validateAssetPreventModes() {
-    const bool hasPicture = isPresent(currentAsset_->fileImage());
-    btn2d_->setEnabled(hasPicture);
-    // An asset without a picture leaves the content area as it was.
-    if (hasPicture) btn2d_->setSelected(true);
-}
-
-void FlareboxView::pressBuyButton() {
-    if (!currentAsset_) return;
-    UIApplication::sharedApplication().openURL(NSURL::URLWithString(currentAsset_->whereToBuy()));
-}
-
 void FlareboxView::pressNextAssetButton() {
     std::vector<NSIndexPath> visible = collectionView_->indexPathsForVisibleItems();
     if (visible.empty()) return;
@@ -106,7 +93,7 @@ void FlareboxView::pressPreviousAssetButton() {
     collectionView_->setContentOffset(offset, false);
 }
 
-bool FlareboxView::isCurrentAsset(const FXAssetInfo& asset) const { 
+bool FlareboxView::isCurrentAsset(const FXAssetInfo& asset) const {
     return currentAsset_ && asset._id() && asset._id() == currentAsset_->_id();
 }
 

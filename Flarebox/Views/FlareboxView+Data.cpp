@@ -1,5 +1,6 @@
 #include <AdSupport/ASIdentifierManager.h>
 #include <Flarebox/Core/FlareboxConfig.h>
+#include <Flarebox/Core/FlareboxText.h>
 #include <Flarebox/Core/Logging.h>
 #include <Flarebox/Views/FlareboxView.h>
 #include <Networking/AFImageResponseSerializer.h>
@@ -41,7 +42,7 @@ bool FlareboxView::validSessionData() {
     FlareboxConfig& config = FlareboxConfig::defaultConfig();
     if (config.validDeviceUID()) return true;
     if (!ASIdentifierManager::sharedManager().isAdvertisingTrackingEnabled()) {
-        showErrorMessage(trackingMessage);
+        showErrorMessage(flareboxText(trackingMessage).text());
         return false;
     }
     const NSString identifier = FlareboxConfig::deviceUID();
@@ -173,10 +174,10 @@ void FlareboxView::hideErrorMessage() {
     lbErrorMessage_->setText("");
 }
 
-void FlareboxView::showRequestErrorMessage() { showErrorMessage(requestErrorMessage); }
+void FlareboxView::showRequestErrorMessage() { showErrorMessage(flareboxText(requestErrorMessage).text()); }
 
 void FlareboxView::showNetworkErrorMessage() {
-    showErrorMessage(networkErrorMessage);
+    showErrorMessage(flareboxText(networkErrorMessage).text());
     warningLog("%@", networkErrorMessage);
 }
 

@@ -3,6 +3,7 @@
 #include <Flarebox/Views/AssetCollectionViewCell.h>
 #include <Flarebox/Views/FlareboxView.h>
 #include <Flarebox/Views/Shades.h>
+#include <Flarebox/Views/Translation.h>
 #include <Foundation/MainQueue.h>
 #include <Foundation/NSNotificationCenter.h>
 #include <UIKit/UIActivityIndicatorView.h>
@@ -15,6 +16,7 @@
 #include <UIKit/UISwipeGestureRecognizer.h>
 #include <UIKit/UIWindow.h>
 
+#include <utility>
 #include <vector>
 
 namespace flarebox {
@@ -62,6 +64,7 @@ const ClassInfo& FlareboxView::staticClass() {
         outlet<&FlareboxView::preventerMenuWidth_>("preventerMenuWidth"),
         outlet<&FlareboxView::preventerMenuView_>("preventerMenuView"),
         outlet<&FlareboxView::panelShadow_>("panelShadow"),
+        outlet<&FlareboxView::couponView_>("couponView", Code),
         outlet<&FlareboxView::widthFixedConstraint_>("widthFixedConstraint", Code),
         outlet<&FlareboxView::heightFixedConstraint_>("heightFixedConstraint", Code),
         outlet<&FlareboxView::openButtonWidthContraint_>("openButtonWidthContraint", Code),
@@ -71,6 +74,10 @@ const ClassInfo& FlareboxView::staticClass() {
         action<&FlareboxView::close>("close"),
         action<&FlareboxView::pressOpenButton>("pressOpenButton"),
         action<&FlareboxView::pressCloseButton>("pressCloseButton"),
+        action<&FlareboxView::press2DMode>("press2DMode"),
+        action<&FlareboxView::press3DMode>("press3DMode"),
+        action<&FlareboxView::pressVideoMode>("pressVideoMode"),
+        action<&FlareboxView::pressCouponButton>("pressCouponButton"),
         action<&FlareboxView::pressBuyButton>("pressBuyButton"),
         action<&FlareboxView::pressNextAssetButton>("pressNextAssetButton"),
         action<&FlareboxView::pressPreviousAssetButton>("pressPreviousAssetButton"),
@@ -102,6 +109,7 @@ Ref<FlareboxView> FlareboxView::init() {
 
 void FlareboxView::awakeFromNib() {
     UIView::awakeFromNib();
+    translateTexts(*this);
     isHasBeenOpened_ = false;
     showLoadingView(false);
     setupView();
@@ -160,6 +168,8 @@ void FlareboxView::toggleFlarebox(bool open, bool animated) {
         isHasBeenOpened_ = true;
         FlareboxManager::sharedInstance().setFlareboxOpenedDate(NSDate::date());
         handleFlareboxOpened();
+    } else {
+        pauseVideo();
     }
     placePanel(open, animated);
 }
@@ -190,6 +200,8 @@ void FlareboxView::handleFlareboxOpened() {
     } else if (!hasAssets) {
         loadData();
     }
+    // Owed once for each opening, and only to an asset that is there to be looked at.
+    if (currentAsset_ && std::exchange(isNeedFlareboxOpenedEvent_, false)) sendEngagementEvent(EngagementActionFlarebox);
 }
 
 void FlareboxView::showFlareboxButton(bool show) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Flarebox/Views/CouponView.h>
 #include <Flarebox/Managers/FlareboxManager.h>
 #include <Flarebox/Models/FXAssetInfo.h>
 #include <Foundation/NSTimer.h>
@@ -22,10 +23,19 @@ class NSNotification;
 /// What the tab's content area shows.
 enum AssetMode : std::uint64_t { AssetMode2D = 0, AssetMode3D = 1, AssetModeVideo = 2 };
 
+/// What the service is told of. The first three are the numbers of the modes; looking at pictures is not told.
+enum EngagementAction : std::uint64_t {
+    EngagementAction2D = 0,
+    EngagementAction3D = 1,
+    EngagementActionVideo = 2,
+    EngagementActionFlarebox = 3,
+    EngagementActionCoupon = 4
+};
+
 /// The tab: a panel at the left edge of its parent, hidden beyond the edge while closed, with an open button that sticks out.
 /// It loads the game's assets as soon as it exists and shows them when opened. The host owns it, and so does the network monitor from
 /// the first load on, until another tab loads or the host adapter goes. Made by `init()` only. Main thread only.
-class FlareboxView : public UIView, public UICollectionViewDataSource, public UICollectionViewDelegate {
+class FlareboxView : public UIView, public UICollectionViewDataSource, public UICollectionViewDelegate, public CouponViewDelegate {
     FLAREBOX_CLASS(FlareboxView)
 public:
     FlareboxView();
@@ -103,6 +113,31 @@ public:
     void pressNextAssetButton();
     void pressPreviousAssetButton();
 
+    // Modes. One that the current asset does not allow is refused without a word.
+    bool isEnabledMode(AssetMode mode) const;
+    /// Shows the current asset in that mode and, while the tab is open, tells the service of 3D and videos.
+    void changeAssetMode(AssetMode mode);
+    /// The same, untold.
+    void focusAssetMode(AssetMode mode);
+    /// Enables the mode buttons for the current asset and shows it in the mode in force, or in one that it has.
+    void validateAssetPreventModes();
+
+    // Events.
+    /// Tells the service what the player did with the current asset. Dropped without an asset, a game session or a network.
+    void sendEngagementEvent(EngagementAction type);
+
+    // Actions.
+    /// Pauses the video that plays in the panel, if one does.
+    void pauseVideo();
+    /// Opens the companion application, or its page in the store where it is not installed; the second is for development builds of it.
+    void openKestrinProd();
+    void openKestrinDev();
+    static NSString appSchemaLinkProd();
+    static NSString appSchemaLinkDev();
+    static NSString appStoreLink();
+    void closeCouponView(CouponView& view) override;
+    void openKestrinApp(CouponView& view) override;
+
     // Hooks of the platform.
     void awakeFromNib() override;
     void didMoveToSuperview() override;
@@ -134,8 +169,6 @@ private:
     void loadAssetPicture(const NSString& address);
     void selectFirstAsset();
     bool isCurrentAsset(const FXAssetInfo& asset) const;
-    void validateAssetPreventModes();
-    void pressBuyButton();
     std::size_t collectionViewNumberOfItemsInSection(UICollectionView& view, std::size_t section) override;
     CGSize collectionViewLayoutSizeForItemAtIndexPath(UICollectionView& view, const NSIndexPath& path) override;
     Ref<UICollectionViewCell> collectionViewCellForItemAtIndexPath(UICollectionView& view, const NSIndexPath& path) override;
@@ -143,6 +176,15 @@ private:
     void scrollViewDidScroll(UIScrollView& view) override;
     void scrollViewDidEndDragging(UIScrollView& view, bool willDecelerate) override;
     void scrollViewWillBeginDecelerating(UIScrollView& view) override;
+
+    // FlareboxView+Modes.cpp
+    void press2DMode() { changeAssetMode(AssetMode2D); }
+    void press3DMode() { changeAssetMode(AssetMode3D); }
+    void pressVideoMode() { changeAssetMode(AssetModeVideo); }
+
+    // FlareboxView+Actions.cpp
+    void pressCouponButton();
+    void pressBuyButton();
 
     // Bound by the layout file; owned by the view tree.
     Weak<UIView> emptyView_, assetView_, contentView_, assetContentView_, leftAssetListShadowView_, loadingView_, videoContainer_,
@@ -163,6 +205,8 @@ private:
     Ref<AFHTTPSessionManager> operationManager_;
     std::shared_ptr<AssetList> assestsList_;
     Ref<FXAssetInfo> currentAsset_;
+    /// Made by the first press of the coupon button.
+    Ref<CouponView> couponView_;
     Ref<NSTimer> refreshTimer_;
     AssetMode currentAssetMode_ = AssetMode2D;
     std::int64_t netWorkStatus_ = 0;

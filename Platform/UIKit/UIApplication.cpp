@@ -12,7 +12,7 @@ UIApplication& UIApplication::sharedApplication() {
     return *application;
 }
 
-UIApplication::UIApplication() : allowedSchemes_{"http", "https", "kestrin", "kestrindev", "app-prefs"} {}
+UIApplication::UIApplication() : allowedSchemes_{"http", "https", "app-prefs"} {}
 
 UIWindow* UIApplication::keyWindow() const {
     return delegate_ ? delegate_->window() : nullptr;
@@ -32,6 +32,10 @@ bool UIApplication::openURL(const NSURL& url) {
 
 void UIApplication::setAllowedSchemes(std::vector<std::string> schemes) {
     allowedSchemes_ = std::move(schemes);
+}
+
+void UIApplication::allowScheme(const std::string& scheme) {
+    if (std::ranges::find(allowedSchemes_, scheme) == allowedSchemes_.end()) allowedSchemes_.push_back(scheme);
 }
 
 void UIApplication::setUrlOpener(std::shared_ptr<UrlOpener> opener) {

@@ -45,6 +45,8 @@ public:
     /// The only schemes that links may have, in lower case.
     const std::vector<std::string>& allowedSchemes() const { return allowedSchemes_; }
     void setAllowedSchemes(std::vector<std::string> schemes);
+    /// Adds one, in lower case.
+    void allowScheme(const std::string& scheme);
     /// Who opens links; null for the desktop's own way.
     void setUrlOpener(std::shared_ptr<UrlOpener> opener);
 

@@ -192,6 +192,7 @@ TEST(InputLinks, OnlyAllowedSchemesAreOpened) {
     UIApplication& application = UIApplication::sharedApplication();
     const auto recorder = std::make_shared<RecordingUrlOpener>();
     recorder->addScheme("kestrin");
+    UIApplication::sharedApplication().allowScheme("kestrin");
     recorder->addScheme("file");
     application.setUrlOpener(recorder);
     struct Case {

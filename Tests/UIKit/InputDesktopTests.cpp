@@ -30,6 +30,8 @@ TEST(InputDesktop, LinkReachesTheInstalledApplication) {
 
     UIApplication& application = UIApplication::sharedApplication();
     application.setUrlOpener(nullptr);
+    EXPECT_FALSE(application.canOpenURL(NSURL::URLWithString("kestrin://x"))) << "not allowed yet";
+    application.allowScheme("kestrin");
     EXPECT_FALSE(application.canOpenURL(NSURL::URLWithString("kestrindev://x")));
     EXPECT_FALSE(application.openURL(NSURL::URLWithString("kestrindev://x")));
     const NSURL link = NSURL::URLWithString("kestrin://asset/12?from=tab");

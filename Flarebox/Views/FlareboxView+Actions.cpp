@@ -1,0 +1,67 @@
+#include <Flarebox/Core/CompanionApp.h>
+#include <Flarebox/Views/CouponView.h>
+#include <Flarebox/Views/FlareboxView.h>
+#include <Flarebox/Views/UIView+extends.h>
+#include <UIKit/UIApplication.h>
+
+#include <string>
+
+namespace flarebox {
+namespace {
+
+/// Where the companion application is installed from.
+constexpr const char* storeLinkPrefix = "https://store.kestrin.example";
+
+/// The companion application, or the place to get it.
+void openApplication(const NSString& link) {
+    UIApplication& application = UIApplication::sharedApplication();
+    const NSURL url = NSURL::URLWithString(link);
+    if (url) application.allowScheme(url.scheme());
+    if (application.canOpenURL(url)) application.openURL(url);
+    else application.openURL(NSURL::URLWithString(FlareboxView::appStoreLink()));
+}
+
+}  // namespace
+
+NSString FlareboxView::appSchemaLinkProd() { return appSchemaDeeplinkProd; }
+NSString FlareboxView::appSchemaLinkDev() { return appSchemaDeeplinkDev; }
+NSString FlareboxView::appStoreLink() { return storeLinkPrefix + ("/app/id" + appStoreID.string()); }
+
+void FlareboxView::openKestrinProd() { openApplication(appSchemaLinkProd()); }
+void FlareboxView::openKestrinDev() { openApplication(appSchemaLinkDev()); }
+
+void FlareboxView::pressCouponButton() {
+    pauseVideo();
+    if (!currentAsset_) return;
+    if (!couponView_) {
+        couponView_ = CouponView::createCouponView();
+        if (!couponView_) return;
+        couponView_->setDelegate(this);
+        addToParent(*couponView_, *assetView_);
+    }
+    couponView_->setHidden(false);
+    assetView_->bringSubviewToFront(*couponView_);
+    couponView_->saveCoupon(currentAsset_);
+    sendEngagementEvent(EngagementActionCoupon);
+}
+
+void FlareboxView::closeCouponView(CouponView&) {
+    couponView_->setHidden(true);
+    assetView_->sendSubviewToBack(*couponView_);
+}
+
+void FlareboxView::openKestrinApp(CouponView& view) {
+    closeCouponView(view);
+    openKestrinProd();
+}
+
+void FlareboxView::pressBuyButton() {
+    pauseVideo();
+    if (!currentAsset_) return;
+    UIApplication::sharedApplication().openURL(NSURL::URLWithString(currentAsset_->whereToBuy()));
+}
+
+// Nothing plays in the panel: videos are not part of the kit yet.
+void FlareboxView::pauseVideo() {}
+
+}  // namespace flarebox
