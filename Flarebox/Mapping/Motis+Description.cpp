@@ -5,8 +5,24 @@ namespace flarebox {
 
 namespace {
 
-/// Objects that hold each other would never end; nothing sensible nests this deeply.
-constexpr int deepestLevel = 200;
+/// Objects that hold each other would never end, and those that share others could fill any memory: beyond these bounds
+/// an object is only named.
+class DescribedObject {
+public:
+    DescribedObject() {
+        objects_ = depth_ == 0 ? 1 : objects_ + 1;
+        ++depth_;
+    }
+    ~DescribedObject() { --depth_; }
+    DescribedObject(const DescribedObject&) = delete;
+    DescribedObject& operator=(const DescribedObject&) = delete;
+
+    bool isTooMuch() const { return depth_ > deepest || objects_ > most; }
+
+private:
+    static constexpr int deepest = 200, most = 20'000;
+    static inline thread_local int depth_ = 0, objects_ = 0;
+};
 
 std::string indentation(int level) {
     return std::string(level > 0 ? 4 * static_cast<std::size_t>(level) : 0, ' ');
@@ -84,7 +100,8 @@ std::string MotisObject::mts_extendedObjectDescription() const {
 std::string MotisObject::mts_descriptionWithIndentation(int level) const {
     const std::vector<std::string>& names = classInfo().plan().mappedNames();
     std::string text = description();
-    if (names.empty() || level > deepestLevel) return text;
+    const DescribedObject object;
+    if (names.empty() || object.isTooMuch()) return text;
     text += ":{\n";
     for (std::size_t position = 0; position < names.size(); ++position) {
         text += indentation(level + 1) + names[position] + "=";

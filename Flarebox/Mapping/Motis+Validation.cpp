@@ -1,5 +1,6 @@
 #include <Flarebox/Mapping/Motis.h>
 #include <Flarebox/Mapping/MotisPlan.h>
+#include <Flarebox/Mapping/NestingLevel.h>
 #include <Foundation/NSNumberFormatter.h>
 
 #include <algorithm>
@@ -148,6 +149,8 @@ bool MotisObject::convertText(ClassKind kind, Value& value) const {
 }
 
 bool MotisObject::makeNestedObject(const PropertyPlan& property, const ClassInfo& cls, Value& value) {
+    const NestingLevel level;
+    if (level.isTooDeep()) return false;
     const auto dictionary = value.as<NSDictionary>();
     bool abort = false;
     Ref<NSObject> object = mts_willCreateObjectOfClass(cls, dictionary, property.name, abort);
@@ -163,13 +166,13 @@ bool MotisObject::makeNestedObject(const PropertyPlan& property, const ClassInfo
 }
 
 void MotisObject::checkElements(const PropertyPlan& property, NSArray& array) {
-    // From the end, so that a removal leaves the indexes still to visit as they are. Copied on the first change.
+    const NestingLevel level;
+    if (level.isTooDeep()) return;
+    // From the end, as the hooks expect it; what is kept is put in order at last.
     const NSArray original = array.copy();
-    NSMutableArray changed;
-    const auto copyForChange = [&]() -> NSMutableArray& {
-        if (!changed) changed = original.mutableCopy();
-        return changed;
-    };
+    std::vector<Value> kept;
+    kept.reserve(original.count());
+    bool isChanged = false;
     for (std::size_t index = original.count(); index-- > 0;) {
         const Value element = original.objectAtIndex(index);
         Value value = element.isNull() ? Value() : element;
@@ -178,17 +181,15 @@ void MotisObject::checkElements(const PropertyPlan& property, NSArray& array) {
         if (isValid && property.elementClass && value.isSameAs(element)) {
             isValid = convertToClass(property, *property.elementClass, kindOfClass(*property.elementClass), value);
         }
-        if (!isValid) {
-            copyForChange().removeObjectAtIndex(index);
+        isChanged |= !isValid || !value.isSameAs(element);
+        if (!isValid)
             mts_invalidValueForArrayKey(value, property.name, error);
-        } else if (!value.isSameAs(element)) {
-            if (value)
-                copyForChange().replaceObjectAtIndex(index, value);
-            else
-                copyForChange().removeObjectAtIndex(index);
-        }
+        else if (value)
+            kept.push_back(std::move(value));
     }
-    if (changed) array = changed.copy();
+    if (!isChanged) return;
+    std::ranges::reverse(kept);
+    array = NSArray::arrayWithValues(std::move(kept));
 }
 
 }  // namespace flarebox

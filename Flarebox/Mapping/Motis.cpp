@@ -1,6 +1,7 @@
 #include <Flarebox/Mapping/Motis.h>
 
 #include <Flarebox/Mapping/MotisPlan.h>
+#include <Flarebox/Mapping/NestingLevel.h>
 #include <Foundation/Immortal.h>
 #include <Foundation/Storage.h>
 
@@ -13,7 +14,8 @@ namespace {
 Value valueUnderName(const Value& container, std::string_view name) {
     if (const auto dictionary = container.as<NSDictionary>()) return dictionary.objectForKey(name);
     const auto array = container.as<NSArray>();
-    if (!array) return nullptr;
+    const NestingLevel level;
+    if (!array || level.isTooDeep()) return nullptr;
     std::vector<Value> selected;
     selected.reserve(array.count());
     for (const Value& element : array) {
@@ -43,6 +45,8 @@ const MotisClass& MotisObject::staticClass() {
 
 void MotisObject::mts_setValuesForKeysWithDictionary(const NSDictionary& dictionary) {
     const MotisPlan& plan = classInfo().plan();
+    // A hook may let go of the last reference to this very object.
+    const Ref<NSObject> self = retained();
     // A hook may change the dictionary, when it is a mutable one, or let go of it.
     const NSDictionary entries = dictionary.copy();
     if (!document_ && detail::ValueAccess::isInDocument(entries)) document_ = entries;

@@ -62,7 +62,7 @@ public:
     /// `level` counts steps of four blanks; negative ones indent nothing.
     std::string mts_descriptionWithIndentation(int level) const;
 
-    // --- Hooks, each to be overridden at will ---
+    // --- Hooks, each to be overridden at will by a class that has its own FLAREBOX_MODEL line ---
 
     /// Before any automatic handling of a mapped value. May replace it, which ends its handling: it is assigned as it
     /// is. Answering false refuses it. By default `validateValue`.

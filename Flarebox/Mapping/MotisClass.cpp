@@ -120,7 +120,8 @@ const MotisClass::MappingTables& MotisClass::mappingTables() const {
     const NSDictionary inherited = base ? base->mts_cachedMapping() : NSDictionary();
     return sharedCache<Mappings, MappingTables>().entry(name(), [&] {
         MappingTables tables;
-        tables.declared = readDeclaredMapping();
+        // A table that its owner can still change is read once like any other.
+        tables.declared = readDeclaredMapping().copy();
         tables.merged = merged(inherited, tables.declared);
         return tables;
     });

@@ -45,6 +45,10 @@ void FXBaseObject::encodeWithCoder(NSCoder& coder) const {
 }
 
 void FXBaseObject::initWithCoder(NSCoder& coder) {
+    // The object comes with its defaults, which are no part of the archive.
+    for (const MotisClass* cls = &classInfo(); cls; cls = cls->modelSuperclass()) {
+        for (const MotisProperty& line : cls->lines()) setValue({}, line.property.name);
+    }
     for (const Value& name : motisKeys(classInfo())) {
         const auto key = name.as<NSString>().text();
         setValue(coder.decodeObjectForKey(key), key);

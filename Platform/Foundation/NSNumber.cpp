@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <limits>
 
 namespace flarebox {
@@ -53,9 +54,13 @@ std::string NSNumber::stringValue() const {
     if (!*this) return {};
     char buffer[32];
     char* const end = buffer + sizeof buffer;
-    const auto result = isFloating()   ? std::to_chars(buffer, end, payload_.floating)
-                        : isUnsigned() ? std::to_chars(buffer, end, payload_.bits)
-                                       : std::to_chars(buffer, end, payload_.integer);
+    // A power of ten only where the digits would be too many to read.
+    const double magnitude = isFloating() ? std::fabs(payload_.floating) : 0;
+    const bool isPlain = magnitude == 0 || (magnitude >= 1e-4 && magnitude < 1e17);
+    const auto result = isUnsigned()    ? std::to_chars(buffer, end, payload_.bits)
+                        : !isFloating() ? std::to_chars(buffer, end, payload_.integer)
+                        : isPlain       ? std::to_chars(buffer, end, payload_.floating, std::chars_format::fixed)
+                                        : std::to_chars(buffer, end, payload_.floating);
     return {buffer, result.ptr};
 }
 

@@ -123,10 +123,13 @@ bool NSObject::performSelector(std::string_view selector, NSObject* argument) {
     const Action* action = classInfo().action(selector);
     if (!action) return false;
     // The action may let go of the last reference to this very object; during its destruction there is none to keep.
-    const bool kept = detail::retainUnlessZero(references_);
+    const Ref<NSObject> self = retained();
     action->perform(*this, argument);
-    if (kept) detail::release(this);
     return true;
+}
+
+Ref<NSObject> NSObject::retained() const {
+    return detail::retainUnlessZero(references_) ? Ref<NSObject>::adopt(const_cast<NSObject*>(this)) : nullptr;
 }
 
 }  // namespace flarebox

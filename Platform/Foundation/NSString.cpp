@@ -1,6 +1,7 @@
 #include <Foundation/Storage.h>
 #include <Foundation/Values.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <limits>
@@ -24,15 +25,31 @@ std::string_view numberAtStart(std::string_view text) {
     return text;
 }
 
+/// The power of ten of the first digit that is not 0, for digits with or without a point and an exponent.
+double powerOfTen(std::string_view digits) {
+    const std::size_t mark = std::min(digits.find_first_of("eE"), digits.size());
+    const std::string_view mantissa = digits.substr(0, mark);
+    const auto place = [](std::size_t index) { return static_cast<double>(index); };
+    const double point = place(std::min(mantissa.find('.'), mantissa.size()));
+    const double first = place(std::min(mantissa.find_first_of("123456789"), mantissa.size()));
+    // An exponent too long for any number is as good as the largest one.
+    std::int64_t exponent = 0;
+    std::string_view text = digits.substr(std::min(mark + 1, digits.size()));
+    if (text.starts_with('+')) text.remove_prefix(1);
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), exponent);
+    if (error == std::errc::result_out_of_range) {
+        exponent =
+            text.starts_with('-') ? std::numeric_limits<std::int64_t>::min() : std::numeric_limits<std::int64_t>::max();
+    }
+    return point - first + static_cast<double>(exponent);
+}
+
 /// What the digits mean that are beyond the range: too small to tell from zero, or too large.
 template <class Floating>
 Floating beyondRange(std::string_view digits) {
     const bool isNegative = digits.starts_with('-');
     if (isNegative) digits.remove_prefix(1);
-    const std::size_t exponent = digits.find_first_of("eE");
-    const bool isTiny = exponent == digits.npos ? digits.starts_with('0') || digits.starts_with('.')
-                                                : digits.substr(exponent + 1).starts_with('-');
-    const Floating magnitude = isTiny ? 0 : std::numeric_limits<Floating>::infinity();
+    const Floating magnitude = powerOfTen(digits) < 0 ? 0 : std::numeric_limits<Floating>::infinity();
     return isNegative ? -magnitude : magnitude;
 }
 

@@ -28,6 +28,18 @@ struct ComparisonLevel {
     bool isTooDeep() const { return comparisonDepth > deepestComparison; }
 };
 
+/// 0 for what holds other values.
+std::size_t hashOfScalar(const Value& value) {
+    switch (value.kind()) {
+        case Value::Kind::Number:
+        case Value::Kind::String:
+        case Value::Kind::Date:
+            return value.hash();
+        default:
+            return 0;
+    }
+}
+
 bool sameElements(std::span<const Value> a, std::span<const Value> b) {
     return std::equal(a.begin(), a.end(), b.begin(), b.end());
 }
@@ -283,10 +295,15 @@ std::size_t Value::hash() const noexcept {
             return detail::hashInteger(payload_.floating == 0 ? 0 : payload_.bits);
         case Kind::Data:
             return detail::hashText(as<NSData>().text());
-        // Collections hash by size: cheap, and equal for equal collections whatever their order or depth.
+        // Collections hash by size, those in order by their ends too: cheap, and equal for equal collections whatever
+        // their depth.
         case Kind::Array:
+        case Kind::OrderedSet: {
+            const auto list = ValueAccess::list(*this);
+            const std::size_t ends = list.empty() ? 0 : hashOfScalar(list.front()) * 31 + hashOfScalar(list.back());
+            return detail::hashInteger(list.size() << 4 | kindBits) ^ ends;
+        }
         case Kind::Set:
-        case Kind::OrderedSet:
             return detail::hashInteger(ValueAccess::list(*this).size() << 4 | kindBits);
         case Kind::Dictionary:
             return detail::hashInteger(as<NSDictionary>().count() << 4 | kindBits);

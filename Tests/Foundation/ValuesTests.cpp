@@ -131,6 +131,13 @@ TEST(ValuesTests, TextsReadAsTheirLeadingNumber) {
         EXPECT_EQ(NSString(row.text).doubleValue(), row.number) << row.text;
         EXPECT_EQ(NSString(row.text).integerValue(), row.integer) << row.text;
     }
+    const std::string zeros(400, '0');
+    const std::pair<std::string, double> farOut[] = {
+        {"0." + zeros + "1e5", 0},      {"." + zeros + "1e2", 0},         {"1" + zeros + "e-5", infinity},
+        {"01" + zeros, infinity},       {"-1" + zeros + ".5", -infinity}, {"1e99999999999999999999", infinity},
+        {"1e-99999999999999999999", 0},
+    };
+    for (const auto& [text, number] : farOut) EXPECT_EQ(NSString(text).doubleValue(), number) << text.substr(0, 8);
     EXPECT_EQ(NSString("0.1").floatValue(), 0.1f);
     EXPECT_EQ(NSString("1e300").floatValue(), std::numeric_limits<float>::infinity());
     EXPECT_EQ(NSString().doubleValue(), 0);

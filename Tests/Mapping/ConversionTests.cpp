@@ -63,6 +63,8 @@ TEST(Conversion, ByDeclaredType) {
         {"uint64", "12", 12},
         {"uint64", "12.5", nullptr},
         {"uint64", "12a", nullptr},
+        {"uint64", "1E5", nullptr},
+        {"uint64", "1e300", nullptr},
         {"uint64", "", nullptr},
         {"uint64", "18446744073709551615", UINT64_MAX},
         {"uint64", UINT64_MAX, UINT64_MAX},

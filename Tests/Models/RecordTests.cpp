@@ -351,5 +351,31 @@ TEST(Records, WithoutLinesOfItsOwnARecordIsItsSuperclass) {
     EXPECT_EQ(SilentCoupon::mts_motisKeys(), (NSArray{"session", "asset"}));
 }
 
+class Defaulted : public FXBaseObject {
+    FX_RECORD(Defaulted, FXBaseObject, (a, setA, NSString, "a"), (local, setLocal, NSString))
+protected:
+    void setDefaults() override { setLocal("default"); }
+};
+
+TEST(Records, DecodingAppliesNoDefaultsNotEvenToWhatHasNoKey) {
+    const auto record = Defaulted::init();
+    record->setA("x");
+    record->setLocal(nullptr);
+    const Value back =
+        NSKeyedUnarchiver::unarchiveObjectWithData(NSKeyedArchiver::archivedDataWithRootObject(Value(record)));
+    ASSERT_TRUE(back.object<Defaulted>());
+    EXPECT_EQ(back.object<Defaulted>()->a(), "x");
+    EXPECT_FALSE(back.object<Defaulted>()->local());
+}
+
+TEST(Records, NumbersBecomeTextsThatPeopleWrite) {
+    const auto asset = FXAssetInfo::initWithDictionary(NSJSONSerialization::JSONObjectWithText(
+        R"({"title":100000.0,"uid":0.0001,"tags":2e6,"subtitle":1e300})", NSJSONReadingStrict, nullptr));
+    EXPECT_EQ(asset->title(), "100000");
+    EXPECT_EQ(asset->uid(), "0.0001");
+    EXPECT_EQ(asset->tags(), "2000000");
+    EXPECT_EQ(asset->subtitle(), "1e+300");
+}
+
 }  // namespace
 }  // namespace flarebox

@@ -29,8 +29,8 @@ std::string withoutExponent(const std::string& decimal) {
     return std::string(sign) + digits;
 }
 
-bool isWhole(std::string_view decimal) {
-    return decimal.find('.') == std::string_view::npos && decimal.find("E-") == std::string_view::npos;
+bool hasPowerOfTen(std::string_view text) {
+    return text.find_first_of("eE") != std::string_view::npos;
 }
 
 }  // namespace
@@ -57,6 +57,8 @@ NumberFormat::~NumberFormat() = default;
 std::optional<std::string> NumberFormat::parse(std::string_view text) const {
     auto units = toUTF16(text);
     if (!library_->format || !units || units->empty()) return std::nullopt;
+    // Reading integers only, the library still takes "1E5" and "1E-2".
+    if (!library_->allowsFloats && hasPowerOfTen(text)) return std::nullopt;
     const auto length = static_cast<std::int32_t>(units->size());
     std::string decimal(units->size() + 64, '\0');
     std::int32_t position = 0;
@@ -67,8 +69,7 @@ std::optional<std::string> NumberFormat::parse(std::string_view text) const {
     if (U_FAILURE(status) || position != length) return std::nullopt;
     decimal.resize(static_cast<std::size_t>(written));
     decimal = withoutExponent(decimal);
-    // Reading integers only, the library still takes "1E-2".
-    if (!library_->allowsFloats && !isWhole(decimal)) return std::nullopt;
+    if (!library_->allowsFloats && decimal.find('.') != std::string::npos) return std::nullopt;
     return decimal;
 }
 
