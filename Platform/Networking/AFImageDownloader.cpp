@@ -1,12 +1,19 @@
 #include <Networking/AFImageDownloader.h>
 
 #include <Foundation/Shutdown.h>
-#include <Networking/AFImageResponseSerializer.h>
 #include <Networking/NetworkError.h>
 
+#include <algorithm>
 #include <utility>
 
 namespace flarebox {
+namespace {
+
+bool isLargeEnough(const UIImage& image, int pixelSide) {
+    return !image.isReduced() || std::max(image.pixelWidth(), image.pixelHeight()) >= pixelSide;
+}
+
+}  // namespace
 
 const ClassInfo& AFImageDownloader::staticClass() {
     static const ClassInfo info("AFImageDownloader", &NSObject::staticClass(), nullptr);
@@ -14,9 +21,6 @@ const ClassInfo& AFImageDownloader::staticClass() {
 }
 
 AFImageDownloader::AFImageDownloader() : manager_(AFURLSessionManager::manager()) {
-    auto serializer = AFImageResponseSerializer::serializer();
-    serializer->setMaximumPixelSide(maximumPixelSide);
-    manager_->setResponseSerializer(serializer);
     manager_->setMaximumResponseLength(UIImage::maximumDataLength);
 }
 
@@ -27,9 +31,11 @@ AFImageDownloader& AFImageDownloader::defaultInstance() {
     return *downloader;
 }
 
-void AFImageDownloader::downloadImageForURLRequest(const Ref<NSURLRequest>& request, Success success, Failure failure) {
+void AFImageDownloader::downloadImageForURLRequest(const Ref<NSURLRequest>& request, int pixelSide, Success success,
+                                                   Failure failure) {
+    pixelSide = std::clamp(pixelSide, 1, maximumPixelSide);
     const std::string address = request ? request->URL().absoluteString() : std::string();
-    if (auto image = cache_.imageWithIdentifier(address)) {
+    if (auto image = cache_.imageWithIdentifier(address); image && isLargeEnough(*image, pixelSide)) {
         if (success) success(request, nullptr, image);
         return;
     }
@@ -38,12 +44,18 @@ void AFImageDownloader::downloadImageForURLRequest(const Ref<NSURLRequest>& requ
             if (auto downloader = self.lock()) downloader->forgetEverything();
         });
     }
-    auto& waiters = waiters_[address];
-    waiters.push_back({request, std::move(success), std::move(failure)});
-    if (waiters.size() > 1) return;
-
+    Load& load = loads_[address];
+    load.waiters.push_back({request, pixelSide, std::move(success), std::move(failure)});
+    if (load.serializer) {
+        // In time unless the picture is being decoded already.
+        load.serializer->setMaximumPixelSide(std::max(load.serializer->maximumPixelSide(), pixelSide));
+        return;
+    }
+    load.serializer = AFImageResponseSerializer::serializer();
+    load.serializer->setMaximumPixelSide(pixelSide);
     auto task = manager_->dataTaskWithRequest(
-        request, [self = Ref<AFImageDownloader>(this), address](auto& response, auto& object, auto& error) {
+        request, load.serializer,
+        [self = Ref<AFImageDownloader>(this), address](auto& response, auto& object, auto& error) {
             self->arrived(address, response, object, error);
         });
     task->resume();
@@ -59,9 +71,14 @@ void AFImageDownloader::arrived(const std::string& address, const Ref<NSHTTPURLR
     }
     if (image) cache_.addImage(image, address);
     // A callback may ask for the same picture again.
-    auto waiters = waiters_.extract(address);
-    if (!waiters) return;
-    for (auto& waiter : waiters.mapped()) {
+    auto load = loads_.extract(address);
+    if (!load) return;
+    for (auto& waiter : load.mapped().waiters) {
+        if (image && !isLargeEnough(*image, waiter.pixelSide)) {
+            downloadImageForURLRequest(waiter.request, waiter.pixelSide, std::move(waiter.success),
+                                       std::move(waiter.failure));
+            continue;
+        }
         if (image && waiter.success) waiter.success(waiter.request, response, image);
         if (!image && waiter.failure) waiter.failure(waiter.request, response, reason);
     }
@@ -70,7 +87,7 @@ void AFImageDownloader::arrived(const std::string& address, const Ref<NSHTTPURLR
 void AFImageDownloader::forgetEverything() {
     endsAtShutdown_ = false;
     cache_.removeAllImages();
-    auto dropped = std::exchange(waiters_, {});
+    auto dropped = std::exchange(loads_, {});
 }
 
 }  // namespace flarebox

@@ -2,6 +2,8 @@
 
 #include <Networking/AFHTTPResponseSerializer.h>
 
+#include <atomic>
+
 namespace flarebox {
 
 /// Decodes pictures (PNG, JPEG, WebP, the first frame of a GIF) of any image content type into UIImage objects.
@@ -14,6 +16,7 @@ public:
 
     /// Pictures are made to fit into that many pixels each way while they are read; 0 leaves them as they are.
     int maximumPixelSide() const { return maximumPixelSide_; }
+    /// Any thread; counts for what is not decoded yet.
     void setMaximumPixelSide(int side) { maximumPixelSide_ = side; }
 
     Value responseObjectForResponse(const NSHTTPURLResponse& response, const NSData& data,
@@ -21,7 +24,7 @@ public:
     bool decodesQuickly(std::size_t bytes) const override;
 
 private:
-    int maximumPixelSide_ = 0;
+    std::atomic<int> maximumPixelSide_ = 0;
 };
 
 }  // namespace flarebox

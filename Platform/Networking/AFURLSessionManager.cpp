@@ -22,8 +22,16 @@ Ref<AFURLSessionManager> AFURLSessionManager::manager() {
 
 Ref<NSURLSessionDataTask> AFURLSessionManager::dataTaskWithRequest(const Ref<NSURLRequest>& request,
                                                                    NSURLSessionDataTask::Completion completion) const {
+    return dataTaskWithRequest(request, nullptr, std::move(completion));
+}
+
+Ref<NSURLSessionDataTask> AFURLSessionManager::dataTaskWithRequest(const Ref<NSURLRequest>& request,
+                                                                   const Ref<AFHTTPResponseSerializer>& serializer,
+                                                                   NSURLSessionDataTask::Completion completion) const {
     Ref<NSURLRequest> copy = request ? request->mutableCopy() : Ref<NSMutableURLRequest>();
-    return make<NSURLSessionDataTask>(std::move(copy), settings_, std::move(completion));
+    NSURLSessionDataTask::Settings settings = settings_;
+    if (serializer) settings.responseSerializer = serializer;
+    return make<NSURLSessionDataTask>(std::move(copy), std::move(settings), std::move(completion));
 }
 
 void AFURLSessionManager::setResponseSerializer(Ref<AFHTTPResponseSerializer> serializer) {

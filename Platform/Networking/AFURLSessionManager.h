@@ -20,6 +20,11 @@ public:
     Ref<NSURLSessionDataTask> dataTaskWithRequest(const Ref<NSURLRequest>& request,
                                                   NSURLSessionDataTask::Completion completion) const;
 
+    /// The same, its answer decoded by another serializer than the manager's; null for that one.
+    Ref<NSURLSessionDataTask> dataTaskWithRequest(const Ref<NSURLRequest>& request,
+                                                  const Ref<AFHTTPResponseSerializer>& serializer,
+                                                  NSURLSessionDataTask::Completion completion) const;
+
     /// Decodes the answers of tasks made from now on; never null. JSON unless set otherwise.
     const Ref<AFHTTPResponseSerializer>& responseSerializer() const { return settings_.responseSerializer; }
     void setResponseSerializer(Ref<AFHTTPResponseSerializer> serializer);

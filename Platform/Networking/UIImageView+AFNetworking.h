@@ -9,7 +9,8 @@ namespace flarebox {
 /// with null the view keeps what it shows. One of the two callbacks is called, once: at once for a picture from the
 /// cache, on the main queue otherwise. `success` decides what to do with the picture; without it the view shows the
 /// picture itself, unless another one has been asked for in the meantime. Starting a load cancels no earlier one: its
-/// callbacks still come, and know it by their request. The view is not kept alive. Main thread only.
+/// callbacks still come, and know it by their request. The view is not kept alive. The picture has no
+/// more pixels than the view, by its size at the time of the call, can show. Main thread only.
 void setImageWithURLRequest(UIImageView& view, const Ref<NSURLRequest>& request, const Ref<UIImage>& placeholder,
                             AFImageDownloader::Success success, AFImageDownloader::Failure failure);
 

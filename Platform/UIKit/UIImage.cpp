@@ -13,13 +13,13 @@ const ClassInfo& UIImage::staticClass() {
     return info;
 }
 
-UIImage::UIImage(int width, int height, std::vector<std::uint32_t> pixels, CGFloat scale)
-    : width_(width), height_(height), pixels_(std::move(pixels)), scale_(scale) {}
+UIImage::UIImage(int width, int height, std::vector<std::uint32_t> pixels, CGFloat scale, bool isReduced)
+    : width_(width), height_(height), pixels_(std::move(pixels)), scale_(scale), isReduced_(isReduced) {}
 
 Ref<UIImage> UIImage::imageWithPixels(int width, int height, std::vector<std::uint32_t> pixels, CGFloat scale) {
     if (width < 1 || height < 1 || !(scale > 0)) return nullptr;
     if (pixels.size() != static_cast<std::size_t>(width) * static_cast<std::size_t>(height)) return nullptr;
-    return make<UIImage>(width, height, std::move(pixels), scale);
+    return make<UIImage>(width, height, std::move(pixels), scale, false);
 }
 
 Ref<UIImage> UIImage::imageWithData(const NSData& data, Ref<NSError>* error, int maximumPixelSide) {
@@ -43,7 +43,7 @@ Ref<UIImage> UIImage::resampledTo(int pixelWidth, int pixelHeight) const {
     const auto stride = static_cast<std::size_t>(width_);
     for (std::size_t y = 0; y < static_cast<std::size_t>(height_); ++y)
         averager.addRow(std::span(pixels_).subspan(y * stride, stride));
-    return imageWithPixels(pixelWidth, pixelHeight, averager.takePixels(), scale_);
+    return make<UIImage>(pixelWidth, pixelHeight, averager.takePixels(), scale_, true);
 }
 
 std::string UIImage::description() const {

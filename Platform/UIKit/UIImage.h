@@ -39,6 +39,8 @@ public:
     CGFloat scale() const { return scale_; }
     /// In points.
     CGSize size() const { return {width_ / scale_, height_ / scale_}; }
+    /// Whether it was made smaller than the picture that it comes from, which holds more detail then.
+    bool isReduced() const { return isReduced_; }
     /// Memory that the pixels take.
     std::size_t byteCost() const { return pixels_.size() * sizeof(std::uint32_t); }
 
@@ -51,13 +53,14 @@ public:
 
     std::string description() const override;
 
-    /// For `imageWithPixels`, which checks the arguments.
-    UIImage(int width, int height, std::vector<std::uint32_t> pixels, CGFloat scale);
+    /// For the class itself: `imageWithPixels` checks the arguments.
+    UIImage(int width, int height, std::vector<std::uint32_t> pixels, CGFloat scale, bool isReduced);
 
 private:
     int width_, height_;
     std::vector<std::uint32_t> pixels_;
     CGFloat scale_;
+    bool isReduced_;
 };
 
 }  // namespace flarebox

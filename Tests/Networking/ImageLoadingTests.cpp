@@ -23,6 +23,13 @@ using Connection = ScriptedServer::Connection;
 /// A red and a blue pixel.
 const char* const twoPixels =
     "iVBORw0KGgoAAAANSUhEUgAAAAIAAAABCAYAAAD0In+KAAAADklEQVR42mP4z8AAQv8BD/kD/Zh51wAAAAAASUVORK5CYII=";
+/// 400 x 200 grey pixels.
+const char* const wide =
+    "iVBORw0KGgoAAAANSUhEUgAAAZAAAADICAAAAADjfug+AAABJklEQVR42u3RMQEAAAzCMKQjHRM7dqQSmlSvigVABASIgAARECAC"
+    "AkRABASIgAARECACAkRABASIgAARECACAkRABASIgAARECACAkRABASIgAARECACAkRABASIgAARECACAkRABASIgAARECACAkRA"
+    "BASIgAARECACAkRABASIgAARECACAkRABASIgAARECACAkRAgAiIgAARECACAkRAgAiIgAARECACAkRAgAiIgAARECACAkRAgAiI"
+    "gAARECACAkRAgAiIgAARECACAkRAgAiIgAARECACAkRAgAiIgAARECACAkRAgAiIgAARECACAkRAgAiIgAARECACAkRAgAgIEAER"
+    "ECACAkRAgAgIEAERECACAkRAgAgIEAERECACAkSXDaPUSSUywj6sAAAAAElFTkSuQmCC";
 /// Says that it measures 20,000 by 20,000 pixels.
 const char* const enormous =
     "iVBORw0KGgoAAAANSUhEUgAATiAAAE4gCAYAAADjcEY5AAAAC0lEQVR42mNggAEAAAoAAewkA7kAAAAASUVORK5CYII=";
@@ -48,6 +55,8 @@ protected:
             connection.answer("200 OK", "Content-Type: image/png\r\n", "no picture");
         else if (asks("/enormous"))
             connection.answer("200 OK", "Content-Type: image/png\r\n", bytesOf(enormous));
+        else if (asks("/wide"))
+            connection.answer("200 OK", "Content-Type: image/png\r\n", bytesOf(wide));
         else if (asks("/none"))
             connection.answer("200 OK", "Content-Type: image/png\r\n", "");
         else if (asks("/long"))
@@ -93,6 +102,44 @@ TEST_F(ImageLoadingTest, OneTransferServesEverybodyWhoAsks) {
     start("again", server_.url("/p"));
     EXPECT_EQ(events_.back(), "again: 2x1 cached") << "a picture from the cache comes at once";
     EXPECT_EQ(server_.requests().size(), 2u);
+}
+
+TEST_F(ImageLoadingTest, PicturesHaveNoMorePixelsThanAreShown) {
+    const auto load = [this](int side, const std::string& url) {
+        AFImageDownloader::defaultInstance().downloadImageForURLRequest(
+            get(url), side,
+            [this](auto&, auto& response, auto& image) {
+                events_.push_back(std::to_string(image->pixelWidth()) + "x" + std::to_string(image->pixelHeight()) +
+                                  (response ? "" : " cached"));
+            },
+            nullptr);
+    };
+    load(100, server_.url("/wide"));
+    EXPECT_TRUE(pumpUntilIdle());
+    load(80, server_.url("/wide"));
+    load(200, server_.url("/wide"));
+    EXPECT_TRUE(pumpUntilIdle());
+    load(5000, server_.url("/wide"));
+    EXPECT_TRUE(pumpUntilIdle());
+    load(1000, server_.url("/wide"));
+    EXPECT_THAT(events_, ElementsAre("100x50", "100x50 cached", "200x100", "400x200", "400x200 cached"));
+    EXPECT_EQ(server_.requests().size(), 3u);
+
+    // Whoever joins a transfer gets the size that he wants, if it has to be loaded twice for that.
+    events_.clear();
+    held_ = true;
+    load(50, server_.url("/wide?2"));
+    load(300, server_.url("/wide?2"));
+    held_ = false;
+    EXPECT_TRUE(pumpUntilIdle());
+    EXPECT_EQ(events_.back(), "300x150");
+
+    // A view of 10 x 10 points, on a screen of 1024 x 768 with one pixel a point.
+    view_->setFrame({{0, 0}, {10, 10}});
+    events_.clear();
+    start("icon", server_.url("/wide?3"));
+    EXPECT_TRUE(pumpUntilIdle());
+    EXPECT_THAT(events_, ElementsAre("icon: 128x64"));
 }
 
 TEST_F(ImageLoadingTest, WhatIsNoUsablePictureFails) {

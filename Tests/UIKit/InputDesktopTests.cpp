@@ -30,6 +30,7 @@ TEST(InputDesktop, LinkReachesTheInstalledApplication) {
 
     UIApplication& application = UIApplication::sharedApplication();
     application.setUrlOpener(nullptr);
+    application.setAllowedSchemes({"http", "https"});
     EXPECT_FALSE(application.canOpenURL(NSURL::URLWithString("kestrin://x"))) << "not allowed yet";
     application.allowScheme("kestrin");
     EXPECT_FALSE(application.canOpenURL(NSURL::URLWithString("kestrindev://x")));

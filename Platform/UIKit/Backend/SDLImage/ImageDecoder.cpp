@@ -111,7 +111,7 @@ Ref<UIImage> imageFromSurface(const SDL_Surface& surface, bool isFourColor, int 
         else
             pixels.insert(pixels.end(), row.begin(), row.end());
     }
-    if (factor < 1) return UIImage::imageWithPixels(side(width), side(height), averager.takePixels());
+    if (factor < 1) return make<UIImage>(side(width), side(height), averager.takePixels(), 1.0, true);
     return UIImage::imageWithPixels(width, height, std::move(pixels));
 }
 
