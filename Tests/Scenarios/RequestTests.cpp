@@ -86,6 +86,26 @@ TEST_F(RequestTest, CarryExactlyWhatTheServiceWants) {
     EXPECT_EQ(state.json("currentAsset"), state.json("assestsList.0"));
 }
 
+TEST_F(RequestTest, TellWhatThePlayerDoes) {
+    const GameResult result =
+        play({"--can-open", "https"},
+             "await idle 60\ncall open\nawait idle 60\nwait 12.9\ntap btnCoupon\nawait idle 60\n"
+             "tap couponView.btnClose\ntap btn3d\nawait idle 60\ncall close\nwait 0.5\nawait idle 60\n");
+    ASSERT_EQ(result.status, 0) << result.errors;
+    std::vector<std::string> told;
+    for (const ReceivedRequest& request : service_.requests()) {
+        EXPECT_EQ(request.complaint, "") << request.path;
+        if (request.path == "/kafka/engagement/") {
+            told.push_back(bodyOf(request).objectForKey("action").description() + " " +
+                           bodyOf(request).objectForKey("duration").description());
+        } else if (request.path == "/coupons/") {
+            told.emplace_back("coupon saved");
+            EXPECT_THAT(keysOf(bodyOf(request)), UnorderedElementsAreArray({"session", "asset"}));
+        }
+    }
+    EXPECT_THAT(told, UnorderedElementsAreArray({"flarebox 0", "coupon 12", "coupon saved", "3d 12"}));
+}
+
 TEST_F(RequestTest, AreNotSentWithoutPermission) {
     const GameResult result =
         play({"--tracking", "off"}, "await lbErrorMessage shown 60\ncall open\nawait idle 60\nwait 2\n");

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <set>
+#include <sstream>
 
 namespace flarebox::testing {
 namespace {
@@ -30,6 +31,7 @@ std::ostream& operator<<(std::ostream& stream, const Scenario& scenario) {
 }
 
 constexpr const char* offlineText = "\"You have no internet connection\"";
+constexpr const char* savedText = "\"Coupon saved to My coupons in the Kestrin App\"";
 constexpr const char* trackingText =
     "\"Advertising tracking may be disabled. Please turn off the 'Limit Ad Tracking' from Settings -> Privacy -> "
     "Advertising.\"";
@@ -136,6 +138,60 @@ const Scenario scenarios[] = {
       {"scrolled.json", "isOpened", "true"},
       {"beside.json", "isOpened", "true"},
       {"beside.json", "views.lbAssetTitle.text", "\"Sundrella Solstice\""}}},
+    {"coupon",
+     {"--can-open", "kestrin"},
+     {{"saving.json", "views.couponView.visible", "true"},
+      {"saving.json", "views.couponView.lbMessage.text", "\"Saving coupon...\""},
+      {"saving.json", "views.couponView.btnClose.hidden", "true"},
+      {"saving.json", "views.couponView.btnKestrinApp.hidden", "true"},
+      {"saving.json", "views.couponView.indicator.visible", "true"},
+      {"saved.json", "views.couponView.lbMessage.text", savedText},
+      {"saved.json", "views.couponView.btnClose.visible", "true"},
+      {"saved.json", "views.couponView.checkMark.visible", "true"},
+      {"saved.json", "openedURLs", "[]"},
+      {"left.json", "views.couponView.hidden", "true"},
+      {"left.json", "openedURLs", "[\"kestrin://\"]"},
+      {"failed.json", "views.couponView.lbMessage.text", "\"The network connection was lost.\""},
+      {"failed.json", "views.couponView.imgFailed.visible", "true"},
+      {"failed.json", "views.couponView.btnKestrinApp.visible", "true"},
+      {"refused.json", "views.couponView.lbMessage.text", savedText},
+      {"bought.json", "openedURLs.#", "2"},
+      {"bought.json", "openedURLs.1", "\"https://ovalune.example/halo-one\""}}},
+    {"modes",
+     {},
+     {{"everything.json", "assestsList", "[\"everything\",\"without-video\",\"without-picture\",\"video-only\"]"},
+      {"everything.json", "currentAssetMode", "0"},
+      {"everything.json", "views.btnVideo.enabled", "true"},
+      {"model.json", "currentAssetMode", "1"},
+      {"model.json", "views.btn3d.selected", "true"},
+      {"model.json", "views.scnContainer.hidden", "false"},
+      {"model.json", "views.imgAssetContent.hidden", "true"},
+      {"without-video.json", "currentAssetMode", "0"},
+      {"without-video.json", "views.btnVideo.enabled", "false"},
+      {"without-video.json", "views.imgAssetContent.hidden", "false"},
+      {"without-picture.json", "views.btn2d.enabled", "false"},
+      {"without-picture.json", "views.btn2d.selected", "true"},
+      {"without-picture.json", "views.imgAssetContent.hidden", "false"},
+      {"without-picture.json", "views.lbAssetTitle.text", "\"Without a picture\""},
+      {"video.json", "currentAssetMode", "2"},
+      {"video.json", "views.videoContainer.hidden", "false"},
+      {"video-stays.json", "currentAssetMode", "2"},
+      {"video-goes.json", "currentAssetMode", "0"}}},
+    {"failing",
+     {},
+     {{"session.json", "views.loadingView.hidden", "true"},
+      {"session.json", "refreshDataTime", "180"},
+      {"status.json", "assestsList.#", "14"},
+      {"slow.json", "views.loadingView.visible", "true"},
+      {"slow.json", "views.lbErrorMessage.hidden", "true"},
+      {"slow-done.json", "views.assetView.hidden", "false"},
+      {"broken.json", "assestsList.#", "14"},
+      {"wrong-types.json", "assestsList", "[\"7\",\"fine\"]"},
+      {"wrong-types.json", "views.assetView.hidden", "false"},
+      {"cut.json", "assestsList.#", "2"},
+      {"mended.json", "assestsList.#", "14"},
+      {"mended.json", "views.lbErrorMessage.text", "\"\""},
+      {"mended.json", "currentAssetMode", "0"}}},
     {"refreshing",
      {"--refresh", "4"},
      {{"counting.json", "isOpened", "false"},
@@ -249,6 +305,36 @@ TEST(AnswersTest, RefreshAsksForTheAssetsAgainAndKeepsTheSession) {
     runScenario(folder, "refreshing", {"--refresh", "4", "--api-url", service.baseURL()});
     EXPECT_EQ(service.requests("/sessions/").size(), 1U);
     EXPECT_EQ(service.requests("/game/common-assets/").size(), 2U);
+}
+
+TEST(AnswersTest, AListIsRefreshedWhileNobodyLooksAndAnEmptyOneAlways) {
+    const TemporaryDirectory folder;
+    std::vector<std::string> arguments = {"--log-level", "1", "--script", scriptPath("refreshes.script")};
+    const GameResult result = runGame(folder, arguments);
+    ASSERT_EQ(result.status, 0) << result.errors;
+    std::vector<std::string> steps;
+    std::istringstream lines(result.errors);
+    for (std::string line; std::getline(lines, line);) {
+        for (const auto& [text, step] :
+             {std::pair{"create a game session", "session"}, std::pair{"Refresh game assets data", "refresh"},
+              std::pair{"Load common game assets", "load"}}) {
+            if (line == "KestrinSDK Info: " + std::string(text)) steps.emplace_back(step);
+        }
+    }
+    // At the start; once closed; as the network changes; twice for the empty list.
+    EXPECT_THAT(steps, ::testing::ElementsAre("session", "load", "refresh", "load", "load", "refresh", "load",
+                                              "refresh", "load"));
+    EXPECT_EQ(State(folder, "empty.json").json("views.emptyView.hidden"), "false");
+}
+
+TEST(SheetTest, EveryStateCanBeDrawn) {
+    const TemporaryDirectory folder;
+    for (const auto& [script, tracking] : {std::pair{"states", "on"}, std::pair{"tracking", "off"}}) {
+        const std::string path = std::string(FLAREBOX_SHEET) + "/" + script + ".script";
+        const GameResult result = runGame(
+            folder, {"--size", "375x667", "--scale", "1", "--no-logging", "--tracking", tracking, "--script", path});
+        EXPECT_EQ(result.status, 0) << result.errors;
+    }
 }
 
 }  // namespace

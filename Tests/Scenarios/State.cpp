@@ -13,13 +13,20 @@ State::State(const TemporaryDirectory& folder, const std::string& file) {
 Value State::at(std::string_view path) const {
     Value value = root_;
     while (!path.empty() && value) {
-        const std::size_t dot = std::min(path.find('.'), path.size());
-        const std::string_view key = path.substr(0, dot);
-        if (const auto array = value.as<NSArray>())
-            value = array.objectAtIndex(static_cast<std::size_t>(NSString(key).integerValue()));
-        else
-            value = value.as<NSDictionary>().objectForKey(key);
-        path.remove_prefix(std::min(dot + 1, path.size()));
+        std::size_t length = std::min(path.find('.'), path.size());
+        if (const auto array = value.as<NSArray>()) {
+            value = array.objectAtIndex(static_cast<std::size_t>(NSString(path.substr(0, length)).integerValue()));
+        } else {
+            // Fields of content views have names with dots of their own: the longest name counts.
+            const auto dictionary = value.as<NSDictionary>();
+            for (length = path.size(); length != path.npos;
+                 length = length == 0 ? path.npos : path.rfind('.', length - 1)) {
+                value = dictionary.objectForKey(path.substr(0, length));
+                if (value) break;
+            }
+            if (!value) return {};
+        }
+        path.remove_prefix(std::min(length + 1, path.size()));
     }
     return value;
 }

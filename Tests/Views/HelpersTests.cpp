@@ -45,7 +45,8 @@ TEST(Helpers, AViewAddedToAParentFillsItAndFollowsItsSize) {
 }
 
 TEST(Helpers, AllConstraintsOfAViewGoAndNoOthers) {
-    auto grandparent = make<UIView>(), parent = make<UIView>(), view = make<UIView>(), child = make<UIView>(), other = make<UIView>();
+    auto grandparent = make<UIView>(), parent = make<UIView>(), view = make<UIView>(), child = make<UIView>(),
+         other = make<UIView>();
     grandparent->addSubview(*parent);
     parent->addSubview(*view);
     parent->addSubview(*other);

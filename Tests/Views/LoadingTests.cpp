@@ -132,8 +132,65 @@ TEST_F(LoadingTest, RefreshesOnlyAListThatIsNotBeingLookedAt) {
     EXPECT_EQ(tab_->refreshDataTime(), 180);
 }
 
+TEST_F(LoadingTest, AFlappingNetworkEndsInOneListAndOneTimer) {
+    for (const bool hasSession : {false, true}) {
+        SCOPED_TRACE(hasSession);
+        makeTab()->showAtWindow();
+        pass(0.2);
+        if (hasSession) {
+            ASSERT_TRUE(settle([&] { return tab_->currentAsset() != nullptr; }));
+        }
+        for (int i = 0; i < 50; ++i) {
+            network_->setStatus(i % 2 ? AFNetworkReachabilityStatusReachableViaWiFi
+                                      : AFNetworkReachabilityStatusNotReachable);
+            pass(0.1);
+        }
+        ASSERT_TRUE(
+            settle([&] { return tab_->currentAsset() && !shown("loadingView") && MainQueue::shared().isIdle(); }));
+        EXPECT_TRUE(shown("assetView"));
+        EXPECT_FALSE(shown("emptyView"));
+        EXPECT_EQ(errorText(), "");
+        EXPECT_EQ(tab_->netWorkStatus(), 2);
+        const int before = tab_->refreshDataTime();
+        pass(10);
+        EXPECT_NEAR(before - tab_->refreshDataTime(), 10, 1) << "one timer counts";
+        tab_->removeFromSuperview();
+    }
+}
+
+TEST_F(LoadingTest, AHostMayChangeItsGameAtAnyTime) {
+    showLoadedTab();
+    FlareboxConfig::defaultConfig().setGameUID("game-2");
+    sharedService().behave("/sessions/", {.delay = std::chrono::milliseconds(30)});
+    tab_->updateWithNewGameUDID();
+    EXPECT_TRUE(shown("loadingView"));
+    FlareboxConfig::defaultConfig().setGameUID("game-3");
+    tab_->updateWithNewGameUDID();
+    ASSERT_TRUE(settle([&] { return requests("/game/common-assets/") == 2U; }));
+    ASSERT_TRUE(settleIdle());
+    const auto sessions = sharedService().requests("/sessions/");
+    ASSERT_EQ(sessions.size(), 2U) << "one at a time";
+    EXPECT_EQ(sessions[1].header("Game-UID"), "game-2");
+    EXPECT_EQ(sharedService().requests("/game/common-assets/")[1].header("Game-UID"), "game-3")
+        << "the configuration is read afresh";
+    tab_->updateWithNewGameUDID();
+    ASSERT_TRUE(settle([&] { return requests("/game/common-assets/") == 3U; }));
+    ASSERT_TRUE(settleIdle());
+    EXPECT_EQ(sharedService().requests("/sessions/")[2].header("Game-UID"), "game-3");
+    EXPECT_TRUE(shown("assetView"));
+    const int before = tab_->refreshDataTime();
+    pass(10);
+    EXPECT_NEAR(before - tab_->refreshDataTime(), 10, 1);
+
+    network_->setStatus(AFNetworkReachabilityStatusNotReachable);
+    ASSERT_TRUE(settle([&] { return !tab_->isNetworkConnected(); }));
+    tab_->updateWithNewGameUDID();
+    EXPECT_FALSE(shown("loadingView")) << "not without a network";
+}
+
 TEST_F(LoadingTest, AnEmptyListIsSaidAndAskedForAgain) {
-    sharedService().behave("/game/common-assets/", {.body = R"([{"id": 1, "title": "No icon"}, {"id": 2, "file_icon": ""}])"});
+    sharedService().behave("/game/common-assets/",
+                           {.body = R"([{"id": 1, "title": "No icon"}, {"id": 2, "file_icon": ""}])"});
     makeTab()->showAtWindow();
     ASSERT_TRUE(settle([&] { return shown("emptyView"); }));
     EXPECT_FALSE(shown("assetView"));
@@ -175,7 +232,9 @@ TEST_F(LoadingTest, TappingACellSelectsItsAsset) {
     tap({rect.midX(), rect.midY()});
     EXPECT_EQ(tab_->currentAsset(), (*tab_->assestsList())[1]);
     const double side = cell->frame().width();
-    EXPECT_NEAR(side, std::min(list->frame().width(), list->frame().height()) - 10 * FlareboxView::getViewSize().height / 420, 1e-6);
+    EXPECT_NEAR(side,
+                std::min(list->frame().width(), list->frame().height()) - 10 * FlareboxView::getViewSize().height / 420,
+                1e-6);
 
     tap("btnNext");
     EXPECT_NEAR(list->contentOffset().x, side, 1e-6);

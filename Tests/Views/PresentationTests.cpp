@@ -11,8 +11,8 @@ class PresentationTest : public TabTest {
 protected:
     int tabsInWindow() {
         const auto views = window().subviews();
-        return static_cast<int>(
-            std::count_if(views.begin(), views.end(), [](const Ref<UIView>& view) { return objectCast<FlareboxView>(view.get()); }));
+        return static_cast<int>(std::count_if(
+            views.begin(), views.end(), [](const Ref<UIView>& view) { return objectCast<FlareboxView>(view.get()); }));
     }
     void swipe(CGPoint from, CGPoint by) {
         host_->pointerDown(0, from);
@@ -31,8 +31,8 @@ TEST_F(PresentationTest, SizesFollowTheScreen) {
         double scale, width, height;
     };
     const Case cases[] = {
-        {{667, 375}, 2, 245.5357, 375},  {{375, 667}, 2, 375, 572.7272}, {{1024, 768}, 1, 352, 537.6},
-        {{1024, 768}, 2, 502.857, 768},  {{1366, 1024}, 1, 469.333, 716.8}, {{600, 600}, 1, 392.857, 600},
+        {{667, 375}, 2, 245.5357, 375}, {{375, 667}, 2, 375, 572.7272},    {{1024, 768}, 1, 352, 537.6},
+        {{1024, 768}, 2, 502.857, 768}, {{1366, 1024}, 1, 469.333, 716.8}, {{600, 600}, 1, 392.857, 600},
     };
     for (const Case& example : cases) {
         host_->setScreen(example.screen, example.scale);

@@ -1,0 +1,20 @@
+#!/usr/bin/env bash
+# Draws every state of the tab on four screens into one sheet, Docs/states.png. Needs no display. Another file may be named instead.
+source "$(dirname "$0")/prepare.sh"
+install_packages
+build release flarebox-hostgame flarebox-contactsheet
+game="$PWD/build/release/Examples/HostGame/flarebox-hostgame"
+scripts="$PWD/Examples/ContactSheet"
+out=$(realpath "${1:-Docs/states.png}")
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+for size in 667x375 375x667 1024x768 1366x1024; do
+    mkdir "$folder/$size"
+    cd "$folder/$size"
+    for script in states tracking; do
+        options=()
+        [[ $script == tracking ]] && options=(--tracking off)
+        "$game" --headless --clock virtual --no-logging --size "$size" --scale 1 --script "$scripts/$script.script" "${options[@]}" >/dev/null
+    done
+done
+"$OLDPWD/build/release/Examples/ContactSheet/flarebox-contactsheet" "$out" "$folder"/{667x375,375x667,1024x768,1366x1024}
