@@ -3,7 +3,7 @@
 source "$(dirname "$0")/prepare.sh"
 install_packages
 build release flarebox-hostgame flarebox-contactsheet
-game="$PWD/build/release/Examples/HostGame/flarebox-hostgame"
+examples="$PWD/build/release/Examples"
 scripts="$PWD/Examples/ContactSheet"
 out=$(realpath "${1:-Docs/states.png}")
 folder=$(mktemp -d)
@@ -14,7 +14,7 @@ for size in 667x375 375x667 1024x768 1366x1024; do
     for script in states tracking; do
         options=()
         [[ $script == tracking ]] && options=(--tracking off)
-        "$game" --headless --clock virtual --no-logging --size "$size" --scale 1 --script "$scripts/$script.script" "${options[@]}" >/dev/null
+        "$examples/HostGame/flarebox-hostgame" --headless --clock virtual --no-logging --size "$size" --scale 1 --script "$scripts/$script.script" "${options[@]}" >/dev/null
     done
 done
-"$OLDPWD/build/release/Examples/ContactSheet/flarebox-contactsheet" "$out" "$folder"/{667x375,375x667,1024x768,1366x1024}
+"$examples/ContactSheet/flarebox-contactsheet" "$out" "$folder"/{667x375,375x667,1024x768,1366x1024}

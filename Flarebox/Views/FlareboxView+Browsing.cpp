@@ -25,7 +25,9 @@ void FlareboxView::updateFlarebox() {
     collectionView_->reloadData();
     if (!assestsList_ || assestsList_->empty()) return showEmptyView();
     collectionView_->performBatchUpdates(nullptr, [self = Ref<FlareboxView>(this)](bool finished) {
-        if (finished) self->selectFirstAsset();
+        if (!finished) return;
+        self->selectFirstAsset();
+        self->showListEnds();
     });
     showAssetView();
 }
@@ -129,7 +131,14 @@ void FlareboxView::collectionViewDidSelectItemAtIndexPath(UICollectionView&, con
     reloadCellVisibles();
 }
 
-void FlareboxView::scrollViewDidScroll(UIScrollView& view) { leftAssetListShadowView_->setHidden(view.contentOffset().x < 1); }
+void FlareboxView::scrollViewDidScroll(UIScrollView&) { showListEnds(); }
+
+void FlareboxView::showListEnds() {
+    const CGFloat start = collectionView_->contentOffset().x;
+    const CGFloat end = start + collectionView_->bounds().width();
+    leftAssetListShadowView_->setHidden(start < 1);
+    rightAssetListShadowView_->setHidden(end > collectionView_->contentSize().width - 1);
+}
 
 void FlareboxView::scrollViewDidEndDragging(UIScrollView&, bool willDecelerate) {
     if (!willDecelerate) reloadCellVisibles();

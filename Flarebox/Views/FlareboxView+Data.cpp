@@ -166,7 +166,9 @@ void FlareboxView::showErrorMessage(std::string_view message) {
     lbErrorMessage_->setHidden(false);
     lbErrorMessage_->setText(message);
     // What would have to shrink too much to stay readable wraps instead.
-    lbErrorMessage_->setNumberOfLines(message.size() > longestErrorLine ? 0 : 1);
+    const bool isLong = message.size() > longestErrorLine;
+    lbErrorMessage_->setNumberOfLines(isLong ? 0 : 1);
+    lbErrorMessage_->setTextAlignment(isLong ? NSTextAlignment::Natural : NSTextAlignment::Center);
 }
 
 void FlareboxView::hideErrorMessage() {

@@ -90,6 +90,7 @@ void FlareboxView::layoutView() {
     setNeedsLayout();
     layoutIfNeeded();
     collectionView_->reloadData();
+    showListEnds();
 }
 
 void FlareboxView::loadLayoutConstrains() {

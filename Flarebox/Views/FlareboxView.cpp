@@ -49,6 +49,7 @@ const ClassInfo& FlareboxView::staticClass() {
         outlet<&FlareboxView::btnPrevious_>("btnPrevious"),
         outlet<&FlareboxView::btnNext_>("btnNext"),
         outlet<&FlareboxView::leftAssetListShadowView_>("leftAssetListShadowView"),
+        outlet<&FlareboxView::rightAssetListShadowView_>("rightAssetListShadowView"),
         outlet<&FlareboxView::loadingView_>("loadingView"),
         outlet<&FlareboxView::indicator_>("indicator"),
         outlet<&FlareboxView::videoContainer_>("videoContainer"),

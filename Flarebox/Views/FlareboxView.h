@@ -166,6 +166,8 @@ private:
     void relayoutLayers() {}
 
     // FlareboxView+Browsing.cpp
+    /// The list fades out where it goes on.
+    void showListEnds();
     void loadAssetPicture(const NSString& address);
     void selectFirstAsset();
     bool isCurrentAsset(const FXAssetInfo& asset) const;
@@ -187,7 +189,7 @@ private:
     void pressBuyButton();
 
     // Bound by the layout file; owned by the view tree.
-    Weak<UIView> emptyView_, assetView_, contentView_, assetContentView_, leftAssetListShadowView_, loadingView_, videoContainer_,
+    Weak<UIView> emptyView_, assetView_, contentView_, assetContentView_, leftAssetListShadowView_, rightAssetListShadowView_, loadingView_, videoContainer_,
         scnContainer_, preventerMenuView_, panelShadow_;
     Weak<UICollectionView> collectionView_;
     Weak<UILabel> lbAssetTitle_, lbAssetDesc_, lbEmptyAssets_, lbEmptyAssetsDetail_, lbErrorMessage_, lbFlareboxLogo_;

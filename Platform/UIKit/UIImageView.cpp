@@ -40,6 +40,13 @@ void UIImageView::setIcon(const VectorIcon* icon) {
     setNeedsDisplay();
 }
 
+void UIImageView::setIconShare(CGFloat share) {
+    share = std::clamp(share, 0.0, 1.0);
+    if (iconShare_ == share) return;
+    iconShare_ = share;
+    setNeedsDisplay();
+}
+
 void UIImageView::setBorderGap(CGFloat gap) {
     if (borderGap_ == gap) return;
     borderGap_ = gap;
@@ -69,7 +76,8 @@ void UIImageView::drawRect(Canvas& canvas, const CGRect&) {
     const CGRect area = contentRect();
     if (area.isEmpty()) return;
     if (!image_) {
-        if (icon_) icon_->draw(canvas, area, tintColor());
+        const CGFloat margin = (1 - iconShare_) / 2 * std::min(area.width(), area.height());
+        if (icon_) icon_->draw(canvas, area.inset(margin, margin), tintColor());
         return;
     }
     const CGRect place = placedByContentMode(image_->size(), area, contentMode());

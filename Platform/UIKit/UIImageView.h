@@ -8,8 +8,8 @@ namespace flarebox {
 
 /// Shows a picture, placed by the view's content mode and rounded with its layer. Main thread only.
 ///
-/// Set by layout files: image sign `icon`, `contentMode`, `borderGap`, `tintColor`, and the layer's corner radius and
-/// border.
+/// Set by layout files: image sign `icon`, `iconShare`, `contentMode`, `borderGap`, `tintColor`, and the layer's corner
+/// radius and border.
 class UIImageView : public UIView {
     FLAREBOX_CLASS(UIImageView)
 public:
@@ -24,6 +24,9 @@ public:
     /// A sign shown in the tint colour while there is no picture; null for none.
     const VectorIcon* icon() const { return icon_; }
     void setIcon(const VectorIcon* icon);
+    /// Side of the sign in parts of the view's shorter side, 0 to 1; 1 unless set.
+    CGFloat iconShare() const { return iconShare_; }
+    void setIconShare(CGFloat share);
 
     /// Space in points between the layer's border and the picture. Where it is above 0, room for a border of at least
     /// one point is kept also while there is none, so that the picture does not move when the border appears.
@@ -49,7 +52,7 @@ private:
     Ref<UIImage> drawnImage_;
     const VectorIcon* icon_ = nullptr;
     Ref<NSObject> imageTask_;
-    CGFloat borderGap_ = 0;
+    CGFloat borderGap_ = 0, iconShare_ = 1;
 };
 
 }  // namespace flarebox

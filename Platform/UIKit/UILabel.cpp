@@ -12,6 +12,12 @@ constexpr CGFloat unlimited = std::numeric_limits<CGFloat>::infinity();
 constexpr CGFloat iconSide = 1.1, iconGap = 0.4;
 constexpr CGFloat fittingStep = 0.25;
 
+CGRect insetBy(const CGRect& rect, const UIEdgeInsets& insets) {
+    return CGRectMake(rect.minX() + insets.left, rect.minY() + insets.top,
+                      std::max(0.0, rect.width() - insets.left - insets.right),
+                      std::max(0.0, rect.height() - insets.top - insets.bottom));
+}
+
 CGFloat startOf(NSTextAlignment alignment, CGFloat room) {
     if (alignment == NSTextAlignment::Center) return room / 2;
     return alignment == NSTextAlignment::Right ? room : 0;
@@ -71,6 +77,9 @@ void UILabel::setMinimumScaleFactor(CGFloat factor) {
 void UILabel::setPreferredMaxLayoutWidth(CGFloat width) {
     change(preferredMaxLayoutWidth_, std::max(0.0, width), true);
 }
+void UILabel::setContentInsets(const UIEdgeInsets& insets) {
+    change(contentInsets_, insets, true);
+}
 void UILabel::setIcon(const VectorIcon* icon) {
     change(icon_, icon, true);
 }
@@ -81,8 +90,9 @@ CGFloat UILabel::iconWidth() const {
 
 CGSize UILabel::sizeThatFits(CGFloat width) const {
     if (!drawsContent()) return {};
-    const CGSize text = measureText(text_.text(), style_, std::max(0.0, width - iconWidth()));
-    return {text.width + iconWidth(), text.height};
+    const CGFloat beside = iconWidth() + contentInsets_.left + contentInsets_.right;
+    const CGSize text = measureText(text_.text(), style_, std::max(0.0, width - beside));
+    return {text.width + beside, text.height + contentInsets_.top + contentInsets_.bottom};
 }
 
 CGSize UILabel::intrinsicContentSize() const {
@@ -132,7 +142,7 @@ void UILabel::drawTextInRect(Canvas& canvas, const CGRect& rect, const UIColor& 
 }
 
 void UILabel::drawRect(Canvas& canvas, const CGRect& bounds) {
-    drawTextInRect(canvas, bounds, style_.color);
+    drawTextInRect(canvas, insetBy(bounds, contentInsets_), style_.color);
 }
 
 }  // namespace flarebox

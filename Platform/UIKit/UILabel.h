@@ -9,7 +9,7 @@ namespace flarebox {
 /// Shows a text, in the middle of its height. Main thread only.
 ///
 /// Set by layout files: `text`, `font`, `textColor`, `textAlignment`, `numberOfLines`, `lineBreakMode`,
-/// `adjustsFontSizeToFitWidth`, `minimumScaleFactor`, `icon`.
+/// `adjustsFontSizeToFitWidth`, `minimumScaleFactor`, `contentInsets`, `icon`.
 class UILabel : public UIView {
     FLAREBOX_CLASS(UILabel)
 public:
@@ -43,6 +43,9 @@ public:
     /// label's own width.
     CGFloat preferredMaxLayoutWidth() const { return preferredMaxLayoutWidth_; }
     void setPreferredMaxLayoutWidth(CGFloat width);
+    /// Room in points between the label's edges and its text.
+    const UIEdgeInsets& contentInsets() const { return contentInsets_; }
+    void setContentInsets(const UIEdgeInsets& insets);
     /// A sign before the text, in the text's colour and size; null for none.
     const VectorIcon* icon() const { return icon_; }
     void setIcon(const VectorIcon* icon);
@@ -72,6 +75,7 @@ private:
     NSString text_;
     TextStyle style_;
     const VectorIcon* icon_ = nullptr;
+    UIEdgeInsets contentInsets_;
     CGFloat minimumScale_ = 0.5, preferredMaxLayoutWidth_ = 0;
     /// The intrinsic height last answered, to notice when another width makes it wrong.
     mutable CGFloat answeredHeight_ = -1;

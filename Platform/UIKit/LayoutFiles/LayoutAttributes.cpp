@@ -156,6 +156,8 @@ constexpr Entry labelAttributes[] = {
     attribute<boolean, [](UILabel& label, bool value) { label.setAdjustsFontSizeToFitWidth(value); }>(
         "adjustsFontSizeToFitWidth"),
     attribute<share, [](UILabel& label, CGFloat value) { label.setMinimumScaleFactor(value); }>("minimumScaleFactor"),
+    attribute<insets, [](UILabel& label, const UIEdgeInsets& value) { label.setContentInsets(value); }>(
+        "contentInsets"),
     attribute<icon, [](UILabel& label, const VectorIcon* value) { label.setIcon(value); }>("icon"),
 };
 
@@ -192,6 +194,7 @@ constexpr Entry buttonAttributes[] = {
 
 constexpr Entry imageViewAttributes[] = {
     attribute<icon, [](UIImageView& view, const VectorIcon* value) { view.setIcon(value); }>("icon"),
+    attribute<share, [](UIImageView& view, CGFloat value) { view.setIconShare(value); }>("iconShare"),
     attribute<length, [](UIImageView& view, CGFloat value) { view.setBorderGap(value); }>("borderGap"),
 };
 
