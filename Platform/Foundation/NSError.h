@@ -29,6 +29,9 @@ enum NSURLErrorCode : int {
     NSURLErrorDataLengthExceedsMaximum = -1103,
     NSURLErrorSecureConnectionFailed = -1200,
     NSURLErrorServerCertificateUntrusted = -1202,
+    NSURLErrorCannotCreateFile = -3000,
+    NSURLErrorCannotWriteToFile = -3003,
+    NSURLErrorCannotMoveFile = -3005,
 };
 inline constexpr int NSPropertyListReadCorruptError = 3840;
 

@@ -1,3 +1,5 @@
+#include <Foundation/AtomicFile.h>
+#include <Foundation/FileError.h>
 #include <Foundation/Immortal.h>
 #include <Foundation/NSFileManager.h>
 #include <Foundation/NSProcessInfo.h>
@@ -19,39 +21,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-enum class Access { Read, Write };
-
-int codeFor(int number, Access access) {
-    bool reads = access == Access::Read;
-    switch (number) {
-        case ENOENT:
-        case ENOTDIR:
-            return reads ? NSFileReadNoSuchFileError : NSFileNoSuchFileError;
-        case EACCES:
-        case EPERM:
-            return reads ? NSFileReadNoPermissionError : NSFileWriteNoPermissionError;
-        case EINVAL:
-        case ENAMETOOLONG:
-            return reads ? NSFileReadInvalidFileNameError : NSFileWriteInvalidFileNameError;
-        case EFBIG:
-            return reads ? NSFileReadTooLargeError : NSFileWriteOutOfSpaceError;
-        case EEXIST:
-        case ENOTEMPTY:
-            return NSFileWriteFileExistsError;
-        case ENOSPC:
-        case EDQUOT:
-            return NSFileWriteOutOfSpaceError;
-        case EROFS:
-            return NSFileWriteVolumeReadOnlyError;
-        default:
-            return reads ? NSFileReadUnknownError : NSFileWriteUnknownError;
-    }
-}
+using Access = FileAccess;
 
 bool fail(Ref<NSError>* error, int number, Access access, std::string_view path) {
-    if (!error) return false;
-    std::string text = std::system_category().message(number) + ": " + std::string(path.substr(0, path.find('\0')));
-    *error = NSError::errorWithDomain(NSCocoaErrorDomain, codeFor(number, access), text);
+    if (error) *error = fileError(number, access, path);
     return false;
 }
 
@@ -87,15 +60,6 @@ public:
             if (contents.size() > limit) return EFBIG;
             if (count == 0) return 0;
         }
-    }
-
-    int writeAll(std::string_view contents) const {
-        while (!contents.empty()) {
-            ssize_t count = write(descriptor_, contents.data(), contents.size());
-            if (count < 0 && errno != EINTR) return errno;
-            contents.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
-        }
-        return 0;
     }
 
 private:
@@ -204,20 +168,11 @@ NSData NSFileManager::contentsAtPath(std::string_view path, std::size_t limit, R
 }
 
 bool NSFileManager::writeAtomically(std::string_view contents, std::string_view toPath, Ref<NSError>* error) const {
-    auto name = pathOf(toPath);
-    if (!name) return fail(error, EINVAL, Access::Write, toPath);
-    // In the same folder, as a rename works only within one file system; hidden, as listings skip it.
-    fs::path destination(*name);
-    std::string hidden(".");
-    hidden.append(destination.filename().string()).append(".XXXXXX");
-    std::string temporary = (destination.parent_path() / hidden).string();
-    File file(mkostemp(temporary.data(), O_CLOEXEC));
-    if (!file.isOpen()) return fail(error, errno, Access::Write, toPath);
-    int number = file.writeAll(contents);
-    if (number == 0 && rename(temporary.c_str(), name->c_str()) != 0) number = errno;
-    if (number == 0) return true;
-    unlink(temporary.c_str());
-    return fail(error, number, Access::Write, toPath);
+    AtomicFile file(toPath);
+    file.write(contents);
+    if (file.commit()) return true;
+    if (error) *error = file.error();
+    return false;
 }
 
 std::string NSFileManager::documentsDirectory(Ref<NSError>* error) const {

@@ -12,7 +12,7 @@ const ClassInfo& AFURLSessionManager::staticClass() {
 }
 
 AFURLSessionManager::AFURLSessionManager()
-    : settings_{AFJSONResponseSerializer::serializer(), defaultMaximumResponseLength, {}} {}
+    : settings_{AFJSONResponseSerializer::serializer(), defaultMaximumResponseLength, {}, {}} {}
 
 AFURLSessionManager::~AFURLSessionManager() = default;
 
@@ -31,6 +31,16 @@ Ref<NSURLSessionDataTask> AFURLSessionManager::dataTaskWithRequest(const Ref<NSU
     Ref<NSURLRequest> copy = request ? request->mutableCopy() : Ref<NSMutableURLRequest>();
     NSURLSessionDataTask::Settings settings = settings_;
     if (serializer) settings.responseSerializer = serializer;
+    return make<NSURLSessionDataTask>(std::move(copy), std::move(settings), std::move(completion));
+}
+
+Ref<NSURLSessionDataTask> AFURLSessionManager::downloadTaskWithRequest(
+    const Ref<NSURLRequest>& request, std::function<std::string()> destination,
+    NSURLSessionDataTask::Completion completion) const {
+    Ref<NSURLRequest> copy = request ? request->mutableCopy() : Ref<NSMutableURLRequest>();
+    NSURLSessionDataTask::Settings settings = settings_;
+    settings.maximumResponseLength = defaultMaximumDownloadLength;
+    settings.destination = std::move(destination);
     return make<NSURLSessionDataTask>(std::move(copy), std::move(settings), std::move(completion));
 }
 

@@ -25,12 +25,21 @@ public:
                                                   const Ref<AFHTTPResponseSerializer>& serializer,
                                                   NSURLSessionDataTask::Completion completion) const;
 
+    /// A task whose answer, up to `defaultMaximumDownloadLength` bytes of it, goes to a file as it arrives.
+    /// `destination` is asked for its path, in a folder that exists, on the main thread when the task is resumed; the
+    /// file appears there, in the place of another one, once it is whole, and is the completion's object as text. A
+    /// status outside 200-299 is an error and leaves no file.
+    Ref<NSURLSessionDataTask> downloadTaskWithRequest(const Ref<NSURLRequest>& request,
+                                                      std::function<std::string()> destination,
+                                                      NSURLSessionDataTask::Completion completion) const;
+
     /// Decodes the answers of tasks made from now on; never null. JSON unless set otherwise.
     const Ref<AFHTTPResponseSerializer>& responseSerializer() const { return settings_.responseSerializer; }
     void setResponseSerializer(Ref<AFHTTPResponseSerializer> serializer);
 
     /// Bytes of a body, decompressed, beyond which an answer is refused with NSURLErrorDataLengthExceedsMaximum.
     static constexpr std::uint64_t defaultMaximumResponseLength = std::uint64_t{16} << 20;
+    static constexpr std::uint64_t defaultMaximumDownloadLength = std::uint64_t{256} << 20;
     std::uint64_t maximumResponseLength() const { return settings_.maximumResponseLength; }
     void setMaximumResponseLength(std::uint64_t bytes) { settings_.maximumResponseLength = bytes; }
 

@@ -90,12 +90,14 @@ void NSURLSessionDataTask::startTransfer() {
     transfer.idleTimeout = request_->timeoutInterval();
     transfer.maximumBodyLength = settings_.maximumResponseLength;
     transfer.certificateAuthorityFile = settings_.certificateAuthorityFile;
+    if (auto error = openDestination(transfer)) return finishSoon(identifier_, {nullptr, {}, error});
 
     auto completion = [identifier = identifier_, serializer = settings_.responseSerializer,
+                       file = transfer.file ? transfer.file->path() : std::string(),
                        worker = WorkerThread::shared()](TransferResult result) {
-        const bool quick = result.error || serializer->decodesQuickly(result.body.length());
-        auto decodeAndFinish = [identifier, serializer, transferred = std::move(result)] {
-            finishSoon(identifier, decode(*serializer, transferred));
+        const bool quick = result.error || !file.empty() || serializer->decodesQuickly(result.body.length());
+        auto decodeAndFinish = [identifier, serializer, file, transferred = std::move(result)] {
+            finishSoon(identifier, decode(*serializer, file, transferred));
         };
         if (quick)
             decodeAndFinish();
@@ -105,11 +107,23 @@ void NSURLSessionDataTask::startTransfer() {
     transfer_ = Transport::shared().start(std::move(transfer), std::move(completion));
 }
 
+Ref<NSError> NSURLSessionDataTask::openDestination(TransferRequest& transfer) const {
+    if (!settings_.destination) return nullptr;
+    transfer.file = std::make_shared<AtomicFile>(settings_.destination());
+    const Ref<NSError> reason = transfer.file->error();
+    return reason ? networkError(NSURLErrorCannotCreateFile, reason->localizedDescription(), transfer.url) : nullptr;
+}
+
 NSURLSessionDataTask::Outcome NSURLSessionDataTask::decode(const AFHTTPResponseSerializer& serializer,
-                                                           const TransferResult& result) {
+                                                           const std::string& file, const TransferResult& result) {
     if (result.error) return {nullptr, {}, result.error};
     Outcome outcome;
     outcome.response = make<NSHTTPURLResponse>(NSURL::URLWithString(result.url), result.status, result.fields);
+    if (!file.empty()) {
+        outcome.error = serializer.validateResponse(*outcome.response, NSData());
+        outcome.object = NSString(file);
+        return outcome;
+    }
     outcome.object = serializer.responseObjectForResponse(*outcome.response, result.body, outcome.error);
     return outcome;
 }

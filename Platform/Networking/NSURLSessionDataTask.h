@@ -36,6 +36,8 @@ public:
         Ref<AFHTTPResponseSerializer> responseSerializer;
         std::uint64_t maximumResponseLength;
         std::string certificateAuthorityFile;
+        /// Where the body goes; asked on the main thread when the task is resumed. Null: to the serializer.
+        std::function<std::string()> destination;
     };
 
     NSURLSessionDataTask(Ref<NSURLRequest> request, Settings settings, Completion completion);
@@ -62,10 +64,12 @@ private:
     static InFlight& inFlight();
     static void finish(Identifier identifier, Outcome outcome);
     static void finishSoon(Identifier identifier, Outcome outcome);
-    static Outcome decode(const AFHTTPResponseSerializer& serializer, const struct TransferResult& result);
+    static Outcome decode(const AFHTTPResponseSerializer& serializer, const std::string& file,
+                          const struct TransferResult& result);
 
     void enterFlight();
     void startTransfer();
+    Ref<NSError> openDestination(struct TransferRequest& transfer) const;
     void complete(Outcome outcome);
     std::string address() const;
 

@@ -32,6 +32,10 @@ const char* usualDescription(int code) {
             return "The answer is larger than allowed.";
         case NSURLErrorSecureConnectionFailed:
             return "A secure connection to the server could not be made.";
+        case NSURLErrorCannotCreateFile:
+        case NSURLErrorCannotWriteToFile:
+        case NSURLErrorCannotMoveFile:
+            return "The answer could not be written to a file.";
         case NSURLErrorServerCertificateUntrusted:
             return "The certificate of the server is not trusted.";
         default:

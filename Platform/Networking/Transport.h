@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Foundation/AtomicFile.h>
 #include <Foundation/NSError.h>
 #include <Foundation/NSURLRequest.h>
 
@@ -24,6 +25,9 @@ struct TransferRequest {
     NSData body;
     /// Seconds without a byte after which the transfer fails; 0 for the default.
     double idleTimeout = 0;
+    /// Where the body of a successful answer goes, as it arrives; null: into the result. Committed before the
+    /// completion.
+    std::shared_ptr<AtomicFile> file;
     /// Bytes of the answer's body, decompressed, beyond which the transfer fails.
     std::uint64_t maximumBodyLength = 0;
     /// File with the certificates (PEM) to trust; empty for those of the system.
@@ -37,6 +41,7 @@ struct TransferResult {
     std::string url;
     int status = 0;
     HeaderFields fields;
+    /// Absent where the body went to a file.
     NSData body;
 };
 

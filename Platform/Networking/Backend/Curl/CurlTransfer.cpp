@@ -41,6 +41,11 @@ bool isRedirect(CURL* handle) {
     return status >= 300 && status < 400;
 }
 
+Ref<NSError> fileFailure(const AtomicFile& file, NSURLErrorCode code, const std::string& url) {
+    const Ref<NSError> reason = file.error();
+    return reason ? networkError(code, reason->localizedDescription(), url) : networkError(code, url);
+}
+
 bool isSecure(CURL* handle) {
     char* scheme = nullptr;
     curl_easy_getinfo(handle, CURLINFO_SCHEME, &scheme);
@@ -191,6 +196,7 @@ void CurlTransfer::beginAnswer() {
     headEnded_ = false;
     result_.fields.clear();
     body_.clear();
+    bodyLength_ = 0;
 }
 
 void CurlTransfer::addResponseField(std::string_view line) {
@@ -209,11 +215,28 @@ void CurlTransfer::stayOnSecureConnections() {
     if (isSecure(handle())) curl_easy_setopt(handle(), CURLOPT_REDIR_PROTOCOLS_STR, "https");
 }
 
+bool CurlTransfer::isSuccess() const {
+    long status = 0;
+    curl_easy_getinfo(handle(), CURLINFO_RESPONSE_CODE, &status);
+    return status >= 200 && status < 300;
+}
+
 std::size_t CurlTransfer::receiveBody(std::string_view bytes) {
     noteActivity();
-    if (body_.size() + bytes.size() > request_.maximumBodyLength) {
+    bodyLength_ += bytes.size();
+    if (bodyLength_ > request_.maximumBodyLength) {
         refusal_ = Refusal::BodyTooLong;
         return 0;
+    }
+    return storeBody(bytes) ? bytes.size() : 0;
+}
+
+bool CurlTransfer::storeBody(std::string_view bytes) {
+    if (request_.file) {
+        // What a server says about its failure is not what was asked for.
+        if (!isSuccess() || request_.file->write(bytes)) return true;
+        refusal_ = Refusal::FileFailed;
+        return false;
     }
     if (body_.empty()) {
         curl_off_t announced = -1;
@@ -221,11 +244,19 @@ std::size_t CurlTransfer::receiveBody(std::string_view bytes) {
         if (announced > 0) body_.reserve(std::min<std::uint64_t>(announced, request_.maximumBodyLength));
     }
     body_.append(bytes);
-    return bytes.size();
+    return true;
+}
+
+void CurlTransfer::finishBody() {
+    if (!request_.file)
+        result_.body = NSData::dataWithString(std::move(body_));
+    else if (isSuccess() && !request_.file->commit())
+        result_.error = fileFailure(*request_.file, NSURLErrorCannotMoveFile, request_.url);
 }
 
 Ref<NSError> CurlTransfer::errorFor(CURLcode code) {
     if (refusal_ == Refusal::BodyTooLong) return networkError(NSURLErrorDataLengthExceedsMaximum, request_.url);
+    if (refusal_ == Refusal::FileFailed) return fileFailure(*request_.file, NSURLErrorCannotWriteToFile, request_.url);
     if (refusal_ == Refusal::HeaderTooLong) return networkError(NSURLErrorBadServerResponse, request_.url);
     if (code == CURLE_UNSUPPORTED_PROTOCOL && isRedirect(handle()) && isSecure(handle())) {
         return networkError(NSURLErrorUnsupportedURL, "The server redirected to an address that is not secure.",
@@ -250,7 +281,7 @@ void CurlTransfer::completeWith(CURLcode code) {
         curl_easy_getinfo(handle(), CURLINFO_EFFECTIVE_URL, &url);
         result_.status = static_cast<int>(status);
         result_.url = redirects > 0 && url ? url : request_.url;
-        result_.body = NSData::dataWithString(std::move(body_));
+        finishBody();
     }
     completion_(std::move(result_));
 }

@@ -30,7 +30,7 @@ public:
 
 private:
     /// Why one of our own functions ended the transfer.
-    enum class Refusal { None, BodyTooLong, HeaderTooLong };
+    enum class Refusal { None, BodyTooLong, HeaderTooLong, FileFailed };
 
     void setUp(const std::string& noProxy);
     void setUpLimits();
@@ -41,6 +41,9 @@ private:
 
     std::size_t receiveHeader(std::string_view line);
     std::size_t receiveBody(std::string_view bytes);
+    bool isSuccess() const;
+    bool storeBody(std::string_view bytes);
+    void finishBody();
     void beginAnswer();
     void addResponseField(std::string_view line);
     void stayOnSecureConnections();
@@ -61,6 +64,7 @@ private:
     Refusal refusal_ = Refusal::None;
     TransferResult result_;
     std::string body_;
+    std::uint64_t bodyLength_ = 0;
 };
 
 }  // namespace flarebox
