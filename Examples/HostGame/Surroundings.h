@@ -33,7 +33,8 @@ private:
 /// Says what is missing and goes on, so that a game without a session or a game UID can be tried in any build.
 class ReportingAssertionHandler : public NSAssertionHandler {
 public:
-    void handleFailure(std::string_view function, std::string_view file, int line, std::string_view description) override;
+    void handleFailure(std::string_view function, std::string_view file, int line,
+                       std::string_view description) override;
 };
 
 /// What the kit finds around it in this process: service, files, clock, network, permissions. The options say what is

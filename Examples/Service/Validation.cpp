@@ -101,7 +101,8 @@ Complaint complaintAboutMember(std::string_view key, const simdjson::dom::elemen
            (field->nullable ? " or null" : "");
 }
 
-// Threads of a service may still read requests while the process ends. Used before anything else the parser's tables outlive them.
+// Threads of a service may still read requests while the process ends. Used before anything else the parser's tables
+// outlive them.
 [[maybe_unused]] const bool hasParser = [] {
     simdjson::dom::parser parser;
     return parser.parse("[]", 2).error() == simdjson::SUCCESS;

@@ -4,7 +4,8 @@
 
 namespace flarebox {
 
-// The companion application, which lists the player's coupons. A host may change the three texts before the tab uses them; main thread.
+// The companion application, which lists the player's coupons. A host may change the three texts before the tab uses
+// them; main thread.
 /// Links that open the application, as released and as built for development.
 extern NSString appSchemaDeeplinkProd;
 extern NSString appSchemaDeeplinkDev;

@@ -19,7 +19,8 @@ namespace flarebox {
 namespace {
 
 constexpr const char* trackingMessage =
-    "Advertising tracking may be disabled. Please turn off the 'Limit Ad Tracking' from Settings -> Privacy -> Advertising.";
+    "Advertising tracking may be disabled. Please turn off the 'Limit Ad Tracking' from Settings -> Privacy -> "
+    "Advertising.";
 constexpr const char* trackingSettings = "App-Prefs:root=Privacy&path=Advertising";
 
 void openTrackingSettings() {
@@ -28,7 +29,8 @@ void openTrackingSettings() {
     if (application.canOpenURL(settings)) application.openURL(settings);
 }
 
-/// The controller over which the kit shows an alert: of a navigation stack the bottom one, of a tab bar the selected one. Null without a window.
+/// The controller over which the kit shows an alert: of a navigation stack the bottom one, of a tab bar the selected
+/// one. Null without a window.
 Ref<UIViewController> alertPresenter() {
     UIApplicationDelegate* delegate = UIApplication::sharedApplication().delegate();
     UIWindow* window = delegate ? delegate->window() : nullptr;
@@ -63,8 +65,10 @@ void FlareboxConfig::handleAdsDisable() {
     if (!presenter) return;
     const Ref<UIAlertController> alert =
         UIAlertController::alertControllerWithTitle("", flareboxText(trackingMessage), UIAlertControllerStyle::Alert);
-    alert->addAction(UIAlertAction::actionWithTitle(flareboxText("OK"), UIAlertActionStyle::Default, [](UIAlertAction&) { openTrackingSettings(); }));
-    alert->addAction(UIAlertAction::actionWithTitle(flareboxText("Cancel"), UIAlertActionStyle::Cancel, [](UIAlertAction&) {}));
+    alert->addAction(UIAlertAction::actionWithTitle(flareboxText("OK"), UIAlertActionStyle::Default,
+                                                    [](UIAlertAction&) { openTrackingSettings(); }));
+    alert->addAction(
+        UIAlertAction::actionWithTitle(flareboxText("Cancel"), UIAlertActionStyle::Cancel, [](UIAlertAction&) {}));
     presenter->presentViewController(alert, true, nullptr);
 }
 

@@ -31,8 +31,9 @@ void FlareboxConfig::setupDefaultConfig() {
     initializeOnStart_ = true;
 }
 
-void FlareboxConfig::configFlareboxWithUserSession(const Ref<FXUserSession>& userSession, const NSString& gameUID, const NSString& gameVersion,
-                                                   bool enableLogging, std::uint64_t logLevel) {
+void FlareboxConfig::configFlareboxWithUserSession(const Ref<FXUserSession>& userSession, const NSString& gameUID,
+                                                   const NSString& gameVersion, bool enableLogging,
+                                                   std::uint64_t logLevel) {
     setSessionEdit(userSession);
     setGameUID(gameUID);
     setGameVersion(gameVersion);

@@ -15,8 +15,8 @@ namespace flarebox {
 /// Seconds between refreshes while the configuration holds no positive period.
 extern std::int32_t refreshTimeIntervalDefault;
 
-/// The settings of the kit, filled by the host before it shows the tab. One instance for the process; nothing of it is stored.
-/// Main thread, except `defaultConfig`, `enableLogging` and `logLevel`, which any thread may read.
+/// The settings of the kit, filled by the host before it shows the tab. One instance for the process; nothing of it is
+/// stored. Main thread, except `defaultConfig`, `enableLogging` and `logLevel`, which any thread may read.
 class FlareboxConfig : public NSObject {
     FLAREBOX_CLASS(FlareboxConfig)
 public:
@@ -24,9 +24,10 @@ public:
     static FlareboxConfig& defaultConfig();
 
     /// Stores the five values as they are, null ones included; a later call overwrites them.
-    /// `gameUID` and `gameVersion` name the game to the service. `logLevel`: 1 everything, 2 warnings and errors, 3 errors, other values nothing.
-    void configFlareboxWithUserSession(const Ref<FXUserSession>& userSession, const NSString& gameUID, const NSString& gameVersion,
-                                       bool enableLogging, std::uint64_t logLevel);
+    /// `gameUID` and `gameVersion` name the game to the service. `logLevel`: 1 everything, 2 warnings and errors, 3
+    /// errors, other values nothing.
+    void configFlareboxWithUserSession(const Ref<FXUserSession>& userSession, const NSString& gameUID,
+                                       const NSString& gameVersion, bool enableLogging, std::uint64_t logLevel);
 
     /// The game's identifier on the service; null until configured.
     const NSString& gameUID() const { return gameUID_; }
@@ -55,16 +56,18 @@ public:
     std::int32_t getTimeRefresh() const;
     void setTimeRefresh(std::int32_t seconds) { setRefreshTimeInterval(seconds); }
 
-    /// The advertising identifier as an upper-case UUID text. Null while tracking is switched off; the player is then asked by an alert
-    /// to allow it.
+    /// The advertising identifier as an upper-case UUID text. Null while tracking is switched off; the player is then
+    /// asked by an alert to allow it.
     static NSString deviceUID();
     /// Keeps the identifier in `sessionEdit`; without one the call does nothing.
     void setDeviceUID(const NSString& identifier);
     /// Whether `sessionEdit` holds an identifier that is not empty.
     bool validDeviceUID() const;
-    /// Shows the alert that asks for advertising tracking, over the application's window; nothing happens without a window.
+    /// Shows the alert that asks for advertising tracking, over the application's window; nothing happens without a
+    /// window.
     static void handleAdsDisable();
-    /// The IPv4 address of the interface "en0" or "pdp_ip0" in dotted decimal, the last one listed; "error" when there is none.
+    /// The IPv4 address of the interface "en0" or "pdp_ip0" in dotted decimal, the last one listed; "error" when there
+    /// is none.
     static NSString getIPAddress();
     /// The same, of a list as `getifaddrs` makes it; null is an empty list.
     static NSString addressAmong(const ::ifaddrs* interfaces);

@@ -6,8 +6,9 @@
 
 namespace flarebox {
 
-/// A text that the kit shows, in the user's language: from the table "Flarebox" of the host's bundle, where it is not there from the
-/// kit's own, else the English text itself, which is the key. Docs/Translating.md tells how a host translates the kit. Any thread.
+/// A text that the kit shows, in the user's language: from the table "Flarebox" of the host's bundle, where it is not
+/// there from the kit's own, else the English text itself, which is the key. Docs/Translating.md tells how a host
+/// translates the kit. Any thread.
 NSString flareboxText(std::string_view english);
 
 }  // namespace flarebox

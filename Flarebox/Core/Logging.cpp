@@ -45,7 +45,8 @@ Conversion readConversion(std::string_view text) {
     const std::size_t sizeStart = at;
     while (at < text.size() && std::string_view("hlLqjzt").find(text[at]) != std::string_view::npos) ++at;
     conversion.size = text.substr(sizeStart, at - sizeStart);
-    if (at >= text.size() || std::string_view("@%diuxXocsfFeEgGaAp").find(text[at]) == std::string_view::npos) return conversion;
+    if (at >= text.size() || std::string_view("@%diuxXocsfFeEgGaAp").find(text[at]) == std::string_view::npos)
+        return conversion;
     conversion.letter = text[at];
     conversion.length = at + 1;
     return conversion;
@@ -68,7 +69,8 @@ std::string print(const Conversion& conversion, std::string_view lengthModifier,
 }
 
 std::string padded(const Conversion& conversion, std::string text, bool cut) {
-    if (cut && conversion.precision >= 0) text.resize(std::min(text.size(), static_cast<std::size_t>(conversion.precision)));
+    if (cut && conversion.precision >= 0)
+        text.resize(std::min(text.size(), static_cast<std::size_t>(conversion.precision)));
     if (conversion.width < 0 || text.size() >= static_cast<std::size_t>(conversion.width)) return text;
     const std::string blanks(static_cast<std::size_t>(conversion.width) - text.size(), ' ');
     return conversion.flags.find('-') != std::string::npos ? text + blanks : blanks + text;
@@ -79,7 +81,8 @@ std::string character(std::int64_t code) {
     return "\xEF\xBF\xBD";  // the replacement character
 }
 
-/// The number as an argument of the size that the conversion names. What needs 64 bits keeps them where no size is named.
+/// The number as an argument of the size that the conversion names. What needs 64 bits keeps them where no size is
+/// named.
 std::int64_t narrowedSigned(const Conversion& conversion, std::int64_t number) {
     if (conversion.size == "hh") return static_cast<std::int8_t>(number);
     if (conversion.size == "h") return static_cast<std::int16_t>(number);
@@ -88,7 +91,8 @@ std::int64_t narrowedSigned(const Conversion& conversion, std::int64_t number) {
 
 std::uint64_t narrowedUnsigned(const Conversion& conversion, const NSNumber& number) {
     if (number.isUnsigned() && conversion.size.empty()) return number.unsignedIntegerValue();
-    const auto bits = number.isUnsigned() ? number.unsignedIntegerValue() : static_cast<std::uint64_t>(number.integerValue());
+    const auto bits =
+        number.isUnsigned() ? number.unsignedIntegerValue() : static_cast<std::uint64_t>(number.integerValue());
     if (conversion.size == "hh") return static_cast<std::uint8_t>(bits);
     if (conversion.size == "h") return static_cast<std::uint16_t>(bits);
     const auto asSigned = static_cast<std::int64_t>(bits);
@@ -102,14 +106,18 @@ std::string convert(const Conversion& conversion, const Value& argument) {
     switch (conversion.letter) {
         case 'd':
         case 'i':
-            if (number.isUnsigned()) return print(conversion, "ll", 'u', static_cast<unsigned long long>(number.unsignedIntegerValue()));
-            return print(conversion, "ll", 'd', static_cast<long long>(narrowedSigned(conversion, number.integerValue())));
+            if (number.isUnsigned())
+                return print(conversion, "ll", 'u', static_cast<unsigned long long>(number.unsignedIntegerValue()));
+            return print(conversion, "ll", 'd',
+                         static_cast<long long>(narrowedSigned(conversion, number.integerValue())));
         case 'u':
         case 'x':
         case 'X':
         case 'o':
-            return print(conversion, "ll", conversion.letter, static_cast<unsigned long long>(narrowedUnsigned(conversion, number)));
-        case 'c': return padded(conversion, character(number.integerValue()), false);
+            return print(conversion, "ll", conversion.letter,
+                         static_cast<unsigned long long>(narrowedUnsigned(conversion, number)));
+        case 'c':
+            return padded(conversion, character(number.integerValue()), false);
         case 'f':
         case 'F':
         case 'e':
@@ -117,16 +125,21 @@ std::string convert(const Conversion& conversion, const Value& argument) {
         case 'g':
         case 'G':
         case 'a':
-        case 'A': return print(conversion, "", conversion.letter, number.doubleValue());
-        default: return padded(conversion, argument.description(), conversion.letter == 's');
+        case 'A':
+            return print(conversion, "", conversion.letter, number.doubleValue());
+        default:
+            return padded(conversion, argument.description(), conversion.letter == 's');
     }
 }
 
 std::string_view title(LogLevel level) {
     switch (level) {
-        case LogLevelError: return "KestrinSDK Error";
-        case LogLevelWarning: return "KestrinSDK Warning";
-        case LogLevelInfo: break;
+        case LogLevelError:
+            return "KestrinSDK Error";
+        case LogLevelWarning:
+            return "KestrinSDK Warning";
+        case LogLevelInfo:
+            break;
     }
     return "KestrinSDK Info";
 }
@@ -137,10 +150,14 @@ bool isLogLevelEnabel(std::int64_t level) {
     const FlareboxConfig& config = FlareboxConfig::defaultConfig();
     if (!config.enableLogging()) return false;
     switch (config.logLevel()) {
-        case LogLevelInfo: return true;
-        case LogLevelWarning: return level == LogLevelWarning || level == LogLevelError;
-        case LogLevelError: return level == LogLevelError;
-        default: return false;
+        case LogLevelInfo:
+            return true;
+        case LogLevelWarning:
+            return level == LogLevelWarning || level == LogLevelError;
+        case LogLevelError:
+            return level == LogLevelError;
+        default:
+            return false;
     }
 }
 

@@ -18,8 +18,9 @@ bool isLogLevelEnabel(std::int64_t level);
 
 /// The text that a format and its arguments make. `%@` prints any argument's description; the printf conversions
 /// d i u x X o c s f F e E g G a A p with flags, width, precision and length print numbers and texts.
-/// Arguments carry their own types: one that does not fit its conversion prints its description, a conversion without an argument stays as it
-/// stands, surplus arguments are left out. Width and precision are bounded; `%n` and `*` are not supported and stay as they stand.
+/// Arguments carry their own types: one that does not fit its conversion prints its description, a conversion without
+/// an argument stays as it stands, surplus arguments are left out. Width and precision are bounded; `%n` and `*` are
+/// not supported and stay as they stand.
 std::string formatLog(std::string_view format, std::span<const Value> arguments);
 
 /// Writes "title: message" to standard error by one call, a line feed added unless the format ends in one. Any thread.

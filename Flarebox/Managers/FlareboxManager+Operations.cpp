@@ -16,16 +16,19 @@ namespace {
 constexpr std::int64_t assetPageSize = 20;
 
 std::string replacedAll(std::string text, std::string_view from, std::string_view to) {
-    for (std::size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size())) text.replace(at, from.size(), to);
+    for (std::size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size()))
+        text.replace(at, from.size(), to);
     return text;
 }
 
 Ref<NSError> missingParameterError(std::string_view name) {
     const NSString format = NSBundle::mainBundle()->localizedStringForKey("Missing required parameter '%@'");
-    return NSError::errorWithDomain(kApiErrorDomain, kApiMissingParamErrorCode, replacedAll(format.string(), "%@", name));
+    return NSError::errorWithDomain(kApiErrorDomain, kApiMissingParamErrorCode,
+                                    replacedAll(format.string(), "%@", name));
 }
 
-/// Asserts that a parameter is there. Where the assertion handler returns, a missing one is handed to `fail` as an error.
+/// Asserts that a parameter is there. Where the assertion handler returns, a missing one is handed to `fail` as an
+/// error.
 template <class Fail>
 bool requireParameter(bool present, std::string_view name, const Fail& fail,
                       std::source_location location = std::source_location::current()) {
@@ -34,7 +37,9 @@ bool requireParameter(bool present, std::string_view name, const Fail& fail,
     return false;
 }
 
-NSString pathOf(std::string_view pathTemplate) { return replacedAll(std::string(pathTemplate), ".{format}", ".json"); }
+NSString pathOf(std::string_view pathTemplate) {
+    return replacedAll(std::string(pathTemplate), ".{format}", ".json");
+}
 
 NSDictionary gameHeaders(const FlareboxConfig& config) {
     NSMutableDictionary headers = NSMutableDictionary::dictionary();
@@ -45,16 +50,18 @@ NSDictionary gameHeaders(const FlareboxConfig& config) {
 
 }  // namespace
 
-void FlareboxManager::send(const NSString& method, const NSString& path, const NSDictionary& params, const NSDictionary& headers,
-                           Answer answer) {
-    dataTaskWithRequest(requestWithMethod(method, path, params, headers),
-                        [answer = std::move(answer)](const Ref<NSHTTPURLResponse>&, const Value& object, const Ref<NSError>& error) {
-                            answer(object, error);
-                        })
-        ->resume();
+void FlareboxManager::send(const NSString& method, const NSString& path, const NSDictionary& params,
+                           const NSDictionary& headers, Answer answer) {
+    dataTaskWithRequest(requestWithMethod(method, path, params, headers), [answer = std::move(answer)](
+                                                                              const Ref<NSHTTPURLResponse>&,
+                                                                              const Value& object,
+                                                                              const Ref<NSError>& error) {
+        answer(object, error);
+    })->resume();
 }
 
-void FlareboxManager::createSesstion(const std::function<void(const Ref<FXSessionInfo>&, const Ref<NSError>&)>& completion) {
+void FlareboxManager::createSesstion(
+    const std::function<void(const Ref<FXSessionInfo>&, const Ref<NSError>&)>& completion) {
     const FlareboxConfig& config = FlareboxConfig::defaultConfig();
     const auto fail = [&](const Ref<NSError>& error) {
         if (completion) completion(nullptr, error);
@@ -112,11 +119,12 @@ void FlareboxManager::saveCoupon(const Ref<FXCoupon>& coupon,
     };
     if (!requireParameter(bool(coupon), "couponData", fail)) return;
 
-    send("POST", pathOf("/coupons/"), coupon->toDictionary(), nullptr, [completion](const Value& answer, const Ref<NSError>& error) {
-        if (!completion) return;
-        if (error) return completion(nullptr, error);
-        completion(FXCoupon::initWithDictionary(answer.as<NSDictionary>()), nullptr);
-    });
+    send("POST", pathOf("/coupons/"), coupon->toDictionary(), nullptr,
+         [completion](const Value& answer, const Ref<NSError>& error) {
+             if (!completion) return;
+             if (error) return completion(nullptr, error);
+             completion(FXCoupon::initWithDictionary(answer.as<NSDictionary>()), nullptr);
+         });
 }
 
 }  // namespace flarebox

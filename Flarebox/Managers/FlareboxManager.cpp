@@ -25,13 +25,15 @@ FlareboxManager::FlareboxManager(const NSURL& baseURL) : AFHTTPSessionManager(ba
     setResponseSerializer(AFJSONResponseSerializer::serializer());
 }
 
-Ref<NSMutableURLRequest> FlareboxManager::requestWithMethod(const NSString& method, const NSString& path, const NSDictionary& params,
-                                                            const NSDictionary& headers) {
+Ref<NSMutableURLRequest> FlareboxManager::requestWithMethod(const NSString& method, const NSString& path,
+                                                            const NSDictionary& params, const NSDictionary& headers) {
     const std::string address = baseURL().absoluteString() + path.string();
     Ref<NSMutableURLRequest> request = requestSerializer()->requestWithMethod(method.text(), address, params);
     if (!request) return nullptr;
-    request->setTimeoutInterval(static_cast<double>(NSUserDefaults::standardUserDefaults().integerForKey("timeoutInterval")));
-    for (const auto& [name, value] : headers.entries()) request->setValueForHTTPHeaderField(value.as<NSString>(), name.as<NSString>().text());
+    request->setTimeoutInterval(
+        static_cast<double>(NSUserDefaults::standardUserDefaults().integerForKey("timeoutInterval")));
+    for (const auto& [name, value] : headers.entries())
+        request->setValueForHTTPHeaderField(value.as<NSString>(), name.as<NSString>().text());
     request->setValueForHTTPHeaderField("application/json", "Accept");
     return request;
 }

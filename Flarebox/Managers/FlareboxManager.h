@@ -20,12 +20,12 @@ extern const int kApiMissingParamErrorCode;
 /// Assets in the order in which they are listed. Shared, so that the client and the tab hold the same list.
 using AssetList = std::vector<Ref<FXAssetInfo>>;
 
-/// The one client of the service. Its operations read the configuration afresh, send one request each, and call their completion, which
-/// may be null, once on the main queue; a shutdown drops it.
+/// The one client of the service. Its operations read the configuration afresh, send one request each, and call their
+/// completion, which may be null, once on the main queue; a shutdown drops it.
 ///
-/// An input that is missing fails an assertion: in builds with assertions the default handler raises an NSException. Where the handler returns,
-/// and in builds without, nothing is sent and the completion is called at once with an error of kApiErrorDomain. Transport errors are passed on
-/// unchanged. Main thread.
+/// An input that is missing fails an assertion: in builds with assertions the default handler raises an NSException.
+/// Where the handler returns, and in builds without, nothing is sent and the completion is called at once with an error
+/// of kApiErrorDomain. Transport errors are passed on unchanged. Main thread.
 class FlareboxManager : public AFHTTPSessionManager {
     FLAREBOX_CLASS(FlareboxManager)
 public:
@@ -42,20 +42,24 @@ public:
     const NSDate& flareboxOpenedDate() const { return flareboxOpenedDate_; }
     void setFlareboxOpenedDate(const NSDate& date) { flareboxOpenedDate_ = date; }
 
-    /// A request for a path (starting with "/") below the base address: its text is appended as it stands. `params` (absent for none) go into
-    /// the query of a "GET" and into a JSON body otherwise. The time-out is the host's default "timeoutInterval" in whole seconds, 0
-    /// for the transport's own. Header names and values are texts. Null when no request can be made of these.
+    /// A request for a path (starting with "/") below the base address: its text is appended as it stands. `params`
+    /// (absent for none) go into the query of a "GET" and into a JSON body otherwise. The time-out is the host's
+    /// default "timeoutInterval" in whole seconds, 0 for the transport's own. Header names and values are texts. Null
+    /// when no request can be made of these.
     Ref<NSMutableURLRequest> requestWithMethod(const NSString& method, const NSString& path, const NSDictionary& params,
                                                const NSDictionary& headers);
 
     /// Creates a game session for the configured player. Needs a game UID, a game version and a user session.
     void createSesstion(const std::function<void(const Ref<FXSessionInfo>&, const Ref<NSError>&)>& completion);
     /// Loads the first 20 assets of the game, in the service's order. Needs a game UID and a game version.
-    void loadGameCommonAssets(const std::function<void(const std::shared_ptr<AssetList>&, const Ref<NSError>&)>& completion);
+    void loadGameCommonAssets(
+        const std::function<void(const std::shared_ptr<AssetList>&, const Ref<NSError>&)>& completion);
     /// Reports what the player did. The record must not be null.
-    void sendEngagement(const Ref<FXEngagementData>& engagement, const std::function<void(const Ref<NSError>&)>& completion);
+    void sendEngagement(const Ref<FXEngagementData>& engagement,
+                        const std::function<void(const Ref<NSError>&)>& completion);
     /// Saves a coupon to the player's account. The record must not be null.
-    void saveCoupon(const Ref<FXCoupon>& coupon, const std::function<void(const Ref<FXCoupon>&, const Ref<NSError>&)>& completion);
+    void saveCoupon(const Ref<FXCoupon>& coupon,
+                    const std::function<void(const Ref<FXCoupon>&, const Ref<NSError>&)>& completion);
 
 private:
     template <class T, class... Arguments>
@@ -63,7 +67,8 @@ private:
     explicit FlareboxManager(const NSURL& baseURL);
 
     using Answer = std::function<void(const Value& answer, const Ref<NSError>& error)>;
-    void send(const NSString& method, const NSString& path, const NSDictionary& params, const NSDictionary& headers, Answer answer);
+    void send(const NSString& method, const NSString& path, const NSDictionary& params, const NSDictionary& headers,
+              Answer answer);
 
     std::shared_ptr<AssetList> gameAssets_;
     Ref<FXSessionInfo> sessionInfo_;

@@ -11,12 +11,14 @@ const ClassInfo& AssetCollectionViewCell::staticClass() {
         outlet<&AssetCollectionViewCell::imgAsset_>("imgAsset"),
         outlet<&AssetCollectionViewCell::indicator_>("indicator"),
     };
-    static const ClassInfo info("AssetCollectionViewCell", &UICollectionViewCell::staticClass(), createObject<AssetCollectionViewCell>,
-                                {.outlets = outlets});
+    static const ClassInfo info("AssetCollectionViewCell", &UICollectionViewCell::staticClass(),
+                                createObject<AssetCollectionViewCell>, {.outlets = outlets});
     return info;
 }
 
-void AssetCollectionViewCell::awakeFromNib() { UICollectionViewCell::awakeFromNib(); }
+void AssetCollectionViewCell::awakeFromNib() {
+    UICollectionViewCell::awakeFromNib();
+}
 
 void AssetCollectionViewCell::loadCellData(const Ref<FXAssetInfo>& asset, bool selected) {
     if (!asset) return;

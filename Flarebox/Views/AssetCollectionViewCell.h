@@ -9,8 +9,8 @@ namespace flarebox {
 class UIActivityIndicatorView;
 class UIImageView;
 
-/// A cell of the asset list: the asset's icon in a circle, a loading indicator over it, a thin ring around the current asset.
-/// Main thread.
+/// A cell of the asset list: the asset's icon in a circle, a loading indicator over it, a thin ring around the current
+/// asset. Main thread.
 class AssetCollectionViewCell : public UICollectionViewCell {
     FLAREBOX_CLASS(AssetCollectionViewCell)
 public:

@@ -12,8 +12,12 @@ constexpr CGFloat lineWidth = 0.09;
 /// In parts of the view's side.
 constexpr CGPoint points[] = {{0.18, 0.54}, {0.41, 0.77}, {0.84, 0.27}};
 
-CGFloat distance(CGPoint a, CGPoint b) { return std::hypot(b.x - a.x, b.y - a.y); }
-CGPoint between(CGPoint a, CGPoint b, double share) { return {a.x + (b.x - a.x) * share, a.y + (b.y - a.y) * share}; }
+CGFloat distance(CGPoint a, CGPoint b) {
+    return std::hypot(b.x - a.x, b.y - a.y);
+}
+CGPoint between(CGPoint a, CGPoint b, double share) {
+    return {a.x + (b.x - a.x) * share, a.y + (b.y - a.y) * share};
+}
 
 }  // namespace
 

@@ -22,7 +22,9 @@ constexpr const char* savedMessage = "Coupon saved to My coupons in the Kestrin 
 constexpr double designHeight = 373;
 
 // The service refuses a coupon that the player has already, which is no failure to the player.
-bool isFailure(const Ref<NSError>& error) { return error && error->code() != NSURLErrorBadServerResponse; }
+bool isFailure(const Ref<NSError>& error) {
+    return error && error->code() != NSURLErrorBadServerResponse;
+}
 
 }  // namespace
 
@@ -36,7 +38,8 @@ const ClassInfo& CouponView::staticClass() {
         action<&CouponView::pressKestrinApp>("pressKestrinApp"),
         action<&CouponView::pressCloseButton>("pressCloseButton"),
     };
-    static const ClassInfo info("CouponView", &UIView::staticClass(), createObject<CouponView>, {.actions = actions, .outlets = outlets});
+    static const ClassInfo info("CouponView", &UIView::staticClass(), createObject<CouponView>,
+                                {.actions = actions, .outlets = outlets});
     return info;
 }
 
@@ -47,7 +50,8 @@ Ref<CouponView> CouponView::createCouponView() {
     // The classes that the layout file names have to be known before it is read.
     CouponView::staticClass();
     CheckMarkView::staticClass();
-    const std::vector<Ref<NSObject>> objects = UINib::nibWithNibName("CouponView", flareboxBundle())->instantiateWithOwner(nullptr);
+    const std::vector<Ref<NSObject>> objects =
+        UINib::nibWithNibName("CouponView", flareboxBundle())->instantiateWithOwner(nullptr);
     return Ref<CouponView>(objects.empty() ? nullptr : objectCast<CouponView>(objects.front().get()));
 }
 
@@ -73,7 +77,9 @@ void CouponView::saveCoupon(const Ref<FXAssetInfo>& asset) {
     if (manager.sessionInfo()) coupon->setSession(manager.sessionInfo()->uid());
     coupon->setAsset(asset->_id());
     infoLog("Saving coupon");
-    manager.saveCoupon(coupon, [self = Ref<CouponView>(this)](const Ref<FXCoupon>&, const Ref<NSError>& error) { self->saved(error); });
+    manager.saveCoupon(coupon, [self = Ref<CouponView>(this)](const Ref<FXCoupon>&, const Ref<NSError>& error) {
+        self->saved(error);
+    });
 }
 
 void CouponView::saved(const Ref<NSError>& error) {
@@ -91,8 +97,10 @@ void CouponView::show(State state, const NSString& message) {
     lbMessage_->setText(message);
     btnClose_->setHidden(isSaving);
     btnKestrinApp_->setHidden(isSaving);
-    if (isSaving) indicator_->startAnimating();
-    else indicator_->stopAnimating();
+    if (isSaving)
+        indicator_->startAnimating();
+    else
+        indicator_->stopAnimating();
     checkMark_->setHidden(state != State::Saved);
     if (state == State::Saved) checkMark_->draw();
     imgFailed_->setHidden(state != State::Failed);

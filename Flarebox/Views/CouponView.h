@@ -22,7 +22,8 @@ public:
     virtual void closeCouponView(CouponView&) {}
 };
 
-/// The overlay that saves a coupon to the player's account and tells how that went. While it saves it cannot be left. Main thread.
+/// The overlay that saves a coupon to the player's account and tells how that went. While it saves it cannot be left.
+/// Main thread.
 class CouponView : public UIView {
     FLAREBOX_CLASS(CouponView)
 public:

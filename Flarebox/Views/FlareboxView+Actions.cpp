@@ -17,18 +17,30 @@ void openApplication(const NSString& link) {
     UIApplication& application = UIApplication::sharedApplication();
     const NSURL url = NSURL::URLWithString(link);
     if (url) application.allowScheme(url.scheme());
-    if (application.canOpenURL(url)) application.openURL(url);
-    else application.openURL(NSURL::URLWithString(FlareboxView::appStoreLink()));
+    if (application.canOpenURL(url))
+        application.openURL(url);
+    else
+        application.openURL(NSURL::URLWithString(FlareboxView::appStoreLink()));
 }
 
 }  // namespace
 
-NSString FlareboxView::appSchemaLinkProd() { return appSchemaDeeplinkProd; }
-NSString FlareboxView::appSchemaLinkDev() { return appSchemaDeeplinkDev; }
-NSString FlareboxView::appStoreLink() { return storeLinkPrefix + ("/app/id" + appStoreID.string()); }
+NSString FlareboxView::appSchemaLinkProd() {
+    return appSchemaDeeplinkProd;
+}
+NSString FlareboxView::appSchemaLinkDev() {
+    return appSchemaDeeplinkDev;
+}
+NSString FlareboxView::appStoreLink() {
+    return storeLinkPrefix + ("/app/id" + appStoreID.string());
+}
 
-void FlareboxView::openKestrinProd() { openApplication(appSchemaLinkProd()); }
-void FlareboxView::openKestrinDev() { openApplication(appSchemaLinkDev()); }
+void FlareboxView::openKestrinProd() {
+    openApplication(appSchemaLinkProd());
+}
+void FlareboxView::openKestrinDev() {
+    openApplication(appSchemaLinkDev());
+}
 
 void FlareboxView::pressCouponButton() {
     pauseVideo();

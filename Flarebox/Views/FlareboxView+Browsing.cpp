@@ -14,13 +14,16 @@ namespace {
 
 constexpr const char* cellIdentifier = "AssetCollectionViewCell";
 
-bool isPresent(const NSString& text) { return !text.text().empty(); }
+bool isPresent(const NSString& text) {
+    return !text.text().empty();
+}
 
 }  // namespace
 
 void FlareboxView::updateFlarebox() {
     if (assestsList_) {
-        std::erase_if(*assestsList_, [](const Ref<FXAssetInfo>& asset) { return !asset || !isPresent(asset->fileIcon()); });
+        std::erase_if(*assestsList_,
+                      [](const Ref<FXAssetInfo>& asset) { return !asset || !isPresent(asset->fileIcon()); });
     }
     collectionView_->reloadData();
     if (!assestsList_ || assestsList_->empty()) return showEmptyView();
@@ -45,8 +48,10 @@ void FlareboxView::selectAsset(const Ref<FXAssetInfo>& asset) {
     lbAssetTitle_->setText(asset->title());
     lbAssetDesc_->setText(asset->_description());
     loadAssetPicture(asset->fileImage());
-    if (isPresent(asset->whereToBuy())) enable(*btnBuy_);
-    else disable(*btnBuy_);
+    if (isPresent(asset->whereToBuy()))
+        enable(*btnBuy_);
+    else
+        disable(*btnBuy_);
     validateAssetPreventModes();
 }
 
@@ -56,8 +61,10 @@ void FlareboxView::loadAssetPicture(const NSString& address) {
     if (!url) return;
     setImageWithURLRequest(
         *imgAssetContent_, NSURLRequest::requestWithURL(url), nullptr,
-        [self = Ref<FlareboxView>(this), url](const Ref<NSURLRequest>& request, const Ref<NSHTTPURLResponse>& response, const Ref<UIImage>& image) {
-            // The player may have moved on: the picture is shown only while its own asset, or one with the same picture, is current.
+        [self = Ref<FlareboxView>(this), url](const Ref<NSURLRequest>& request, const Ref<NSHTTPURLResponse>& response,
+                                              const Ref<UIImage>& image) {
+            // The player may have moved on: the picture is shown only while its own asset, or one with the same
+            // picture, is current.
             if (!self->currentAsset_ || !(request->URL() == url)) return;
             if (!(NSURL::URLWithString(self->currentAsset_->fileImage()) == url)) return;
             // A picture that was at hand is there at once; one that was waited for fades in.
@@ -75,7 +82,8 @@ void FlareboxView::pressNextAssetButton() {
     const NSIndexPath last = visible.back();
     const std::size_t count = assestsList_ ? assestsList_->size() : 0;
     if (last.row + 1 >= count) {
-        if (count > 0) collectionView_->scrollToItemAtIndexPath({0, count - 1}, UICollectionViewScrollPosition::None, false);
+        if (count > 0)
+            collectionView_->scrollToItemAtIndexPath({0, count - 1}, UICollectionViewScrollPosition::None, false);
         return;
     }
     const Ref<UICollectionViewCell> cell = collectionView_->cellForItemAtIndexPath(last);
@@ -88,7 +96,8 @@ void FlareboxView::pressNextAssetButton() {
 void FlareboxView::pressPreviousAssetButton() {
     const std::vector<NSIndexPath> visible = collectionView_->indexPathsForVisibleItems();
     if (visible.empty()) return;
-    const Ref<UICollectionViewCell> cell = collectionView_->cellForItemAtIndexPath(*std::min_element(visible.begin(), visible.end()));
+    const Ref<UICollectionViewCell> cell =
+        collectionView_->cellForItemAtIndexPath(*std::min_element(visible.begin(), visible.end()));
     if (!cell) return;
     CGPoint offset = collectionView_->contentOffset();
     offset.x = std::max(0.0, offset.x - cell->frame().width());
@@ -103,7 +112,8 @@ void FlareboxView::reloadCellVisibles() {
     for (const NSIndexPath& path : collectionView_->indexPathsForVisibleItems()) {
         if (!assestsList_ || path.row >= assestsList_->size()) continue;
         const Ref<UICollectionViewCell> cell = collectionView_->cellForItemAtIndexPath(path);
-        if (auto* assetCell = objectCast<AssetCollectionViewCell>(cell.get())) assetCell->focusCell(isCurrentAsset(*(*assestsList_)[path.row]));
+        if (auto* assetCell = objectCast<AssetCollectionViewCell>(cell.get()))
+            assetCell->focusCell(isCurrentAsset(*(*assestsList_)[path.row]));
     }
 }
 
@@ -116,11 +126,13 @@ CGSize FlareboxView::collectionViewLayoutSizeForItemAtIndexPath(UICollectionView
     return {side, side};
 }
 
-Ref<UICollectionViewCell> FlareboxView::collectionViewCellForItemAtIndexPath(UICollectionView& view, const NSIndexPath& path) {
+Ref<UICollectionViewCell> FlareboxView::collectionViewCellForItemAtIndexPath(UICollectionView& view,
+                                                                             const NSIndexPath& path) {
     if (!assestsList_ || path.row >= assestsList_->size()) return nullptr;
     Ref<UICollectionViewCell> cell = view.dequeueReusableCell(cellIdentifier, path);
     const Ref<FXAssetInfo>& asset = (*assestsList_)[path.row];
-    if (auto* assetCell = objectCast<AssetCollectionViewCell>(cell.get())) assetCell->loadCellData(asset, isCurrentAsset(*asset));
+    if (auto* assetCell = objectCast<AssetCollectionViewCell>(cell.get()))
+        assetCell->loadCellData(asset, isCurrentAsset(*asset));
     return cell;
 }
 
@@ -131,7 +143,9 @@ void FlareboxView::collectionViewDidSelectItemAtIndexPath(UICollectionView&, con
     reloadCellVisibles();
 }
 
-void FlareboxView::scrollViewDidScroll(UIScrollView&) { showListEnds(); }
+void FlareboxView::scrollViewDidScroll(UIScrollView&) {
+    showListEnds();
+}
 
 void FlareboxView::showListEnds() {
     const CGFloat start = collectionView_->contentOffset().x;
@@ -144,6 +158,8 @@ void FlareboxView::scrollViewDidEndDragging(UIScrollView&, bool willDecelerate) 
     if (!willDecelerate) reloadCellVisibles();
 }
 
-void FlareboxView::scrollViewWillBeginDecelerating(UIScrollView&) { reloadCellVisibles(); }
+void FlareboxView::scrollViewWillBeginDecelerating(UIScrollView&) {
+    reloadCellVisibles();
+}
 
 }  // namespace flarebox

@@ -12,7 +12,8 @@ namespace flarebox {
 namespace {
 
 constexpr const char* trackingMessage =
-    "Advertising tracking may be disabled. Please turn off the 'Limit Ad Tracking' from Settings -> Privacy -> Advertising.";
+    "Advertising tracking may be disabled. Please turn off the 'Limit Ad Tracking' from Settings -> Privacy -> "
+    "Advertising.";
 constexpr std::size_t longestErrorLine = 48;
 constexpr const char* requestErrorMessage = "Something went wrong";
 constexpr const char* networkErrorMessage = "You have no internet connection";
@@ -57,7 +58,8 @@ void FlareboxView::loadData() {
 
     AFNetworkReachabilityManager& reachability = AFNetworkReachabilityManager::sharedManager();
     reachability.startMonitoring();
-    reachability.setReachabilityStatusChangeBlock([self = Ref<FlareboxView>(this)](std::int64_t status) { self->reachabilityChanged(status); });
+    reachability.setReachabilityStatusChangeBlock(
+        [self = Ref<FlareboxView>(this)](std::int64_t status) { self->reachabilityChanged(status); });
 }
 
 void FlareboxView::reachabilityChanged(std::int64_t status) {
@@ -148,7 +150,9 @@ void FlareboxView::changeRefreshDataTime(std::int32_t seconds) {
     startFreshTimer();
 }
 
-bool FlareboxView::isNetworkConnected() const { return netWorkStatus_ != 0 && netWorkStatus_ != -1; }
+bool FlareboxView::isNetworkConnected() const {
+    return netWorkStatus_ != 0 && netWorkStatus_ != -1;
+}
 
 void FlareboxView::showLoadingView(bool show) {
     if (show) {
@@ -176,7 +180,9 @@ void FlareboxView::hideErrorMessage() {
     lbErrorMessage_->setText("");
 }
 
-void FlareboxView::showRequestErrorMessage() { showErrorMessage(flareboxText(requestErrorMessage).text()); }
+void FlareboxView::showRequestErrorMessage() {
+    showErrorMessage(flareboxText(requestErrorMessage).text());
+}
 
 void FlareboxView::showNetworkErrorMessage() {
     showErrorMessage(flareboxText(networkErrorMessage).text());

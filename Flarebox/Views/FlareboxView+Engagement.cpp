@@ -53,7 +53,8 @@ void fillSurroundings(FXEngagementData& event) {
 void FlareboxView::sendEngagementEvent(EngagementAction type) {
     const Ref<FXSessionInfo> session = FlareboxManager::sharedInstance().sessionInfo();
     if (!currentAsset_ || !session) return;
-    if (type >= std::size(actions)) return errorLog("There is no engagement event of type %d", static_cast<std::uint64_t>(type));
+    if (type >= std::size(actions))
+        return errorLog("There is no engagement event of type %d", static_cast<std::uint64_t>(type));
 
     const Ref<FXEngagementData> event = FXEngagementData::init();
     event->setAction(actions[type]);
@@ -65,8 +66,10 @@ void FlareboxView::sendEngagementEvent(EngagementAction type) {
 
     infoLog("Send engagement event: %@", event->action());
     FlareboxManager::sharedInstance().sendEngagement(event, [](const Ref<NSError>& error) {
-        if (error) errorLog("%@", error->localizedDescription());
-        else infoLog("Send engagement event successful");
+        if (error)
+            errorLog("%@", error->localizedDescription());
+        else
+            infoLog("Send engagement event successful");
     });
 }
 

@@ -37,8 +37,10 @@ CGSize FlareboxView::getViewSize() {
     const auto growToHeight = static_cast<float>(screen.height / height);
     const auto growToWidth = static_cast<float>(screen.width / width);
     float growth = 1;
-    if (heightInches <= smallScreenInches && width * growToHeight < screen.width) growth = growToHeight;
-    else if (widthInches <= smallScreenInches && height * growToWidth < screen.height) growth = growToWidth;
+    if (heightInches <= smallScreenInches && width * growToHeight < screen.width)
+        growth = growToHeight;
+    else if (widthInches <= smallScreenInches && height * growToWidth < screen.height)
+        growth = growToWidth;
     width *= growth;
     height *= growth;
     return {width, height};
@@ -52,7 +54,8 @@ void FlareboxView::setupView() {
     setTranslatesAutoresizingMaskIntoConstraints(false);
     collectionView_->setDataSource(this);
     collectionView_->setDelegate(this);
-    collectionView_->registerNib(UINib::nibWithNibName("AssetCollectionViewCell", flareboxBundle()), "AssetCollectionViewCell");
+    collectionView_->registerNib(UINib::nibWithNibName("AssetCollectionViewCell", flareboxBundle()),
+                                 "AssetCollectionViewCell");
     enable(*btnCoupon_);
     disable(*btnBuy_);
     emptyView_->setHidden(true);
@@ -60,7 +63,8 @@ void FlareboxView::setupView() {
     lbErrorMessage_->setHidden(true);
     currentAssetMode_ = AssetMode2D;
     device.beginGeneratingDeviceOrientationNotifications();
-    NSNotificationCenter::defaultCenter().addObserver(*this, "deviceOrientationDidChange", UIDeviceOrientationDidChangeNotification, nullptr);
+    NSNotificationCenter::defaultCenter().addObserver(*this, "deviceOrientationDidChange",
+                                                      UIDeviceOrientationDidChangeNotification, nullptr);
     FlareboxConfig::defaultConfig().addObserver(*this, "showFlareboxButton", NSKeyValueObservingOptionNew);
 }
 
@@ -98,11 +102,15 @@ void FlareboxView::loadLayoutConstrains() {
     using enum NSLayoutRelation;
     UIView& parent = *superview();
     const CGSize size = getViewSize();
-    widthFixedConstraint_ = NSLayoutConstraint::constraintWithItem(*this, Width, Equal, nullptr, NotAnAttribute, 1, size.width);
-    heightFixedConstraint_ = NSLayoutConstraint::constraintWithItem(*this, Height, Equal, nullptr, NotAnAttribute, 1, size.height);
-    const auto leading = NSLayoutConstraint::constraintWithItem(*this, Leading, Equal, &parent, Leading, 1, -size.width);
+    widthFixedConstraint_ =
+        NSLayoutConstraint::constraintWithItem(*this, Width, Equal, nullptr, NotAnAttribute, 1, size.width);
+    heightFixedConstraint_ =
+        NSLayoutConstraint::constraintWithItem(*this, Height, Equal, nullptr, NotAnAttribute, 1, size.height);
+    const auto leading =
+        NSLayoutConstraint::constraintWithItem(*this, Leading, Equal, &parent, Leading, 1, -size.width);
     const auto center = NSLayoutConstraint::constraintWithItem(*this, CenterY, Equal, &parent, CenterY, 1, 0);
-    for (const auto& constraint : {heightFixedConstraint_, widthFixedConstraint_, leading, center}) parent.addConstraint(constraint);
+    for (const auto& constraint : {heightFixedConstraint_, widthFixedConstraint_, leading, center})
+        parent.addConstraint(constraint);
     constraintLeadingContentView_ = leading;
 }
 
@@ -119,7 +127,8 @@ void FlareboxView::orientationChangedMethod() {
     const CGSize size = getViewSize();
     if (widthFixedConstraint_) widthFixedConstraint_->setConstant(size.width);
     if (heightFixedConstraint_) heightFixedConstraint_->setConstant(size.height);
-    if (openButtonWidthContraint_) openButtonWidthContraint_->setConstant(36 * (UIScreen::mainScreen().bounds().height() / designScreenHeight));
+    if (openButtonWidthContraint_)
+        openButtonWidthContraint_->setConstant(36 * (UIScreen::mainScreen().bounds().height() / designScreenHeight));
     if (const auto leading = constraintLeadingContentView_.lock()) leading->setConstant(isOpened() ? 0.0 : -size.width);
     setNeedsLayout();
     setNeedsDisplay();

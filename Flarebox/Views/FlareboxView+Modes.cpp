@@ -5,7 +5,9 @@
 namespace flarebox {
 namespace {
 
-bool isPresent(const NSString& text) { return !text.text().empty(); }
+bool isPresent(const NSString& text) {
+    return !text.text().empty();
+}
 
 }  // namespace
 
@@ -26,7 +28,8 @@ void FlareboxView::validateAssetPreventModes() {
     btn2d_->setEnabled(isEnabledMode(AssetMode2D));
     btn3d_->setEnabled(isEnabledMode(AssetMode3D));
     btnVideo_->setEnabled(isEnabledMode(AssetModeVideo));
-    // Whoever looks at models goes back to pictures with the first asset that has no video, as whoever looks at videos does.
+    // Whoever looks at models goes back to pictures with the first asset that has no video, as whoever looks at videos
+    // does.
     if (currentAssetMode_ != AssetMode2D && !isEnabledMode(AssetModeVideo)) currentAssetMode_ = AssetMode2D;
     changeAssetMode(currentAssetMode_);
 }

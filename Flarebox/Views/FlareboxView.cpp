@@ -104,7 +104,8 @@ Ref<FlareboxView> FlareboxView::init() {
     AssetCollectionViewCell::staticClass();
     PanelShadowView::staticClass();
     ListFadeView::staticClass();
-    const std::vector<Ref<NSObject>> objects = UINib::nibWithNibName("FlareboxView", flareboxBundle())->instantiateWithOwner(nullptr);
+    const std::vector<Ref<NSObject>> objects =
+        UINib::nibWithNibName("FlareboxView", flareboxBundle())->instantiateWithOwner(nullptr);
     return Ref<FlareboxView>(objects.empty() ? nullptr : objectCast<FlareboxView>(objects.front().get()));
 }
 
@@ -154,13 +155,16 @@ void FlareboxView::attachOpenButton(UIView& parent) {
     using enum NSLayoutRelation;
     parent.addSubview(*btnOpen_);
     const CGFloat width = 36 * (UIScreen::mainScreen().bounds().height() / 600);
-    openButtonWidthContraint_ = NSLayoutConstraint::constraintWithItem(*btnOpen_, Width, Equal, nullptr, NotAnAttribute, 1, width);
+    openButtonWidthContraint_ =
+        NSLayoutConstraint::constraintWithItem(*btnOpen_, Width, Equal, nullptr, NotAnAttribute, 1, width);
     parent.addConstraint(NSLayoutConstraint::constraintWithItem(*btnOpen_, CenterY, Equal, &parent, CenterY, 1, 0));
     parent.addConstraint(NSLayoutConstraint::constraintWithItem(*btnOpen_, Leading, Equal, this, Trailing, 1, 0));
     parent.addConstraint(openButtonWidthContraint_);
 }
 
-void FlareboxView::toggleFlarebox() { toggleFlarebox(!isOpened(), true); }
+void FlareboxView::toggleFlarebox() {
+    toggleFlarebox(!isOpened(), true);
+}
 
 void FlareboxView::toggleFlarebox(bool open, bool animated) {
     if (isOpened() && open) return;
@@ -176,7 +180,8 @@ void FlareboxView::toggleFlarebox(bool open, bool animated) {
 }
 
 void FlareboxView::placePanel(bool open, bool animated) {
-    if (const auto leading = constraintLeadingContentView_.lock()) leading->setConstant(open ? 0.0 : -getViewSize().width);
+    if (const auto leading = constraintLeadingContentView_.lock())
+        leading->setConstant(open ? 0.0 : -getViewSize().width);
     const Ref<UIView> parent(superview());
     if (!parent || !panelShadow_) return;
     const auto place = [&] {
@@ -184,8 +189,10 @@ void FlareboxView::placePanel(bool open, bool animated) {
         // A closed panel is out of sight, and so has to be what it throws onto the game.
         panelShadow_->setAlpha(open ? 1 : 0);
     };
-    if (animated) UIView::animateWithDuration(slideDuration, place);
-    else place();
+    if (animated)
+        UIView::animateWithDuration(slideDuration, place);
+    else
+        place();
 }
 
 bool FlareboxView::isOpened() const {
@@ -202,7 +209,8 @@ void FlareboxView::handleFlareboxOpened() {
         loadData();
     }
     // Owed once for each opening, and only to an asset that is there to be looked at.
-    if (currentAsset_ && std::exchange(isNeedFlareboxOpenedEvent_, false)) sendEngagementEvent(EngagementActionFlarebox);
+    if (currentAsset_ && std::exchange(isNeedFlareboxOpenedEvent_, false))
+        sendEngagementEvent(EngagementActionFlarebox);
 }
 
 void FlareboxView::showFlareboxButton(bool show) {
@@ -210,9 +218,13 @@ void FlareboxView::showFlareboxButton(bool show) {
     if (!show) close();
 }
 
-bool FlareboxView::isFlareboxButtonVisible() const { return !btnOpen_->isHidden(); }
+bool FlareboxView::isFlareboxButtonVisible() const {
+    return !btnOpen_->isHidden();
+}
 
-void FlareboxView::setFlareboxButtonAlpha(double alpha) { btnOpen_->setAlpha(alpha); }
+void FlareboxView::setFlareboxButtonAlpha(double alpha) {
+    btnOpen_->setAlpha(alpha);
+}
 
 void FlareboxView::didMoveToSuperview() {
     UIView::didMoveToSuperview();

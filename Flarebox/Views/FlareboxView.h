@@ -1,8 +1,8 @@
 #pragma once
 
-#include <Flarebox/Views/CouponView.h>
 #include <Flarebox/Managers/FlareboxManager.h>
 #include <Flarebox/Models/FXAssetInfo.h>
+#include <Flarebox/Views/CouponView.h>
 #include <Foundation/NSTimer.h>
 #include <Networking/AFHTTPSessionManager.h>
 #include <UIKit/UICollectionView.h>
@@ -32,10 +32,14 @@ enum EngagementAction : std::uint64_t {
     EngagementActionCoupon = 4
 };
 
-/// The tab: a panel at the left edge of its parent, hidden beyond the edge while closed, with an open button that sticks out.
-/// It loads the game's assets as soon as it exists and shows them when opened. The host owns it, and so does the network monitor from
-/// the first load on, until another tab loads or the host adapter goes. Made by `init()` only. Main thread only.
-class FlareboxView : public UIView, public UICollectionViewDataSource, public UICollectionViewDelegate, public CouponViewDelegate {
+/// The tab: a panel at the left edge of its parent, hidden beyond the edge while closed, with an open button that
+/// sticks out. It loads the game's assets as soon as it exists and shows them when opened. The host owns it, and so
+/// does the network monitor from the first load on, until another tab loads or the host adapter goes. Made by `init()`
+/// only. Main thread only.
+class FlareboxView : public UIView,
+                     public UICollectionViewDataSource,
+                     public UICollectionViewDelegate,
+                     public CouponViewDelegate {
     FLAREBOX_CLASS(FlareboxView)
 public:
     FlareboxView();
@@ -45,9 +49,11 @@ public:
     static Ref<FlareboxView> init();
 
     // Showing.
-    /// Attaches the tab, closed, to the application's main window 0.1 seconds from now, replacing any tab there. Nothing happens without a window.
+    /// Attaches the tab, closed, to the application's main window 0.1 seconds from now, replacing any tab there.
+    /// Nothing happens without a window.
     void showAtWindow();
-    /// Attaches the tab, closed, to a view. A parent that it is attached to already gets a second set of constraints: remove the tab first.
+    /// Attaches the tab, closed, to a view. A parent that it is attached to already gets a second set of constraints:
+    /// remove the tab first.
     void showAtView(UIView& parent);
     void removeFromSuperview() override;
     void open() { toggleFlarebox(true, true); }
@@ -123,13 +129,15 @@ public:
     void validateAssetPreventModes();
 
     // Events.
-    /// Tells the service what the player did with the current asset. Dropped without an asset, a game session or a network.
+    /// Tells the service what the player did with the current asset. Dropped without an asset, a game session or a
+    /// network.
     void sendEngagementEvent(EngagementAction type);
 
     // Actions.
     /// Pauses the video that plays in the panel, if one does.
     void pauseVideo();
-    /// Opens the companion application, or its page in the store where it is not installed; the second is for development builds of it.
+    /// Opens the companion application, or its page in the store where it is not installed; the second is for
+    /// development builds of it.
     void openKestrinProd();
     void openKestrinDev();
     static NSString appSchemaLinkProd();
@@ -141,7 +149,8 @@ public:
     // Hooks of the platform.
     void awakeFromNib() override;
     void didMoveToSuperview() override;
-    void observeValueForKeyPath(std::string_view keyPath, NSObject& object, const NSKeyValueChange& change, void* context) override;
+    void observeValueForKeyPath(std::string_view keyPath, NSObject& object, const NSKeyValueChange& change,
+                                void* context) override;
 
 private:
     // FlareboxView.cpp
@@ -173,7 +182,8 @@ private:
     bool isCurrentAsset(const FXAssetInfo& asset) const;
     std::size_t collectionViewNumberOfItemsInSection(UICollectionView& view, std::size_t section) override;
     CGSize collectionViewLayoutSizeForItemAtIndexPath(UICollectionView& view, const NSIndexPath& path) override;
-    Ref<UICollectionViewCell> collectionViewCellForItemAtIndexPath(UICollectionView& view, const NSIndexPath& path) override;
+    Ref<UICollectionViewCell> collectionViewCellForItemAtIndexPath(UICollectionView& view,
+                                                                   const NSIndexPath& path) override;
     void collectionViewDidSelectItemAtIndexPath(UICollectionView& view, const NSIndexPath& path) override;
     void scrollViewDidScroll(UIScrollView& view) override;
     void scrollViewDidEndDragging(UIScrollView& view, bool willDecelerate) override;
@@ -189,14 +199,15 @@ private:
     void pressBuyButton();
 
     // Bound by the layout file; owned by the view tree.
-    Weak<UIView> emptyView_, assetView_, contentView_, assetContentView_, leftAssetListShadowView_, rightAssetListShadowView_, loadingView_, videoContainer_,
-        scnContainer_, preventerMenuView_, panelShadow_;
+    Weak<UIView> emptyView_, assetView_, contentView_, assetContentView_, leftAssetListShadowView_,
+        rightAssetListShadowView_, loadingView_, videoContainer_, scnContainer_, preventerMenuView_, panelShadow_;
     Weak<UICollectionView> collectionView_;
     Weak<UILabel> lbAssetTitle_, lbAssetDesc_, lbEmptyAssets_, lbEmptyAssetsDetail_, lbErrorMessage_, lbFlareboxLogo_;
     Weak<UIButton> btnClose_, btn2d_, btn3d_, btnVideo_, btnCoupon_, btnBuy_, btnPrevious_, btnNext_;
     Weak<UIImageView> imgAssetContent_;
     Weak<UIActivityIndicatorView> indicator_;
-    Weak<NSLayoutConstraint> closeButtonTopContraint_, assetContainerBottom_, logoTopContraint_, assetLogoPadding_, preventerMenuWidth_;
+    Weak<NSLayoutConstraint> closeButtonTopContraint_, assetContainerBottom_, logoTopContraint_, assetLogoPadding_,
+        preventerMenuWidth_;
     /// Owned: it is the parent's sub-view while the tab is attached, and nobody's in between.
     Ref<UIButton> btnOpen_;
 

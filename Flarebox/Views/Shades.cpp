@@ -23,16 +23,21 @@ void PanelShadowView::drawRect(Canvas& canvas, const CGRect& bounds) {
         return UIColor::blackColor().withAlpha(shadowStrength * rest * rest);
     };
     for (int i = 0; i < shadowSteps; ++i) {
-        canvas.fillGradient(CGRectMake(bounds.minX() + i * step, bounds.minY(), step, bounds.height()), strength(i), strength(i + 1), true);
+        canvas.fillGradient(CGRectMake(bounds.minX() + i * step, bounds.minY(), step, bounds.height()), strength(i),
+                            strength(i + 1), true);
     }
 }
 
 const ClassInfo& ListFadeView::staticClass() {
     static const Property properties[] = {
-        {"atRightEnd", "TB", [](const NSObject& view) { return Value(static_cast<const ListFadeView&>(view).atRightEnd()); },
-         [](NSObject& view, const Value& value) { static_cast<ListFadeView&>(view).setAtRightEnd(value.as<NSNumber>().boolValue()); }},
+        {"atRightEnd", "TB",
+         [](const NSObject& view) { return Value(static_cast<const ListFadeView&>(view).atRightEnd()); },
+         [](NSObject& view, const Value& value) {
+             static_cast<ListFadeView&>(view).setAtRightEnd(value.as<NSNumber>().boolValue());
+         }},
     };
-    static const ClassInfo info("ListFadeView", &UIView::staticClass(), createObject<ListFadeView>, {.properties = properties});
+    static const ClassInfo info("ListFadeView", &UIView::staticClass(), createObject<ListFadeView>,
+                                {.properties = properties});
     return info;
 }
 

@@ -13,7 +13,11 @@ void setLook(UIButton& button, bool isEnabled, const UIColor& color) {
 
 }  // namespace
 
-void enable(UIButton& button) { setLook(button, true, UIColor::whiteColor()); }
-void disable(UIButton& button) { setLook(button, false, UIColor::lightGrayColor()); }
+void enable(UIButton& button) {
+    setLook(button, true, UIColor::whiteColor());
+}
+void disable(UIButton& button) {
+    setLook(button, false, UIColor::lightGrayColor());
+}
 
 }  // namespace flarebox

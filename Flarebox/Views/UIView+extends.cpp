@@ -19,7 +19,8 @@ void removeAllConstraints(UIView& view) {
     for (UIView* ancestor = view.superview(); ancestor; ancestor = ancestor->superview()) {
         const std::vector<Ref<NSLayoutConstraint>> held(ancestor->constraints().begin(), ancestor->constraints().end());
         for (const auto& constraint : held) {
-            if (constraint->firstItem() == &view || constraint->secondItem() == &view) ancestor->removeConstraint(*constraint);
+            if (constraint->firstItem() == &view || constraint->secondItem() == &view)
+                ancestor->removeConstraint(*constraint);
         }
     }
     view.removeConstraints(view.constraints());

@@ -70,7 +70,8 @@ protected:
     /// For setters of observable properties.
     void willChangeValueForKey(std::string_view key);
     void didChangeValueForKey(std::string_view key);
-    /// For operations that call out: keeps the object alive. Null during its destruction, when there is nothing to keep.
+    /// For operations that call out: keeps the object alive. Null during its destruction, when there is nothing to
+    /// keep.
     Ref<NSObject> retained() const;
 
 private:

@@ -22,8 +22,8 @@ struct TextStyle {
     friend bool operator==(const TextStyle&, const TextStyle&) = default;
 };
 
-/// The space that a text takes when it may be `width` points wide at most. Lines break between words, within a word where one word alone
-/// is wider. An empty text is one line high and 0 wide.
+/// The space that a text takes when it may be `width` points wide at most. Lines break between words, within a word
+/// where one word alone is wider. An empty text is one line high and 0 wide.
 CGSize measureText(std::string_view text, const TextStyle& style, CGFloat width);
 
 struct CornerRadii {
@@ -32,8 +32,8 @@ struct CornerRadii {
     friend bool operator==(const CornerRadii&, const CornerRadii&) = default;
 };
 
-/// What a view draws on. Coordinates are points of the view, origin at its upper left corner; the canvas knows the scale,
-/// so shapes and text are sharp at every scale. Main thread.
+/// What a view draws on. Coordinates are points of the view, origin at its upper left corner; the canvas knows the
+/// scale, so shapes and text are sharp at every scale. Main thread.
 class Canvas {
 public:
     virtual ~Canvas() = default;
@@ -50,7 +50,8 @@ public:
 
     virtual void fillRoundedRect(const CGRect& rect, const CornerRadii& radii, const UIColor& color) = 0;
     /// The line lies inside the rectangle.
-    virtual void strokeRoundedRect(const CGRect& rect, const CornerRadii& radii, CGFloat lineWidth, const UIColor& color) = 0;
+    virtual void strokeRoundedRect(const CGRect& rect, const CornerRadii& radii, CGFloat lineWidth,
+                                   const UIColor& color) = 0;
     /// From `start` at the rectangle's upper or left edge to `end` at the opposite one.
     virtual void fillGradient(const CGRect& rect, const UIColor& start, const UIColor& end, bool horizontal) = 0;
 

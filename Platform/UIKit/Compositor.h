@@ -24,18 +24,20 @@ struct TexturedQuad {
     friend bool operator==(const TexturedQuad&, const TexturedQuad&) = default;
 };
 
-/// The seam to a game's renderer: textures and rectangles, nothing else. A game with its own renderer implements the four
-/// pure functions. All are called on the main thread, only while the host draws (`UIHost::draw`) or ends (`UIHost::releaseTextures`).
+/// The seam to a game's renderer: textures and rectangles, nothing else. A game with its own renderer implements the
+/// four pure functions. All are called on the main thread, only while the host draws (`UIHost::draw`) or ends
+/// (`UIHost::releaseTextures`).
 class Compositor {
 public:
     enum class Alpha : std::uint8_t { Premultiplied, Straight };
 
     virtual ~Compositor() = default;
 
-    /// A texture of that many pixels, its content undefined until updated; 0 when it cannot be made (the rectangle is then left out).
+    /// A texture of that many pixels, its content undefined until updated; 0 when it cannot be made (the rectangle is
+    /// then left out).
     virtual TextureId createTexture(int width, int height) = 0;
-    /// Copies pixels into a part of the texture. Each pixel is 0xAARRGGBB in the machine's byte order, its alpha as `alphaConvention` says;
-    /// `stride` is in pixels. The memory is the caller's and is gone after the call.
+    /// Copies pixels into a part of the texture. Each pixel is 0xAARRGGBB in the machine's byte order, its alpha as
+    /// `alphaConvention` says; `stride` is in pixels. The memory is the caller's and is gone after the call.
     virtual void updateTexture(TextureId texture, const PixelRect& region, const std::uint32_t* pixels, int stride) = 0;
     virtual void destroyTexture(TextureId texture) = 0;
     virtual void drawQuad(const TexturedQuad& quad) = 0;

@@ -12,8 +12,12 @@ struct CGPoint {
     CGFloat x = 0, y = 0;
     friend bool operator==(const CGPoint&, const CGPoint&) = default;
 };
-constexpr CGPoint operator+(CGPoint a, CGPoint b) { return {a.x + b.x, a.y + b.y}; }
-constexpr CGPoint operator-(CGPoint a, CGPoint b) { return {a.x - b.x, a.y - b.y}; }
+constexpr CGPoint operator+(CGPoint a, CGPoint b) {
+    return {a.x + b.x, a.y + b.y};
+}
+constexpr CGPoint operator-(CGPoint a, CGPoint b) {
+    return {a.x - b.x, a.y - b.y};
+}
 
 struct CGSize {
     CGFloat width = 0, height = 0;
@@ -47,7 +51,9 @@ struct CGRect {
     }
     friend bool operator==(const CGRect&, const CGRect&) = default;
 };
-constexpr CGRect CGRectMake(CGFloat x, CGFloat y, CGFloat width, CGFloat height) { return {{x, y}, {width, height}}; }
+constexpr CGRect CGRectMake(CGFloat x, CGFloat y, CGFloat width, CGFloat height) {
+    return {{x, y}, {width, height}};
+}
 
 struct UIEdgeInsets {
     CGFloat top = 0, left = 0, bottom = 0, right = 0;

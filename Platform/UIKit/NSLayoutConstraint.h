@@ -10,7 +10,17 @@ class UIView;
 
 /// The platform's numbers.
 enum class NSLayoutAttribute : std::uint8_t {
-    NotAnAttribute = 0, Left = 1, Right = 2, Top = 3, Bottom = 4, Leading = 5, Trailing = 6, Width = 7, Height = 8, CenterX = 9, CenterY = 10
+    NotAnAttribute = 0,
+    Left = 1,
+    Right = 2,
+    Top = 3,
+    Bottom = 4,
+    Leading = 5,
+    Trailing = 6,
+    Width = 7,
+    Height = 8,
+    CenterX = 9,
+    CenterY = 10
 };
 enum class NSLayoutRelation : std::int8_t { LessThanOrEqual = -1, Equal = 0, GreaterThanOrEqual = 1 };
 
@@ -20,14 +30,16 @@ inline constexpr UILayoutPriority UILayoutPriorityRequired = 1000;
 inline constexpr UILayoutPriority UILayoutPriorityDefaultHigh = 750;
 inline constexpr UILayoutPriority UILayoutPriorityDefaultLow = 250;
 
-/// first.attribute relation second.attribute * multiplier + constant. Takes effect when added to a view that is a common
-/// ancestor of both items (or one of them). Main thread.
+/// first.attribute relation second.attribute * multiplier + constant. Takes effect when added to a view that is a
+/// common ancestor of both items (or one of them). Main thread.
 class NSLayoutConstraint : public NSObject {
     FLAREBOX_CLASS(NSLayoutConstraint)
 public:
     /// `toItem` may be null together with NotAnAttribute: the first attribute is then compared with the constant alone.
-    static Ref<NSLayoutConstraint> constraintWithItem(UIView& item, NSLayoutAttribute attribute, NSLayoutRelation relatedBy, UIView* toItem,
-                                                      NSLayoutAttribute toAttribute, CGFloat multiplier, CGFloat constant);
+    static Ref<NSLayoutConstraint> constraintWithItem(UIView& item, NSLayoutAttribute attribute,
+                                                      NSLayoutRelation relatedBy, UIView* toItem,
+                                                      NSLayoutAttribute toAttribute, CGFloat multiplier,
+                                                      CGFloat constant);
     ~NSLayoutConstraint() override;
 
     /// Null once the view is gone.
@@ -52,7 +64,8 @@ private:
     const char* reasonToRefuse(const UIView& owner) const;
 
     Weak<UIView> firstItem_, secondItem_;
-    /// The view that holds the constraint, while one does; both items are then alive and in its tree, so that plain pointers do.
+    /// The view that holds the constraint, while one does; both items are then alive and in its tree, so that plain
+    /// pointers do.
     UIView* owner_ = nullptr;
     UIView *heldFirst_ = nullptr, *heldSecond_ = nullptr;
     /// What the engine of the tree knows it by.
@@ -62,7 +75,8 @@ private:
     bool isBroken_ = false;
     CGFloat multiplier_ = 1, constant_ = 0;
     UILayoutPriority priority_ = UILayoutPriorityRequired;
-    NSLayoutAttribute firstAttribute_ = NSLayoutAttribute::NotAnAttribute, secondAttribute_ = NSLayoutAttribute::NotAnAttribute;
+    NSLayoutAttribute firstAttribute_ = NSLayoutAttribute::NotAnAttribute,
+                      secondAttribute_ = NSLayoutAttribute::NotAnAttribute;
     NSLayoutRelation relation_ = NSLayoutRelation::Equal;
 };
 

@@ -13,11 +13,17 @@ namespace flarebox {
 enum class InputResult : std::uint8_t { Ignored, Consumed };
 
 enum class UIDeviceOrientation : std::int64_t {
-    Unknown = 0, Portrait = 1, PortraitUpsideDown = 2, LandscapeLeft = 3, LandscapeRight = 4, FaceUp = 5, FaceDown = 6
+    Unknown = 0,
+    Portrait = 1,
+    PortraitUpsideDown = 2,
+    LandscapeLeft = 3,
+    LandscapeRight = 4,
+    FaceUp = 5,
+    FaceDown = 6
 };
 
-/// What a host adapter tells the kit and asks of it: screen, input, the frame tick, drawing. One exists at a time; it makes the
-/// application's window and, when destroyed, stops every thread of the kit within 200 ms. Main thread.
+/// What a host adapter tells the kit and asks of it: screen, input, the frame tick, drawing. One exists at a time; it
+/// makes the application's window and, when destroyed, stops every thread of the kit within 200 ms. Main thread.
 class UIHost {
 public:
     /// Size in points, scale in pixels per point.
@@ -30,7 +36,8 @@ public:
     void setScreen(CGSize size, CGFloat scale);
     void setOrientation(UIDeviceOrientation orientation);
 
-    // Input, in points of the screen. A touch that began on the panel belongs to it until it ends, one that began beside it to the game.
+    // Input, in points of the screen. A touch that began on the panel belongs to it until it ends, one that began
+    // beside it to the game.
     /// `pointer` tells fingers apart; the mouse is 0.
     InputResult pointerDown(int pointer, CGPoint point);
     InputResult pointerMoved(int pointer, CGPoint point);
@@ -39,13 +46,14 @@ public:
     /// The mouse moved without a button pressed, or left the window.
     InputResult pointerHovered(CGPoint point);
     void pointerLeft();
-    /// Wheel or two-finger scrolling: points by which the content is to move on, to its right end and to its bottom where positive.
+    /// Wheel or two-finger scrolling: points by which the content is to move on, to its right end and to its bottom
+    /// where positive.
     InputResult scrolled(CGPoint point, CGFloat dx, CGFloat dy);
     /// A key by its name: "escape", "return", "space", "left", ….
     InputResult keyDown(std::string_view name);
 
-    /// The one call a frame: runs what is due on the main queue within `budget` seconds, advances animations, lays out, and finds
-    /// again what lies under a still pointer.
+    /// The one call a frame: runs what is due on the main queue within `budget` seconds, advances animations, lays out,
+    /// and finds again what lies under a still pointer.
     void update(double budget = 0.004);
     /// Whether the picture differs from the one last drawn.
     bool needsDisplay() const;

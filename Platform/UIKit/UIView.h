@@ -30,8 +30,8 @@ CGRect placedByContentMode(CGSize picture, const CGRect& area, UIViewContentMode
 
 enum class UILayoutConstraintAxis : std::uint8_t { Horizontal, Vertical };
 
-/// A rectangle of the retained tree: owned by its superview, laid out by constraints or by its frame, drawn into a bitmap of
-/// its own only when something about it changed. Main thread only.
+/// A rectangle of the retained tree: owned by its superview, laid out by constraints or by its frame, drawn into a
+/// bitmap of its own only when something about it changed. Main thread only.
 class UIView : public NSObject {
     FLAREBOX_CLASS(UIView)
 public:
@@ -58,7 +58,8 @@ public:
     void setBoundsOrigin(CGPoint origin);
     /// Where the view is shown at this moment of an animation; the frame when none runs.
     CGRect presentationFrame() const;
-    /// Between this view's coordinates and another's, or the root's for null. Of the final layout, not of an animation's moment.
+    /// Between this view's coordinates and another's, or the root's for null. Of the final layout, not of an
+    /// animation's moment.
     CGPoint convertPointToView(CGPoint point, const UIView* view) const;
     CGRect convertRectToView(const CGRect& rect, const UIView* view) const;
     /// The rectangle in root coordinates as it is shown now, animations and scrolling included.
@@ -108,25 +109,32 @@ public:
 
     // Layout and drawing.
     void setNeedsLayout();
-    /// Lays out now what needs it: this view's whole tree is solved, this view and what is below it get `layoutSubviews`.
+    /// Lays out now what needs it: this view's whole tree is solved, this view and what is below it get
+    /// `layoutSubviews`.
     void layoutIfNeeded();
-    /// Called when the view's size or its sub-views' constraints changed; the frames of constrained sub-views are already set.
+    /// Called when the view's size or its sub-views' constraints changed; the frames of constrained sub-views are
+    /// already set.
     virtual void layoutSubviews();
     void setNeedsDisplay();
-    /// Draws what the view shows between its background and its border. Views that draw nothing need no override and cost no bitmap.
+    /// Draws what the view shows between its background and its border. Views that draw nothing need no override and
+    /// cost no bitmap.
     virtual void drawRect(Canvas& canvas, const CGRect& bounds);
-    /// Whether `drawRect` would draw something; a view that answers false gets a bitmap only for background, border or shadow.
+    /// Whether `drawRect` would draw something; a view that answers false gets a bitmap only for background, border or
+    /// shadow.
     virtual bool drawsContent() const { return false; }
 
-    /// A picture in memory: rows from the top, `stride` pixels from one to the next, each pixel premultiplied 0xAARRGGBB.
+    /// A picture in memory: rows from the top, `stride` pixels from one to the next, each pixel premultiplied
+    /// 0xAARRGGBB.
     struct PixelBuffer {
         int width = 0, height = 0, stride = 0;
         const std::uint32_t* pixels = nullptr;
     };
-    /// Whether the view shows a `pixelBuffer`, over its background colour and under its sub-views, instead of drawing: a video or a scene.
+    /// Whether the view shows a `pixelBuffer`, over its background colour and under its sub-views, instead of drawing:
+    /// a video or a scene.
     virtual bool showsPixelBuffer() const { return false; }
-    /// Asked for once after each `setNeedsDisplay` or change of size, when the next frame is drawn. Placed by the content mode, its corners rounded with the layer;
-    /// without pixels nothing is shown. The memory has to last until the next call.
+    /// Asked for once after each `setNeedsDisplay` or change of size, when the next frame is drawn. Placed by the
+    /// content mode, its corners rounded with the layer; without pixels nothing is shown. The memory has to last until
+    /// the next call.
     virtual PixelBuffer pixelBuffer() { return {}; }
 
     // Hooks.
@@ -138,7 +146,8 @@ public:
     // Input. Points are in the view's own coordinates, of what is shown at this moment.
     bool isUserInteractionEnabled() const { return userInteractionEnabled_; }
     void setUserInteractionEnabled(bool enabled) { userInteractionEnabled_ = enabled; }
-    /// The deepest view under the point that takes input, or null. Hidden, disabled and nearly transparent views take none.
+    /// The deepest view under the point that takes input, or null. Hidden, disabled and nearly transparent views take
+    /// none.
     virtual UIView* hitTest(CGPoint point);
     virtual bool pointInside(CGPoint point) const;
     /// A touch that began in this view. The default hands it to the superview.
@@ -146,7 +155,8 @@ public:
     virtual void touchesMoved(UITouch& touch);
     virtual void touchesEnded(UITouch& touch);
     virtual void touchesCancelled(UITouch& touch);
-    /// Wheel or two-finger scrolling over the view, in points. Returns whether it was used; the superview is asked next otherwise.
+    /// Wheel or two-finger scrolling over the view, in points. Returns whether it was used; the superview is asked next
+    /// otherwise.
     virtual bool scrollWheel(CGPoint point, CGFloat dx, CGFloat dy);
     /// The pointer rests or moves over the view (null touch state), or has left it.
     virtual void pointerEntered() {}
@@ -155,8 +165,9 @@ public:
     std::span<const Ref<UIGestureRecognizer>> gestureRecognizers() const { return gestureRecognizers_; }
 
     // Animation.
-    /// Runs `animations` now, which changes frames, alpha or lays out; the changes are then shown over `duration` seconds, easing in
-    /// and out, starting from what is on screen. `completion` runs on the main queue at the end (false when superseded by a later one). 0 shows them at once.
+    /// Runs `animations` now, which changes frames, alpha or lays out; the changes are then shown over `duration`
+    /// seconds, easing in and out, starting from what is on screen. `completion` runs on the main queue at the end
+    /// (false when superseded by a later one). 0 shows them at once.
     static void animateWithDuration(double duration, const std::function<void()>& animations,
                                     std::function<void(bool finished)> completion = nullptr);
     /// Inside an animation: runs `changes` now and shows them at once.

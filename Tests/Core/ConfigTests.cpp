@@ -76,7 +76,8 @@ TEST_F(DeviceIdentityTest, IdentifierLivesInTheUserSession) {
     EXPECT_EQ(config_.sessionEdit()->deviceId(), zero);
 
     ASIdentifierManager::sharedManager().setAdvertisingTrackingEnabled(true);
-    ASIdentifierManager::sharedManager().setAdvertisingIdentifier(NSUUID::UUIDWithString("6f9619ff-8b86-d011-b42d-00c04fc964ff"));
+    ASIdentifierManager::sharedManager().setAdvertisingIdentifier(
+        NSUUID::UUIDWithString("6f9619ff-8b86-d011-b42d-00c04fc964ff"));
     EXPECT_EQ(FlareboxConfig::deviceUID(), "6F9619FF-8B86-D011-B42D-00C04FC964FF");
 }
 
@@ -99,7 +100,8 @@ TEST_F(DeviceIdentityTest, LimitedTrackingAsksThePlayer) {
         ASSERT_TRUE(alert);
         EXPECT_EQ(alert->title(), "");
         EXPECT_EQ(alert->message(),
-                  "Advertising tracking may be disabled. Please turn off the 'Limit Ad Tracking' from Settings -> Privacy -> Advertising.");
+                  "Advertising tracking may be disabled. Please turn off the 'Limit Ad Tracking' from Settings -> "
+                  "Privacy -> Advertising.");
         ASSERT_EQ(alert->actions().size(), 2U);
         EXPECT_EQ(alert->actions()[0]->title(), "OK");
         EXPECT_EQ(alert->actions()[1]->title(), "Cancel");
@@ -155,7 +157,11 @@ TEST(NetworkAddress, IsTheLastOfTheTwoInterfaces) {
     };
     const Case cases[] = {
         {{}, "error"},
-        {{{"lo", AF_INET, "127.0.0.1"}, {"en0", AF_INET6, nullptr}, {"en01", AF_INET, "1.2.3.4"}, {"en0", AF_UNSPEC, nullptr}}, "error"},
+        {{{"lo", AF_INET, "127.0.0.1"},
+          {"en0", AF_INET6, nullptr},
+          {"en01", AF_INET, "1.2.3.4"},
+          {"en0", AF_UNSPEC, nullptr}},
+         "error"},
         {{{"en0", AF_INET, "10.0.0.1"}, {"pdp_ip0", AF_INET, "10.9.9.9"}, {"eth0", AF_INET, "5.6.7.8"}}, "10.9.9.9"},
         {{{"pdp_ip0", AF_INET, "10.9.9.9"}, {"en0", AF_INET, "10.0.0.1"}, {"en0", AF_INET, "10.0.0.2"}}, "10.0.0.2"},
     };

@@ -15,8 +15,12 @@ TEST(Logging, LevelsDecideWhatIsPrinted) {
         bool info, warning, error;
     };
     const Case cases[] = {
-        {false, 1, false, false, false}, {true, 0, false, false, false}, {true, 1, true, true, true},
-        {true, 2, false, true, true},    {true, 3, false, false, true},  {true, 4, false, false, false},
+        {false, 1, false, false, false},
+        {true, 0, false, false, false},
+        {true, 1, true, true, true},
+        {true, 2, false, true, true},
+        {true, 3, false, false, true},
+        {true, 4, false, false, false},
         {true, std::numeric_limits<std::uint64_t>::max(), false, false, false},
     };
     FlareboxConfig& config = FlareboxConfig::defaultConfig();
@@ -45,7 +49,8 @@ TEST(Logging, FormatsAnyArgumentsSafely) {
     const Case cases[] = {
         {"%@ of %@", {"cup", 3}, "cup of 3"},
         {"%d|%5d|%-5d|%05d|%+d", {1, 2, 3, 4, 5}, "1|    2|3    |00004|+5"},
-        {"%lld %llu %qu %hhd", {std::numeric_limits<std::int64_t>::min(), std::numeric_limits<std::uint64_t>::max(), 7, 300},
+        {"%lld %llu %qu %hhd",
+         {std::numeric_limits<std::int64_t>::min(), std::numeric_limits<std::uint64_t>::max(), 7, 300},
          "-9223372036854775808 18446744073709551615 7 44"},
         {"%x %X %o %#x", {255, 255, 8, 255}, "ff FF 10 0xff"},
         {"%x %u %hx %lx %hhu", {-1, -2, -1, -1, 257}, "ffffffff 4294967294 ffff ffffffffffffffff 1"},

@@ -96,7 +96,8 @@ TEST_F(ServiceOperationsTest, SendsExactlyWhatTheServiceExpects) {
 
     Outcome engagementOutcome;
     const Ref<FXEngagementData> engagement = FXEngagementData::init();
-    for (const char* name : {"action", "advertiser", "asset", "desktop", "developer", "duration", "game", "generic", "mobile", "session", "version"}) {
+    for (const char* name : {"action", "advertiser", "asset", "desktop", "developer", "duration", "game", "generic",
+                             "mobile", "session", "version"}) {
         engagement->setValue("false", name);
     }
     engagement->setAction("flarebox");
@@ -138,7 +139,8 @@ TEST_F(ServiceOperationsTest, SendsExactlyWhatTheServiceExpects) {
         EXPECT_EQ(request.header("Accept"), "application/json");
         EXPECT_EQ(request.connection, requests.front().connection) << "connections are kept";
     }
-    const std::set<std::string> plain = {"Accept", "Accept-Encoding", "Content-Length", "Content-Type", "Host", "User-Agent"};
+    const std::set<std::string> plain = {"Accept", "Accept-Encoding", "Content-Length", "Content-Type",
+                                         "Host",   "User-Agent"};
     std::set<std::string> game = plain;
     game.insert({"Game-UID", "Game-Version"});
     EXPECT_EQ(namesOf(requests[0]), game);
@@ -147,9 +149,10 @@ TEST_F(ServiceOperationsTest, SendsExactlyWhatTheServiceExpects) {
     EXPECT_EQ(requests[2].body, R"({"session":null,"asset":5})");
     EXPECT_EQ(requests[3].query, "limit=20");
     EXPECT_EQ(requests[0].method + requests[3].method, "POSTGET");
-    EXPECT_EQ(requests[0].body,
-              R"({"first_name":"Ada","last_name":null,"age":31,"sex":null,"state":null,"city":null,"country":null,"ip_addr":null,)"
-              R"("device_id":"00000000-0000-0000-0000-000000000000"})");
+    EXPECT_EQ(
+        requests[0].body,
+        R"({"first_name":"Ada","last_name":null,"age":31,"sex":null,"state":null,"city":null,"country":null,"ip_addr":null,)"
+        R"("device_id":"00000000-0000-0000-0000-000000000000"})");
 }
 
 TEST_F(ServiceOperationsTest, MissingInputsAreReportedAndNothingIsSent) {
@@ -198,8 +201,14 @@ TEST_F(ServiceOperationsTest, FailuresArriveAsThePlatformsErrors) {
     };
     const Case cases[] = {
         {"status 500", {.status = 500}, NSURLErrorDomain, NSURLErrorBadServerResponse},
-        {"status 404 with another type", {.status = 404, .contentType = "text/html"}, NSURLErrorDomain, NSURLErrorBadServerResponse},
-        {"page in place of JSON", {.body = "<html>", .contentType = "text/html"}, NSURLErrorDomain, NSURLErrorCannotDecodeContentData},
+        {"status 404 with another type",
+         {.status = 404, .contentType = "text/html"},
+         NSURLErrorDomain,
+         NSURLErrorBadServerResponse},
+        {"page in place of JSON",
+         {.body = "<html>", .contentType = "text/html"},
+         NSURLErrorDomain,
+         NSURLErrorCannotDecodeContentData},
         {"broken JSON", {.body = R"({"id": )"}, NSCocoaErrorDomain, NSPropertyListReadCorruptError},
         {"connection cut", {.ending = Behaviour::Ending::Cut}, NSURLErrorDomain, NSURLErrorNetworkConnectionLost},
     };
@@ -231,7 +240,8 @@ TEST_F(ServiceOperationsTest, AnswersOfTheWrongShapeGiveEmptyRecords) {
     expectOneCall(outcome);
     EXPECT_FALSE(outcome.error);
 
-    service().behave("/game/common-assets/", {.body = R"([{"id": 7, "title": "Cup", "surplus": {}}, 3, null, {"id": "x"}])"});
+    service().behave("/game/common-assets/",
+                     {.body = R"([{"id": 7, "title": "Cup", "surplus": {}}, 3, null, {"id": "x"}])"});
     Outcome listed;
     manager().loadGameCommonAssets([&](const std::shared_ptr<AssetList>& assets, const Ref<NSError>&) {
         ++listed.calls;
@@ -246,7 +256,8 @@ TEST_F(ServiceOperationsTest, AnswersOfTheWrongShapeGiveEmptyRecords) {
 TEST_F(ServiceOperationsTest, RequestsAreBuiltByTheRules) {
     FlareboxManager& client = manager();
     NSUserDefaults::standardUserDefaults().setObject(15, "timeoutInterval");
-    const auto request = client.requestWithMethod("POST", "/coupons/", NSDictionary{{"limit", 20}}, NSDictionary{{"Game-UID", "g"}, {"Accept", "text/plain"}});
+    const auto request = client.requestWithMethod("POST", "/coupons/", NSDictionary{{"limit", 20}},
+                                                  NSDictionary{{"Game-UID", "g"}, {"Accept", "text/plain"}});
     EXPECT_EQ(request->URL().absoluteString(), service().baseURL() + "/coupons/");
     EXPECT_EQ(request->timeoutInterval(), 15.0);
     EXPECT_EQ(request->valueForHTTPHeaderField("Accept"), "application/json");

@@ -44,10 +44,11 @@ Ref<Box> box(UIView* parent, const char* name) {
     return view;
 }
 
-Ref<NSLayoutConstraint> bind(UIView& owner, UIView& item, NSLayoutAttribute attribute, NSLayoutRelation relation, UIView* second,
-                             NSLayoutAttribute secondAttribute, CGFloat constant = 0, CGFloat multiplier = 1,
-                             UILayoutPriority priority = UILayoutPriorityRequired) {
-    auto constraint = NSLayoutConstraint::constraintWithItem(item, attribute, relation, second, secondAttribute, multiplier, constant);
+Ref<NSLayoutConstraint> bind(UIView& owner, UIView& item, NSLayoutAttribute attribute, NSLayoutRelation relation,
+                             UIView* second, NSLayoutAttribute secondAttribute, CGFloat constant = 0,
+                             CGFloat multiplier = 1, UILayoutPriority priority = UILayoutPriorityRequired) {
+    auto constraint = NSLayoutConstraint::constraintWithItem(item, attribute, relation, second, secondAttribute,
+                                                             multiplier, constant);
     constraint->setPriority(priority);
     owner.addConstraint(constraint);
     return constraint;
@@ -162,14 +163,21 @@ TEST(Layout, EveryAttributeCountsFromTheCommonAncestor) {
         CGFloat multiplier, constant;
         CGRect frame;
     };
-    // `other` lies at 100, 50 in its container, which lies at 10, 20; the item lies in a container at 200, 100 and is 40 x 30.
+    // `other` lies at 100, 50 in its container, which lies at 10, 20; the item lies in a container at 200, 100 and is
+    // 40 x 30.
     const Case cases[] = {
-        {Left, Left, 1, 0, {{110 - 200, 0}, {40, 30}}},      {Leading, Right, 1, 5, {{110 + 60 + 5 - 200, 0}, {40, 30}}},
-        {Right, Left, 1, 0, {{110 - 40 - 200, 0}, {40, 30}}}, {Trailing, Trailing, 1, 0, {{110 + 60 - 40 - 200, 0}, {40, 30}}},
-        {Top, Top, 1, 0, {{0, 70 - 100}, {40, 30}}},         {Top, Bottom, 1, 8, {{0, 70 + 80 + 8 - 100}, {40, 30}}},
-        {Bottom, Top, 1, 0, {{0, 70 - 30 - 100}, {40, 30}}}, {CenterX, CenterX, 1, 0, {{110 + 30 - 20 - 200, 0}, {40, 30}}},
-        {CenterY, CenterY, 1, 0, {{0, 70 + 40 - 15 - 100}, {40, 30}}}, {CenterX, CenterX, 0.5, 0, {{70 - 20 - 200, 0}, {40, 30}}},
-        {Width, Width, 2, 1, {{0, 0}, {121, 30}}},           {Height, Width, 0.5, 0, {{0, 0}, {40, 30}}},
+        {Left, Left, 1, 0, {{110 - 200, 0}, {40, 30}}},
+        {Leading, Right, 1, 5, {{110 + 60 + 5 - 200, 0}, {40, 30}}},
+        {Right, Left, 1, 0, {{110 - 40 - 200, 0}, {40, 30}}},
+        {Trailing, Trailing, 1, 0, {{110 + 60 - 40 - 200, 0}, {40, 30}}},
+        {Top, Top, 1, 0, {{0, 70 - 100}, {40, 30}}},
+        {Top, Bottom, 1, 8, {{0, 70 + 80 + 8 - 100}, {40, 30}}},
+        {Bottom, Top, 1, 0, {{0, 70 - 30 - 100}, {40, 30}}},
+        {CenterX, CenterX, 1, 0, {{110 + 30 - 20 - 200, 0}, {40, 30}}},
+        {CenterY, CenterY, 1, 0, {{0, 70 + 40 - 15 - 100}, {40, 30}}},
+        {CenterX, CenterX, 0.5, 0, {{70 - 20 - 200, 0}, {40, 30}}},
+        {Width, Width, 2, 1, {{0, 0}, {121, 30}}},
+        {Height, Width, 0.5, 0, {{0, 0}, {40, 30}}},
     };
     for (const Case& each : cases) {
         auto root = make<UIView>();
@@ -185,7 +193,8 @@ TEST(Layout, EveryAttributeCountsFromTheCommonAncestor) {
         item->content = {40, 30};
         bind(*root, *item, each.attribute, Equal, other.get(), each.ofOther, each.constant, each.multiplier);
         root->layoutIfNeeded();
-        const auto name = std::to_string(static_cast<int>(each.attribute)) + " to " + std::to_string(static_cast<int>(each.ofOther));
+        const auto name =
+            std::to_string(static_cast<int>(each.attribute)) + " to " + std::to_string(static_cast<int>(each.ofOther));
         item->setAccessibilityIdentifier(name);
         expectFrame(*item, each.frame.minX(), each.frame.minY(), each.frame.width(), each.frame.height());
         // A frame that is set moves what depends on it.
@@ -194,8 +203,8 @@ TEST(Layout, EveryAttributeCountsFromTheCommonAncestor) {
         root->layoutIfNeeded();
         const bool isSize = each.attribute == Width || each.attribute == Height;
         const bool isVertical = each.attribute == Top || each.attribute == Bottom || each.attribute == CenterY;
-        expectFrame(*item, each.frame.minX() + (isSize || isVertical ? 0 : 10), each.frame.minY() + (isVertical ? 10 : 0), each.frame.width(),
-                    each.frame.height());
+        expectFrame(*item, each.frame.minX() + (isSize || isVertical ? 0 : 10),
+                    each.frame.minY() + (isVertical ? 10 : 0), each.frame.width(), each.frame.height());
     }
 }
 
@@ -224,8 +233,10 @@ TEST(Layout, ContentSizesGiveWayByTheirPriorities) {
         left->setContentCompressionResistancePriority(each.leftResists, UILayoutConstraintAxis::Horizontal);
         bind(*row, *left, Left, Equal, row.get(), Left);
         bind(*row, *right, Left, Equal, left.get(), Right);
-        if (each.row >= 100) bind(*row, *right, Right, Equal, row.get(), Right);
-        else bind(*row, *right, Right, LessThanOrEqual, row.get(), Right, 40);
+        if (each.row >= 100)
+            bind(*row, *right, Right, Equal, row.get(), Right);
+        else
+            bind(*row, *right, Right, LessThanOrEqual, row.get(), Right, 40);
         bind(*row, *left, CenterY, Equal, row.get(), CenterY);
         bind(*row, *right, Top, Equal, row.get(), Top);
         row->layoutIfNeeded();
@@ -294,7 +305,8 @@ TEST(Layout, AContradictionIsNamedLeftOutAndMendedWhenItIsOver) {
     auto left = bind(*root, *other, Left, Equal, root.get(), Left, 40);
     root->layoutIfNeeded();
     std::string message = ::testing::internal::GetCapturedStderr();
-    EXPECT_THAT(message, AllOf(HasSubstr("badge.left == root.left + 40"), HasSubstr("badge.left == card.left + 5"), HasSubstr("left out")));
+    EXPECT_THAT(message, AllOf(HasSubstr("badge.left == root.left + 40"), HasSubstr("badge.left == card.left + 5"),
+                               HasSubstr("left out")));
     EXPECT_NEAR(other->frame().minX(), 15, 1e-9);
     expectFrame(*view, 10, 10, 280, 180);
 
@@ -431,7 +443,9 @@ TEST(Layout, ViewsAreLaidOutOnceWhenSomethingChangedAndNeverOtherwise) {
 TEST(Layout, RandomChangesOfTheTreeLeaveConstraintsMet) {
     for (unsigned seed = 1; seed <= 60; ++seed) {
         std::mt19937 engine(seed);
-        const auto random = [&](std::size_t count) { return std::uniform_int_distribution<std::size_t>(0, count - 1)(engine); };
+        const auto random = [&](std::size_t count) {
+            return std::uniform_int_distribution<std::size_t>(0, count - 1)(engine);
+        };
         const auto length = [&] { return static_cast<CGFloat>(random(100)); };
         auto root = make<UIView>();
         root->setFrame({{}, {500, 500}});
@@ -455,16 +469,22 @@ TEST(Layout, RandomChangesOfTheTreeLeaveConstraintsMet) {
                 case 0:
                     if (!other.isDescendantOfView(view) && view.superview() != &other) placeIn(other, view);
                     break;
-                case 1: view.removeFromSuperview(); break;
+                case 1:
+                    view.removeFromSuperview();
+                    break;
                 case 2:
                     for (const auto& constraint : view.constraints()) constraint->setConstant(length());
                     break;
-                case 3: root->setFrame({{}, {300 + 3 * length(), 500}}); break;
-                default: view.layoutIfNeeded();
+                case 3:
+                    root->setFrame({{}, {300 + 3 * length(), 500}});
+                    break;
+                default:
+                    view.layoutIfNeeded();
             }
         }
         const auto expectMet = [&](const NSLayoutConstraint& constraint) {
-            const CGRect &frame = constraint.firstItem()->frame(), parent = constraint.firstItem()->superview()->frame();
+            const CGRect &frame = constraint.firstItem()->frame(),
+                         parent = constraint.firstItem()->superview()->frame();
             const auto check = [&](NSLayoutAttribute attribute, CGFloat actual, CGFloat expected) {
                 if (constraint.firstAttribute() != attribute) return;
                 EXPECT_NEAR(actual, expected, 1e-6) << constraint.description() << " seed " << seed;

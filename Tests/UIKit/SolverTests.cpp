@@ -47,7 +47,9 @@ std::optional<Misses> missesOf(const std::vector<Rule>& rules, ValueOf valueOf) 
 bool isLess(const Misses& one, const Misses& other) {
     Misses all = one;
     all.insert(other.begin(), other.end());
-    const auto get = [](const Misses& misses, float priority) { return misses.contains(priority) ? misses.at(priority) : 0; };
+    const auto get = [](const Misses& misses, float priority) {
+        return misses.contains(priority) ? misses.at(priority) : 0;
+    };
     for (const auto& [priority, unused] : all) {
         const double difference = get(one, priority) - get(other, priority);
         if (std::abs(difference) > 1e-4) return difference < 0;
@@ -55,7 +57,9 @@ bool isLess(const Misses& one, const Misses& other) {
     return false;
 }
 
-bool areEqual(const Misses& one, const Misses& other) { return !isLess(one, other) && !isLess(other, one); }
+bool areEqual(const Misses& one, const Misses& other) {
+    return !isLess(one, other) && !isLess(other, one);
+}
 
 class Random {
 public:
@@ -86,13 +90,17 @@ TEST(Solver, FindsTheOneSolutionOfRandomEquationsInAnyOrderAndAfterEveryChange) 
         for (int i = 0; i < count; ++i) {
             std::vector<int> row(static_cast<std::size_t>(count));
             row[static_cast<std::size_t>(i)] = random.integer(0, 1) ? 1 : -2;
-            for (int j = 0; j < i; ++j) row[static_cast<std::size_t>(j)] = random.integer(0, 9) < 3 ? random.integer(-1, 1) : 0;
+            for (int j = 0; j < i; ++j)
+                row[static_cast<std::size_t>(j)] = random.integer(0, 9) < 3 ? random.integer(-1, 1) : 0;
             coefficients.push_back(row);
         }
-        for (int i = 0; i < count / 3; ++i) coefficients.push_back(coefficients[static_cast<std::size_t>(random.integer(0, count - 1))]);
+        for (int i = 0; i < count / 3; ++i)
+            coefficients.push_back(coefficients[static_cast<std::size_t>(random.integer(0, count - 1))]);
         random.shuffle(coefficients);
 
-        const auto constantOf = [&](const std::vector<int>& row) { return -std::inner_product(row.begin(), row.end(), solution.begin(), 0.0); };
+        const auto constantOf = [&](const std::vector<int>& row) {
+            return -std::inner_product(row.begin(), row.end(), solution.begin(), 0.0);
+        };
         const auto termsOf = [&](const std::vector<int>& row) {
             std::vector<Term> terms;
             for (std::size_t i = 0; i < row.size(); ++i) {
@@ -104,7 +112,8 @@ TEST(Solver, FindsTheOneSolutionOfRandomEquationsInAnyOrderAndAfterEveryChange) 
         for (const auto& row : coefficients) ids.push_back(solver.add(termsOf(row), constantOf(row), equal));
         const auto expectSolved = [&](const char* when) {
             EXPECT_THAT(solver.solve(), IsEmpty()) << when << ", seed " << seed;
-            for (std::size_t i = 0; i < variables.size(); ++i) EXPECT_NEAR(solver.value(variables[i]), solution[i], 1e-6) << when << ", seed " << seed;
+            for (std::size_t i = 0; i < variables.size(); ++i)
+                EXPECT_NEAR(solver.value(variables[i]), solution[i], 1e-6) << when << ", seed " << seed;
         };
         expectSolved("added");
 
@@ -114,7 +123,8 @@ TEST(Solver, FindsTheOneSolutionOfRandomEquationsInAnyOrderAndAfterEveryChange) 
 
         for (std::size_t i = 0; i < ids.size(); i += 2) solver.remove(ids[i]);
         solver.solve();
-        for (std::size_t i = 0; i < ids.size(); i += 2) ids[i] = solver.add(termsOf(coefficients[i]), constantOf(coefficients[i]), equal);
+        for (std::size_t i = 0; i < ids.size(); i += 2)
+            ids[i] = solver.add(termsOf(coefficients[i]), constantOf(coefficients[i]), equal);
         expectSolved("half removed and added again");
     }
 }
@@ -134,7 +144,8 @@ std::vector<Rule> randomPlaneRules(Random& random, Solver::Variable x, Solver::V
         if (b != 0) rule.terms.push_back({y, static_cast<double>(b)});
         if (rule.terms.empty()) continue;
         rule.constant = random.integer(-150, 150);
-        const float priority = std::array{1.0F, 250.0F, 251.0F, 750.0F, 999.0F}[static_cast<std::size_t>(random.integer(0, 4))];
+        const float priority =
+            std::array{1.0F, 250.0F, 251.0F, 750.0F, 999.0F}[static_cast<std::size_t>(random.integer(0, 4))];
         const int kind = random.integer(0, 2);
         rule.cost = {kind == 0 ? Solver::free : priority, kind == 1 ? Solver::free : priority};
         rules.push_back(rule);
@@ -150,7 +161,8 @@ Misses bestByTrying(const std::vector<Rule>& rules, Solver::Variable x, Solver::
     std::optional<Misses> best;
     for (const Rule& one : rules) {
         for (const Rule& other : rules) {
-            const double a = coefficient(one, x), b = coefficient(one, y), c = coefficient(other, x), d = coefficient(other, y);
+            const double a = coefficient(one, x), b = coefficient(one, y), c = coefficient(other, x),
+                         d = coefficient(other, y);
             const double determinant = a * d - b * c;
             if (std::abs(determinant) < 1e-9) continue;
             const double px = (-one.constant * d + other.constant * b) / determinant;
@@ -195,10 +207,16 @@ TEST(Solver, AnyHistoryOfChangesEndsAsGoodAsAFreshStart) {
             std::vector<Solver::Variable> some = variables;
             random.shuffle(some);
             const int length = random.integer(1, 3);
-            for (int i = 0; i < length; ++i) rule.terms.push_back({some[static_cast<std::size_t>(i)], i == 0 ? 1.0 : random.integer(0, 1) ? -1.0 : -0.5});
+            for (int i = 0; i < length; ++i)
+                rule.terms.push_back({some[static_cast<std::size_t>(i)], i == 0                 ? 1.0
+                                                                         : random.integer(0, 1) ? -1.0
+                                                                                                : -0.5});
             rule.constant = random.integer(-200, 50);
             const float priority = static_cast<float>(random.integer(1, 5) * 200 - 1);
-            rule.cost = std::array<Solver::Cost, 4>{{{priority, priority}, {priority, 0}, {0, priority}, {priority, 1}}}[static_cast<std::size_t>(random.integer(0, 3))];
+            rule.cost = std::array<Solver::Cost, 4>{{{priority, priority},
+                                                     {priority, 0},
+                                                     {0, priority},
+                                                     {priority, 1}}}[static_cast<std::size_t>(random.integer(0, 3))];
             return rule;
         };
         for (int step = 0; step < 60; ++step) {

@@ -98,7 +98,8 @@ TEST(View, HooksTellOfParentAndWindow) {
 
 TEST(View, PointsAreConvertedThroughFramesAndScrolling) {
     auto root = view(nullptr, {{7, 9}, {500, 500}});
-    auto list = view(root.get(), {{100, 50}, {200, 100}}), cell = view(list.get(), {{300, 10}, {40, 40}}), aside = view(root.get(), {{20, 30}, {10, 10}});
+    auto list = view(root.get(), {{100, 50}, {200, 100}}), cell = view(list.get(), {{300, 10}, {40, 40}}),
+         aside = view(root.get(), {{20, 30}, {10, 10}});
     list->setBoundsOrigin({250, 0});
     EXPECT_EQ(cell->convertPointToView({1, 2}, nullptr), (CGPoint{100 + 300 - 250 + 1, 50 + 10 + 2}));
     EXPECT_EQ(cell->convertPointToView({1, 2}, aside.get()), (CGPoint{151 - 20, 62 - 30}));
@@ -116,7 +117,8 @@ TEST(View, PointsAreConvertedThroughFramesAndScrolling) {
 
 TEST(View, TheTopmostViewThatTakesInputIsHit) {
     auto root = view(nullptr, {{}, {100, 100}});
-    auto below = view(root.get(), {{10, 10}, {50, 50}}), above = view(root.get(), {{40, 40}, {50, 50}}), child = view(above.get(), {{30, 30}, {40, 40}});
+    auto below = view(root.get(), {{10, 10}, {50, 50}}), above = view(root.get(), {{40, 40}, {50, 50}}),
+         child = view(above.get(), {{30, 30}, {40, 40}});
     EXPECT_EQ(root->hitTest({15, 15}), below.get());
     EXPECT_EQ(root->hitTest({50, 50}), above.get());
     EXPECT_EQ(root->hitTest({75, 75}), child.get());
@@ -124,7 +126,8 @@ TEST(View, TheTopmostViewThatTakesInputIsHit) {
     EXPECT_EQ(root->hitTest({100, 50}), nullptr);
     above->setBoundsOrigin({20, 20});
     EXPECT_EQ(root->hitTest({55, 55}), child.get());
-    const std::function<void(bool)> switches[] = {[&](bool off) { above->setHidden(off); }, [&](bool off) { above->setAlpha(off ? 0.01 : 1); },
+    const std::function<void(bool)> switches[] = {[&](bool off) { above->setHidden(off); },
+                                                  [&](bool off) { above->setAlpha(off ? 0.01 : 1); },
                                                   [&](bool off) { above->setUserInteractionEnabled(!off); }};
     for (const auto& setOff : switches) {
         setOff(true);
@@ -151,7 +154,10 @@ protected:
     }
     void slideTo(CGFloat x, double duration = 0.3, std::optional<bool>* result = nullptr) {
         UIView::animateWithDuration(
-            duration, [&] { panel_->setFrame({{x, 0}, {200, 100}}); },
+            duration,
+            [&] {
+                panel_->setFrame({{x, 0}, {200, 100}});
+            },
             [result](bool finished) {
                 if (result) *result = finished;
             });
@@ -221,7 +227,8 @@ TEST_F(ViewAnimation, TurnsRoundInTheMiddle) {
 TEST_F(ViewAnimation, LayoutInsideItMovesAndWhatIsNewOrExceptedDoesNot) {
     using enum NSLayoutAttribute;
     panel_->setTranslatesAutoresizingMaskIntoConstraints(false);
-    const auto leading = NSLayoutConstraint::constraintWithItem(*panel_, Leading, NSLayoutRelation::Equal, root_.get(), Leading, 1, -200);
+    const auto leading = NSLayoutConstraint::constraintWithItem(*panel_, Leading, NSLayoutRelation::Equal, root_.get(),
+                                                                Leading, 1, -200);
     root_->addConstraint(leading);
     root_->layoutIfNeeded();
     auto child = view(panel_.get(), {{10, 10}, {20, 20}}), other = view(panel_.get(), {{0, 0}, {20, 20}});
@@ -241,7 +248,8 @@ TEST_F(ViewAnimation, LayoutInsideItMovesAndWhatIsNewOrExceptedDoesNot) {
     pass(0.15);
     EXPECT_NEAR(child->presentationAlpha(), 0.5, 1e-9);
     EXPECT_NEAR(child->presentationRectInRoot().minX(), -90, 1e-6) << "what lies in a moving view moves with it";
-    EXPECT_EQ(child->convertPointToView({}, nullptr), (CGPoint{10, 10})) << "but converting points tells of the final layout";
+    EXPECT_EQ(child->convertPointToView({}, nullptr), (CGPoint{10, 10}))
+        << "but converting points tells of the final layout";
     EXPECT_EQ(root_->hitTest({-95 + 200.0, 5}), root_.get());
     EXPECT_EQ(root_->hitTest({50, 5}), panel_.get());
     pass(0.2);
@@ -250,16 +258,21 @@ TEST_F(ViewAnimation, LayoutInsideItMovesAndWhatIsNewOrExceptedDoesNot) {
 
 TEST_F(ViewAnimation, EndsWithTheViewAndRunsItsCompletionWhateverHappens) {
     std::vector<std::string> ended;
-    const auto note = [&](std::string name) { return [&ended, name](bool finished) { ended.push_back(name + (finished ? " finished" : " cut off")); }; };
-    UIView::animateWithDuration(0.3, [] {}, note("nothing"));
-    UIView::animateWithDuration(0, [&] { panel_->setAlpha(0.5); }, note("at once"));
+    const auto note = [&](std::string name) {
+        return [&ended, name](bool finished) { ended.push_back(name + (finished ? " finished" : " cut off")); };
+    };
+    UIView::animateWithDuration(
+        0.3, [] {}, note("nothing"));
+    UIView::animateWithDuration(
+        0, [&] { panel_->setAlpha(0.5); }, note("at once"));
     UIView::animateWithDuration(-1, nullptr, note("null"));
     EXPECT_EQ(panel_->presentationAlpha(), 0.5);
     EXPECT_THAT(ended, IsEmpty()) << "completions never run within the call";
     pass(0);
     EXPECT_THAT(std::exchange(ended, {}), ElementsAre("nothing finished", "at once finished", "null finished"));
 
-    UIView::animateWithDuration(0.3, [&] { panel_->setAlpha(0); }, note("view died"));
+    UIView::animateWithDuration(
+        0.3, [&] { panel_->setAlpha(0); }, note("view died"));
     pass(0.1);
     panel_->removeFromSuperview();
     panel_ = nullptr;

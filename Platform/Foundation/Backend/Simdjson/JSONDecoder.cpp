@@ -12,7 +12,8 @@ namespace {
 
 namespace dom = simdjson::dom;
 
-// Answers may still be read on a worker thread while the process ends. Used before anything else the parser's tables outlive it.
+// Answers may still be read on a worker thread while the process ends. Used before anything else the parser's tables
+// outlive it.
 [[maybe_unused]] const bool hasParser = [] {
     dom::parser parser;
     return parser.parse("[]", 2).error() == simdjson::SUCCESS;
