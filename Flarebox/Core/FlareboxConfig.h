@@ -34,7 +34,8 @@ public:
     void setGameUID(const NSString& gameUID) { gameUID_ = gameUID; }
     const NSString& gameVersion() const { return gameVersion_; }
     void setGameVersion(const NSString& gameVersion) { gameVersion_ = gameVersion; }
-    /// Observable by its name; a tab that exists is told through its own `showFlareboxButton`.
+    /// Stored for the host, true at first, and observable by its name. Tabs do not follow it: see their own
+    /// `showFlareboxButton`.
     bool showFlareboxButton() const { return showFlareboxButton_; }
     void setShowFlareboxButton(bool show);
     bool initializeOnStart() const { return initializeOnStart_; }

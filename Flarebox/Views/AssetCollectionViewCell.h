@@ -21,7 +21,8 @@ public:
     void showLoading();
     void hideLoading();
 
-    const Ref<FXAssetInfo>& asset() const { return asset_; }
+    /// Null once the asset is gone.
+    Ref<FXAssetInfo> asset() const { return asset_.lock(); }
     UIImageView* imgAsset() const { return imgAsset_.get(); }
     UIActivityIndicatorView* indicator() const { return indicator_.get(); }
 
@@ -32,7 +33,7 @@ private:
 
     Weak<UIImageView> imgAsset_;
     Weak<UIActivityIndicatorView> indicator_;
-    Ref<FXAssetInfo> asset_;
+    Weak<FXAssetInfo> asset_;
     /// The icon wanted now; answers for any other address come too late.
     NSURL iconAddress_;
 };

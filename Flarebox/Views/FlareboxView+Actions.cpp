@@ -58,6 +58,7 @@ void FlareboxView::pressCouponButton() {
 }
 
 void FlareboxView::closeCouponView(CouponView&) {
+    if (!couponView_) return;
     couponView_->setHidden(true);
     assetView_->sendSubviewToBack(*couponView_);
 }

@@ -14,7 +14,8 @@ namespace {
 constexpr const char* trackingMessage =
     "Advertising tracking may be disabled. Please turn off the 'Limit Ad Tracking' from Settings -> Privacy -> "
     "Advertising.";
-constexpr std::size_t longestErrorLine = 48;
+/// Of the tab's width, what an error line may take, and how much smaller its text may become to stay one line.
+constexpr double errorLineShare = 0.8, leastErrorScale = 0.7;
 constexpr const char* requestErrorMessage = "Something went wrong";
 constexpr const char* networkErrorMessage = "You have no internet connection";
 
@@ -170,8 +171,10 @@ void FlareboxView::showErrorMessage(std::string_view message) {
     lbErrorMessage_->setHidden(false);
     lbErrorMessage_->setText(message);
     // What would have to shrink too much to stay readable wraps instead.
-    const bool isLong = message.size() > longestErrorLine;
-    lbErrorMessage_->setNumberOfLines(isLong ? 0 : 1);
+    lbErrorMessage_->setNumberOfLines(1);
+    const double width = lbErrorMessage_->intrinsicContentSize().width;
+    const bool isLong = width * leastErrorScale > getViewSize().width * errorLineShare;
+    if (isLong) lbErrorMessage_->setNumberOfLines(0);
     lbErrorMessage_->setTextAlignment(isLong ? NSTextAlignment::Natural : NSTextAlignment::Center);
 }
 

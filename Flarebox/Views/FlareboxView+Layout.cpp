@@ -71,7 +71,7 @@ void FlareboxView::setupView() {
 void FlareboxView::layoutView() {
     const CGSize size = getViewSize();
     const double unit = size.height / designHeight;
-    // The weights are the layout file's.
+    // The layout file has the weights.
     const auto scaleFont = [unit](UILabel& label, double points) {
         label.setFont(UIFont::systemFontOfSize(points * unit, label.font().weight()));
     };
@@ -133,6 +133,7 @@ void FlareboxView::orientationChangedMethod() {
     setNeedsLayout();
     setNeedsDisplay();
     layoutIfNeeded();
+    showListEnds();
 }
 
 }  // namespace flarebox

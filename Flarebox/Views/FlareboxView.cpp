@@ -125,7 +125,7 @@ void FlareboxView::addCloseGestureAction() {
 }
 
 void FlareboxView::observeValueForKeyPath(std::string_view, NSObject&, const NSKeyValueChange&, void*) {
-    // The configuration's switch tells how a tab starts; one that exists is told through showFlareboxButton.
+    // The configuration's switch is kept for hosts that ask for it; the button obeys showFlareboxButton alone.
 }
 
 void FlareboxView::showAtWindow() {

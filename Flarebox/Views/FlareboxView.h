@@ -74,7 +74,8 @@ public:
     // Data.
     /// Seconds between refreshes; 0 or less for the default. Restarts the countdown.
     void changeRefreshDataTime(std::int32_t seconds);
-    /// Starts a new game session; for hosts that have changed the configured game.
+    /// Starts a new game session; for hosts that have changed the configured game. Nothing happens offline or while a
+    /// load is under way: then the former session stays in use until this is called again.
     void updateWithNewGameUDID() { createGameSession(); }
 
     // What the tab holds, for tools and tests.

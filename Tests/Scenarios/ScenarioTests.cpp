@@ -267,6 +267,12 @@ TEST(PlacementTest, FollowsTheScreenWhenItIsTurned) {
     EXPECT_NEAR(landscape.tabWidth() / landscape.number("views.heightFixedConstraint.constant"), 275.0 / 420, 1e-3);
     EXPECT_NE(landscape.tabWidth(), portrait.tabWidth());
     EXPECT_DOUBLE_EQ(flat.tabWidth(), landscape.tabWidth()) << "a device that lies flat keeps its layout";
+
+    const State end(folder, "end.json"), turned(folder, "turned.json");
+    EXPECT_EQ(end.json("views.rightAssetListShadowView.hidden"), "true");
+    const int last = std::stoi(turned.json("assestsList.#")) - 1, seen = std::stoi(turned.json("cells.#"));
+    ASSERT_LT(turned.number("cells." + std::to_string(seen - 1) + ".row"), last) << "the list does not end here";
+    EXPECT_EQ(turned.json("views.rightAssetListShadowView.hidden"), "false");
 }
 
 TEST(AnswersTest, ListWithoutAssetsIsAskedForAgainByOpening) {

@@ -39,9 +39,11 @@ int libraryWidth(CGFloat width) {
     return pango_units_from_double(std::max(0.0, width) + widthTolerance);
 }
 
-void forbidHyphens(PangoLayout& layout) {
+/// No hyphens at the ends of lines, and no contextual alternates: the system font would turn "->" into an arrow.
+void showTextAsItIs(PangoLayout& layout) {
     PangoAttrList* attributes = pango_attr_list_new();
     pango_attr_list_insert(attributes, pango_attr_insert_hyphens_new(FALSE));
+    pango_attr_list_insert(attributes, pango_attr_font_features_new("calt=0"));
     pango_layout_set_attributes(&layout, attributes);
     pango_attr_list_unref(attributes);
 }
@@ -142,7 +144,7 @@ TextLayout TextLayouts::build(const LayoutKey& key) {
     PangoFontDescription* description = PrivateFonts::newDescription(key.font);
     pango_layout_set_font_description(&layout, description);
     pango_font_description_free(description);
-    forbidHyphens(layout);
+    showTextAsItIs(layout);
     pango_layout_set_wrap(&layout, PANGO_WRAP_WORD_CHAR);
     pango_layout_set_width(&layout, key.width);
     if (key.truncates && key.numberOfLines > 0) {
