@@ -1,0 +1,221 @@
+#include "Playback.h"
+
+#include <Foundation/Clock.h>
+#include <Foundation/NSError.h>
+#include <gst/gst.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "PlaybackFailure.h"
+#include "Playbin.h"
+#include "VideoThread.h"
+
+namespace flarebox {
+namespace {
+
+/// Loads the library. The first time on a machine it looks at all of its plug-ins, which may take a second.
+bool initializeLibrary() {
+    static const bool isInitialized = gst_init_check(nullptr, nullptr, nullptr);
+    return isInitialized;
+}
+
+double now() {
+    return Clock::real().uptime();
+}
+
+bool isMissingPlugin(GstMessage& message) {
+    const GstStructure* structure = gst_message_get_structure(&message);
+    return structure && gst_structure_has_name(structure, "missing-plugin");
+}
+
+bool isOfInterest(GstMessage& message) {
+    switch (GST_MESSAGE_TYPE(&message)) {
+        case GST_MESSAGE_ERROR:
+        case GST_MESSAGE_EOS:
+        case GST_MESSAGE_ASYNC_DONE:
+        case GST_MESSAGE_BUFFERING:
+        case GST_MESSAGE_DURATION_CHANGED:
+        case GST_MESSAGE_CLOCK_LOST:
+        case GST_MESSAGE_LATENCY:
+            return true;
+        default:
+            return false;
+    }
+}
+
+}  // namespace
+
+Playback::Playback(VideoThread& thread, std::shared_ptr<PlaybackBoard> board, std::string url, VideoOptions options)
+    : thread_(thread), board_(std::move(board)), url_(std::move(url)), options_(std::move(options)) {}
+
+Playback::~Playback() = default;
+
+void Playback::open() {
+    thread_.add(shared_from_this());
+    if (initializeLibrary()) playbin_ = makePlaybin(url_, options_, *this);
+    if (!playbin_) return fail({NSURLErrorUnknown, "This machine lacks what is needed for playing videos."});
+    lastProgress_ = now();
+    gst_element_set_state(playbin_, GST_STATE_PAUSED);
+}
+
+void Playback::close() {
+    if (!playbin_) return;
+    destroyPlaybin(*std::exchange(playbin_, nullptr));
+}
+
+void Playback::setPlaying(bool playing) {
+    wantsPlaying_ = playing && !hasEnded_;
+    applyPlaying();
+}
+
+void Playback::setMuted(bool muted) {
+    if (playbin_) g_object_set(playbin_, "mute", gboolean{muted}, nullptr);
+}
+
+void Playback::seek(std::uint64_t number, double seconds) {
+    if (!playbin_) return;
+    const Seek seek{number, seconds};
+    if (isReady_ && !runningSeek_) return startSeek(seek);
+    nextSeek_ = seek;
+    publish();
+}
+
+void Playback::startSeek(const Seek& seek) {
+    const double target = std::clamp(seek.seconds, 0.0, duration_ > 0 ? duration_ : seek.seconds);
+    hasEnded_ = false;
+    runningSeek_ = seek;
+    lastProgress_ = now();
+    ++flushes_;
+    const auto flags = static_cast<GstSeekFlags>(GST_SEEK_FLAG_FLUSH | GST_SEEK_FLAG_ACCURATE);
+    if (!gst_element_seek_simple(playbin_, GST_FORMAT_TIME, flags, static_cast<gint64>(target * GST_SECOND)))
+        return arrived();
+    publish();
+}
+
+bool Playback::isWaiting() const {
+    return playbin_ && (!isReady_ || isBuffering_ || runningSeek_);
+}
+
+void Playback::watch() {
+    if (isWaiting() && now() - lastProgress_ > options_.stallTimeout)
+        fail({NSURLErrorTimedOut, "The server of the video does not answer."});
+}
+
+void Playback::frameArrived(std::shared_ptr<const VideoFrame> frame) {
+    if (!frame) return;
+    lastProgress_ = now();
+    hasFrame_ = true;
+    board_->update([&](VideoState& state) { state.frame = std::move(frame); });
+}
+
+void Playback::bytesArrived() {
+    lastProgress_ = now();
+}
+
+void Playback::tooLarge() {
+    thread_.async([self = shared_from_this()] {
+        self->fail({NSURLErrorCannotDecodeContentData, "The pictures of this video are too large."});
+    });
+}
+
+void Playback::messageArrived(GstMessage* message) {
+    const std::shared_ptr<GstMessage> owned(message, gst_message_unref);
+    if (!isOfInterest(*message) && !isMissingPlugin(*message)) return;
+    thread_.async([self = shared_from_this(), owned, flushes = flushes_.load()] { self->handle(*owned, flushes); });
+}
+
+void Playback::handle(GstMessage& message, unsigned flushes) {
+    if (!playbin_) return;
+    const bool isOld = flushes != flushes_;
+    switch (GST_MESSAGE_TYPE(&message)) {
+        case GST_MESSAGE_ERROR:
+            return fail(failureOfMessage(message));
+        case GST_MESSAGE_EOS:
+            return isOld ? void() : reachedEnd();
+        case GST_MESSAGE_ASYNC_DONE:
+            return isOld ? void() : arrived();
+        case GST_MESSAGE_DURATION_CHANGED:
+            askDuration();
+            return publish();
+        case GST_MESSAGE_BUFFERING: {
+            int percent = 0;
+            gst_message_parse_buffering(&message, &percent);
+            return buffered(percent);
+        }
+        case GST_MESSAGE_CLOCK_LOST:
+            gst_element_set_state(playbin_, GST_STATE_PAUSED);
+            isPlaying_ = false;
+            return applyPlaying();
+        case GST_MESSAGE_LATENCY:
+            gst_bin_recalculate_latency(GST_BIN(playbin_));
+            return;
+        default:
+            // Whether that matters shows when everything else has arrived.
+            return;
+    }
+}
+
+void Playback::arrived() {
+    if (!isReady_) becameReady();
+    if (!playbin_) return;
+    if (runningSeek_) lastSeek_ = std::exchange(runningSeek_, std::nullopt)->number;
+    if (nextSeek_) return startSeek(*std::exchange(nextSeek_, std::nullopt));
+    applyPlaying();
+    publish();
+}
+
+void Playback::becameReady() {
+    if (!hasFrame_) return fail({NSURLErrorCannotDecodeContentData, "This machine cannot show this kind of video."});
+    isReady_ = true;
+    askDuration();
+}
+
+void Playback::askDuration() {
+    gint64 duration = 0;
+    if (gst_element_query_duration(playbin_, GST_FORMAT_TIME, &duration) && duration > 0)
+        duration_ = static_cast<double>(duration) / GST_SECOND;
+}
+
+void Playback::reachedEnd() {
+    if (runningSeek_ || nextSeek_) return;
+    hasEnded_ = true;
+    wantsPlaying_ = false;
+    applyPlaying();
+    publish();
+}
+
+void Playback::buffered(int percent) {
+    if (percent != bufferedPercent_) lastProgress_ = now();
+    bufferedPercent_ = percent;
+    isBuffering_ = percent < 100;
+    applyPlaying();
+    publish();
+}
+
+void Playback::applyPlaying() {
+    const bool plays = wantsPlaying_ && isReady_ && !isBuffering_;
+    if (!playbin_ || plays == isPlaying_) return;
+    isPlaying_ = plays;
+    gst_element_set_state(playbin_, plays ? GST_STATE_PLAYING : GST_STATE_PAUSED);
+}
+
+void Playback::publish() {
+    board_->update([this](VideoState& state) {
+        state.duration = duration_;
+        state.isReady = isReady_;
+        state.isWaiting = isWaiting();
+        state.hasEnded = hasEnded_;
+        state.lastSeek = lastSeek_;
+    });
+}
+
+void Playback::fail(const VideoFailure& failure) {
+    close();
+    board_->update([&](VideoState& state) {
+        state.isWaiting = false;
+        if (!state.failure) state.failure = failure;
+    });
+}
+
+}  // namespace flarebox

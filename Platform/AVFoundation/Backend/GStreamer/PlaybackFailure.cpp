@@ -1,0 +1,54 @@
+#include "PlaybackFailure.h"
+
+#include <gst/gst.h>
+
+#include <memory>
+#include <string>
+
+namespace flarebox {
+namespace {
+
+VideoFailure failureOfStatus(unsigned status) {
+    if (status == 404 || status == 410) return {NSURLErrorBadServerResponse, "The video does not exist any more."};
+    return {NSURLErrorBadServerResponse, "The server refused the video (" + std::to_string(status) + ")."};
+}
+
+unsigned httpStatusOf(GstMessage& message) {
+    const GstStructure* details = nullptr;
+    gst_message_parse_error_details(&message, &details);
+    guint status = 0;
+    if (details) gst_structure_get_uint(details, "http-status-code", &status);
+    return status;
+}
+
+VideoFailure failureOfResource(int code, unsigned status) {
+    // The library makes numbers below 100 up for what happens before an answer.
+    if (status >= 300) return failureOfStatus(status);
+    switch (code) {
+        case GST_RESOURCE_ERROR_NOT_FOUND:
+            return {NSURLErrorCannotFindHost, "The server of the video could not be found."};
+        case GST_RESOURCE_ERROR_OPEN_READ:
+            return {NSURLErrorCannotConnectToHost, "The server of the video cannot be reached."};
+        case GST_RESOURCE_ERROR_NOT_AUTHORIZED:
+            return {NSURLErrorBadServerResponse, "The server refused the video."};
+        default:
+            return {NSURLErrorNetworkConnectionLost, "The connection was lost while the video was loading."};
+    }
+}
+
+}  // namespace
+
+VideoFailure failureOfMessage(GstMessage& message) {
+    GError* parsed = nullptr;
+    gst_message_parse_error(&message, &parsed, nullptr);
+    const std::unique_ptr<GError, decltype(&g_error_free)> error(parsed, g_error_free);
+    if (!error) return notAVideo();
+    if (error->domain == GST_RESOURCE_ERROR) return failureOfResource(error->code, httpStatusOf(message));
+    if (error->domain == GST_STREAM_ERROR && error->code == GST_STREAM_ERROR_CODEC_NOT_FOUND)
+        return {NSURLErrorCannotDecodeContentData, "This machine lacks the decoder for this video."};
+    if (error->domain == GST_CORE_ERROR && error->code == GST_CORE_ERROR_MISSING_PLUGIN)
+        return {NSURLErrorCannotDecodeContentData, "This machine lacks the decoder for this video."};
+    return notAVideo();
+}
+
+}  // namespace flarebox

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <condition_variable>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+namespace flarebox {
+
+class Playback;
+
+/// The thread that owns every playback, so that nobody else waits while one is opened, changed or closed.
+class VideoThread {
+public:
+    using Work = std::function<void()>;
+
+    /// The shared one, started if need be; Shutdown::run() joins it. Main thread.
+    static std::shared_ptr<VideoThread> shared();
+
+    VideoThread();
+    ~VideoThread();
+    VideoThread(const VideoThread&) = delete;
+    VideoThread& operator=(const VideoThread&) = delete;
+
+    /// Any thread. After `stop` the work is dropped.
+    void async(Work work);
+    /// Closes every playback and joins the thread. Main thread.
+    void stop();
+
+    // On the thread itself.
+    /// Keeps the playback and has it look at the time now and then, until it is removed.
+    void add(std::shared_ptr<Playback> playback);
+    void remove(const std::shared_ptr<Playback>& playback);
+
+private:
+    void run();
+    bool hasWaitingPlayback() const;
+    void watchPlaybacks();
+
+    std::mutex mutex_;
+    std::condition_variable changed_;
+    std::deque<Work> pending_;
+    bool stopping_ = false;
+    /// Of the thread itself.
+    std::vector<std::shared_ptr<Playback>> playbacks_;
+    std::thread thread_;
+};
+
+}  // namespace flarebox
