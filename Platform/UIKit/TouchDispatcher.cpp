@@ -118,7 +118,10 @@ InputResult TouchDispatcher::up(int pointer, CGPoint point) {
     auto node = tracks_.extract(pointer);
     if (node.empty() || !node.mapped()) return InputResult::Ignored;
     end(*node.mapped(), false, point);
-    if (pointer == mousePointer && hoverPoint_) hovered(point);
+    if (pointer == mousePointer && hoverPoint_) {
+        hoverPoint_ = point;
+        refreshHover();
+    }
     return InputResult::Consumed;
 }
 
@@ -146,7 +149,7 @@ void TouchDispatcher::end(Track& track, bool isCancelled, CGPoint point) {
 }
 
 InputResult TouchDispatcher::hovered(CGPoint point) {
-    hoverPoint_ = point;
+    const bool hasMoved = std::exchange(hoverPoint_, point) != point;
     // While a button is held the pointer stays with what it was pressed on.
     if (const auto held = tracks_.find(mousePointer); held != tracks_.end()) {
         return held->second ? InputResult::Consumed : InputResult::Ignored;
@@ -156,6 +159,7 @@ InputResult TouchDispatcher::hovered(CGPoint point) {
         views.emplace_back(view);
     const bool isOver = !views.empty();
     hoverOver(std::move(views));
+    if (hasMoved) tellMoved();
     return isOver ? InputResult::Consumed : InputResult::Ignored;
 }
 
@@ -178,6 +182,13 @@ void TouchDispatcher::hoverOver(std::vector<Weak<UIView>> views) {
     for (const Weak<UIView>& each : views) {
         const Ref<UIView> view = each.lock();
         if (view && !holds(former, view.get())) view->pointerEntered();
+    }
+}
+
+void TouchDispatcher::tellMoved() {
+    const auto views = hovered_;
+    for (const Weak<UIView>& each : views) {
+        if (const Ref<UIView> view = each.lock()) view->pointerMoved();
     }
 }
 

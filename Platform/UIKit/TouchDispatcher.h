@@ -41,6 +41,7 @@ private:
     TrackRef begin(int pointer, CGPoint point, UIView& view);
     void end(Track& track, bool isCancelled, CGPoint point);
     void hoverOver(std::vector<Weak<UIView>> views);
+    void tellMoved();
 
     UIWindow& window_;
     /// Null for a touch that is the game's.

@@ -161,6 +161,8 @@ public:
     /// The pointer rests or moves over the view (null touch state), or has left it.
     virtual void pointerEntered() {}
     virtual void pointerExited() {}
+    /// The pointer moved over the view or one below it, with no button pressed.
+    virtual void pointerMoved() {}
     void addGestureRecognizer(const Ref<UIGestureRecognizer>& recognizer);
     std::span<const Ref<UIGestureRecognizer>> gestureRecognizers() const { return gestureRecognizers_; }
 

@@ -8,8 +8,8 @@ typedef struct _GstSample GstSample;
 
 namespace flarebox {
 
-/// The picture of a sample of BGRA pixels, without a copy: the sample, which this takes over, lives as long as the
-/// frame. Null when it holds no such picture. Any thread.
-std::shared_ptr<const VideoFrame> frameOfSample(GstSample* sample);
+/// The picture of a sample of BGRA pixels, without a copy: its buffer lives as long as the frame, the sample itself may
+/// be used again. Null when it holds no such picture. Any thread.
+std::shared_ptr<const VideoFrame> frameOfSample(GstSample& sample);
 
 }  // namespace flarebox

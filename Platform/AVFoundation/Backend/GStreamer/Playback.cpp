@@ -75,22 +75,34 @@ void Playback::setMuted(bool muted) {
 
 void Playback::seek(std::uint64_t number, double seconds) {
     if (!playbin_) return;
-    const Seek seek{number, seconds};
+    const Seek seek{.number = number, .seconds = seconds};
     if (isReady_ && !runningSeek_) return startSeek(seek);
     nextSeek_ = seek;
     publish();
 }
 
 void Playback::startSeek(const Seek& seek) {
-    const double target = std::clamp(seek.seconds, 0.0, duration_ > 0 ? duration_ : seek.seconds);
     hasEnded_ = false;
     runningSeek_ = seek;
+    runningSeek_->seconds = std::clamp(seek.seconds, 0.0, duration_ > 0 ? duration_ : seek.seconds);
+    if (!carryOutSeek()) return arrived();
+    publish();
+}
+
+bool Playback::carryOutSeek() {
     lastProgress_ = now();
     ++flushes_;
+    hasFrame_ = false;
     const auto flags = static_cast<GstSeekFlags>(GST_SEEK_FLAG_FLUSH | GST_SEEK_FLAG_ACCURATE);
-    if (!gst_element_seek_simple(playbin_, GST_FORMAT_TIME, flags, static_cast<gint64>(target * GST_SECOND)))
-        return arrived();
-    publish();
+    const auto target = static_cast<gint64>(runningSeek_->seconds * GST_SECOND);
+    return gst_element_seek_simple(playbin_, GST_FORMAT_TIME, flags, target);
+}
+
+bool Playback::seekFurtherBack() {
+    if (!runningSeek_ || nextSeek_ || hasFrame_ || !(runningSeek_->seconds > 0)) return false;
+    runningSeek_->seconds = std::max(0.0, runningSeek_->seconds - runningSeek_->stepBack);
+    runningSeek_->stepBack *= 4;
+    return carryOutSeek();
 }
 
 bool Playback::isWaiting() const {
@@ -158,7 +170,7 @@ void Playback::handle(GstMessage& message, unsigned flushes) {
 
 void Playback::arrived() {
     if (!isReady_) becameReady();
-    if (!playbin_) return;
+    if (!playbin_ || seekFurtherBack()) return;
     if (runningSeek_) lastSeek_ = std::exchange(runningSeek_, std::nullopt)->number;
     if (nextSeek_) return startSeek(*std::exchange(nextSeek_, std::nullopt));
     applyPlaying();

@@ -51,6 +51,8 @@ private:
     struct Seek {
         std::uint64_t number = 0;
         double seconds = 0;
+        /// By how much to seek earlier where there is no picture.
+        double stepBack = 0.1;
     };
 
     void handle(GstMessage& message, unsigned flushes);
@@ -58,6 +60,9 @@ private:
     void arrived();
     void becameReady();
     void startSeek(const Seek& seek);
+    bool carryOutSeek();
+    /// Where a seek has found no picture, at the very end or where only the sound goes on. Whether it did.
+    bool seekFurtherBack();
     void reachedEnd();
     void buffered(int percent);
     void fail(const VideoFailure& failure);
@@ -81,6 +86,7 @@ private:
 
     // Shared with threads of the library.
     std::atomic<double> lastProgress_ = 0;
+    /// Since the last seek.
     std::atomic<bool> hasFrame_ = false;
     /// How many seeks have thrown away what was on its way; tells a message from before a seek from one after it.
     std::atomic<unsigned> flushes_ = 0;

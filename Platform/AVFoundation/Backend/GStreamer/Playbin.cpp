@@ -44,14 +44,19 @@ GstBusSyncReply messagePosted(GstBus*, GstMessage* message, gpointer playback) {
     return GST_BUS_DROP;
 }
 
-GstFlowReturn prerollArrived(GstAppSink* sink, gpointer playback) {
-    if (GstSample* sample = gst_app_sink_pull_preroll(sink)) playbackOf(playback).frameArrived(frameOfSample(sample));
+GstFlowReturn handOver(GstSample* sample, gpointer playback) {
+    if (!sample) return GST_FLOW_OK;
+    playbackOf(playback).frameArrived(frameOfSample(*sample));
+    gst_sample_unref(sample);
     return GST_FLOW_OK;
 }
 
+GstFlowReturn prerollArrived(GstAppSink* sink, gpointer playback) {
+    return handOver(gst_app_sink_pull_preroll(sink), playback);
+}
+
 GstFlowReturn sampleArrived(GstAppSink* sink, gpointer playback) {
-    if (GstSample* sample = gst_app_sink_pull_sample(sink)) playbackOf(playback).frameArrived(frameOfSample(sample));
-    return GST_FLOW_OK;
+    return handOver(gst_app_sink_pull_sample(sink), playback);
 }
 
 GstElement* makePictureSink(Playback& playback) {

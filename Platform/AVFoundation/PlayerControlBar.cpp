@@ -1,0 +1,128 @@
+#include <AVFoundation/AVPlayer.h>
+#include <AVFoundation/PlayerControlBar.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cmath>
+#include <cstdint>
+#include <cstdio>
+#include <limits>
+
+namespace flarebox {
+namespace {
+
+constexpr UIColor barColor = UIColor::rgb(0x13151A, 0.82F), hairlineColor = UIColor::rgb(0xFFFFFF, 0.08F),
+                  textColor = UIColor::rgb(0xF4F6F8), disabledColor = UIColor::rgb(0x6B727D);
+constexpr CGFloat margin = 8, buttonWidth = 40, spacing = 8, textSize = 13, iconSize = 20;
+/// Longer ones are not told apart any more.
+constexpr double longestTime = 359999;
+constexpr const char* unknownTime = "–:––";
+
+TextStyle timeStyle() {
+    return {.font = UIFont::systemFontOfSize(textSize, UIFontWeight::Medium), .color = textColor};
+}
+
+CGFloat widthOf(const std::string& time) {
+    return std::ceil(measureText(time, timeStyle(), std::numeric_limits<CGFloat>::infinity()).width) + 3;
+}
+
+std::string withZeroes(std::string time) {
+    std::ranges::replace_if(
+        time, [](unsigned char c) { return std::isdigit(c) != 0; }, '0');
+    return time;
+}
+
+}  // namespace
+
+std::string playbackTimeText(double seconds) {
+    const double limited = seconds > 0 ? std::min(seconds, longestTime) : 0;
+    const auto whole = static_cast<int>(std::floor(limited + 1e-6));
+    char text[16];
+    if (whole >= 3600)
+        std::snprintf(text, sizeof text, "%d:%02d:%02d", whole / 3600, whole / 60 % 60, whole % 60);
+    else
+        std::snprintf(text, sizeof text, "%d:%02d", whole / 60, whole % 60);
+    return text;
+}
+
+const ClassInfo& PlayerControlBar::staticClass() {
+    static const ClassInfo info("PlayerControlBar", &UIView::staticClass(), createObject<PlayerControlBar>);
+    return info;
+}
+
+PlayerControlBar::PlayerControlBar()
+    : play_(makeButton("play", "play", "pause")),
+      mute_(makeButton("mute", "sound", "mute")),
+      elapsed_(makeLabel("elapsed", NSTextAlignment::Right)),
+      remaining_(makeLabel("remaining", NSTextAlignment::Left)),
+      scrubber_(make<PlayerScrubber>()),
+      hairline_(make<UIView>()) {
+    setBackgroundColor(barColor);
+    scrubber_->setAccessibilityIdentifier("player.scrubber");
+    addSubview(*scrubber_);
+    hairline_->setBackgroundColor(hairlineColor);
+    hairline_->setUserInteractionEnabled(false);
+    addSubview(*hairline_);
+    showTimes(0, 0);
+}
+
+Ref<UIButton> PlayerControlBar::makeButton(const char* name, const char* icon, const char* selectedIcon) {
+    auto button = make<UIButton>();
+    button->setAccessibilityIdentifier(std::string("player.") + name);
+    button->setIcon(VectorIcon::named(icon));
+    button->setIcon(VectorIcon::named(selectedIcon), UIControlState::Selected);
+    button->setIconSize(iconSize);
+    button->setTintColor(textColor);
+    button->setTintColor(disabledColor, UIControlState::Disabled);
+    button->layer().setCornerRadius(8);
+    addSubview(*button);
+    return button;
+}
+
+Ref<UILabel> PlayerControlBar::makeLabel(const char* name, NSTextAlignment alignment) {
+    auto label = make<UILabel>();
+    label->setAccessibilityIdentifier(std::string("player.") + name);
+    label->setFont(timeStyle().font);
+    label->setTextColor(textColor);
+    label->setTextAlignment(alignment);
+    addSubview(*label);
+    return label;
+}
+
+void PlayerControlBar::show(const AVPlayer& player) {
+    const bool isUsable = player.error() == nullptr;
+    play_->setEnabled(isUsable);
+    mute_->setEnabled(isUsable);
+    play_->setSelected(player.rate() > 0);
+    mute_->setSelected(player.isMuted());
+    scrubber_->setEnabled(isUsable && player.duration() > 0);
+    showTimes(player.currentTime(), player.duration());
+}
+
+void PlayerControlBar::showTimes(double time, double duration) {
+    const bool isKnown = duration > 0;
+    // Of whole seconds, so that both together come to the duration.
+    const double left = std::floor(duration) - std::floor(time);
+    elapsed_->setText(isKnown || time > 0 ? playbackTimeText(time) : unknownTime);
+    remaining_->setText(isKnown ? "−" + playbackTimeText(left) : unknownTime);
+    scrubber_->setPosition(isKnown ? time / duration : 0);
+    std::string widest = withZeroes(playbackTimeText(std::max(duration + 1, time)));
+    if (widest == widestTime_) return;
+    widestTime_ = std::move(widest);
+    setNeedsLayout();
+}
+
+void PlayerControlBar::layoutSubviews() {
+    UIView::layoutSubviews();
+    const CGFloat width = bounds().width(), height = bounds().height();
+    const CGFloat elapsedWidth = widthOf(widestTime_), remainingWidth = widthOf("−" + widestTime_);
+    play_->setFrame(CGRectMake(margin, 0, buttonWidth, height));
+    mute_->setFrame(CGRectMake(width - margin - buttonWidth, 0, buttonWidth, height));
+    elapsed_->setFrame(CGRectMake(play_->frame().maxX() + spacing / 2, 0, elapsedWidth, height));
+    remaining_->setFrame(CGRectMake(mute_->frame().minX() - spacing / 2 - remainingWidth, 0, remainingWidth, height));
+    const CGFloat left = elapsed_->frame().maxX() + spacing, right = remaining_->frame().minX() - spacing;
+    scrubber_->setFrame(CGRectMake(left, 0, std::max(0.0, right - left), height));
+    hairline_->setFrame(CGRectMake(0, 0, width, 1));
+}
+
+}  // namespace flarebox
