@@ -60,6 +60,15 @@ inline ScriptedServer::Script serving(std::string file, bool hasRanges = true) {
         });
 }
 
+/// How much longer everything may take than in a plain build.
+inline double slowness() {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    return 10;
+#else
+    return 1;
+#endif
+}
+
 /// A window of 320 x 240 points without a display, and players without sound.
 class VideoTest : public ::testing::Test {
 protected:

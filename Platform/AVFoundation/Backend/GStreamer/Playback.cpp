@@ -24,10 +24,8 @@ double now() {
     return Clock::real().uptime();
 }
 
-bool isMissingPlugin(GstMessage& message) {
-    const GstStructure* structure = gst_message_get_structure(&message);
-    return structure && gst_structure_has_name(structure, "missing-plugin");
-}
+/// Seconds that the library gets to make something of a file that has arrived as a whole.
+constexpr double longestThought = 5;
 
 bool isOfInterest(GstMessage& message) {
     switch (GST_MESSAGE_TYPE(&message)) {
@@ -110,8 +108,10 @@ bool Playback::isWaiting() const {
 }
 
 void Playback::watch() {
-    if (isWaiting() && now() - lastProgress_ > options_.stallTimeout)
-        fail({NSURLErrorTimedOut, "The server of the video does not answer."});
+    if (!isWaiting()) return;
+    const double waited = now() - lastProgress_;
+    if (hasArrived_ && waited > std::min(longestThought, options_.stallTimeout)) return fail(notAVideo());
+    if (waited > options_.stallTimeout) fail({NSURLErrorTimedOut, "The server of the video does not answer."});
 }
 
 void Playback::frameArrived(std::shared_ptr<const VideoFrame> frame) {
@@ -123,6 +123,11 @@ void Playback::frameArrived(std::shared_ptr<const VideoFrame> frame) {
 
 void Playback::bytesArrived() {
     lastProgress_ = now();
+    hasArrived_ = false;
+}
+
+void Playback::bytesEnded() {
+    hasArrived_ = true;
 }
 
 void Playback::tooLarge() {
@@ -142,7 +147,7 @@ void Playback::handle(GstMessage& message, unsigned flushes) {
     const bool isOld = flushes != flushes_;
     switch (GST_MESSAGE_TYPE(&message)) {
         case GST_MESSAGE_ERROR:
-            return fail(failureOfMessage(message));
+            return fail(failureOfMessage(message, lacksDecoder_));
         case GST_MESSAGE_EOS:
             return isOld ? void() : reachedEnd();
         case GST_MESSAGE_ASYNC_DONE:
@@ -164,6 +169,7 @@ void Playback::handle(GstMessage& message, unsigned flushes) {
             return;
         default:
             // Whether that matters shows when everything else has arrived.
+            lacksDecoder_ = lacksDecoder_ || isAboutMedia(message);
             return;
     }
 }

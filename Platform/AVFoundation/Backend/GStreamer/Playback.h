@@ -43,6 +43,8 @@ public:
     /// Null for one that cannot be shown.
     void frameArrived(std::shared_ptr<const VideoFrame> frame);
     void bytesArrived();
+    /// The server has sent all that it was asked for.
+    void bytesEnded();
     /// Takes the message over.
     void messageArrived(GstMessage* message);
     void tooLarge();
@@ -77,7 +79,8 @@ private:
     const VideoOptions options_;
 
     GstElement* playbin_ = nullptr;
-    bool wantsPlaying_ = false, isPlaying_ = false, isReady_ = false, isBuffering_ = false, hasEnded_ = false;
+    bool wantsPlaying_ = false, isPlaying_ = false, isReady_ = false, isBuffering_ = false, hasEnded_ = false,
+         lacksDecoder_ = false;
     double duration_ = 0;
     std::uint64_t lastSeek_ = 0;
     /// Under way, and what is to follow it.
@@ -86,6 +89,7 @@ private:
 
     // Shared with threads of the library.
     std::atomic<double> lastProgress_ = 0;
+    std::atomic<bool> hasArrived_ = false;
     /// Since the last seek.
     std::atomic<bool> hasFrame_ = false;
     /// How many seeks have thrown away what was on its way; tells a message from before a seek from one after it.

@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 
 namespace flarebox {
 namespace {
@@ -36,17 +37,35 @@ VideoFailure failureOfResource(int code, unsigned status) {
     }
 }
 
+bool saysThatDecoderIsMissing(const GError& error) {
+    if (error.domain == GST_STREAM_ERROR) return error.code == GST_STREAM_ERROR_CODEC_NOT_FOUND;
+    return error.domain == GST_CORE_ERROR && error.code == GST_CORE_ERROR_MISSING_PLUGIN;
+}
+
 }  // namespace
 
-VideoFailure failureOfMessage(GstMessage& message) {
+bool isMissingPlugin(GstMessage& message) {
+    const GstStructure* structure = gst_message_get_structure(&message);
+    return structure && gst_structure_has_name(structure, "missing-plugin");
+}
+
+bool isAboutMedia(GstMessage& missingPlugin) {
+    GstCaps* caps = nullptr;
+    if (!gst_structure_get(gst_message_get_structure(&missingPlugin), "detail", GST_TYPE_CAPS, &caps, nullptr) || !caps)
+        return false;
+    const std::unique_ptr<GstCaps, decltype(&gst_caps_unref)> owned(caps, gst_caps_unref);
+    if (gst_caps_get_size(caps) == 0) return false;
+    const std::string_view kind = gst_structure_get_name(gst_caps_get_structure(caps, 0));
+    return kind.starts_with("video/") || kind.starts_with("audio/");
+}
+
+VideoFailure failureOfMessage(GstMessage& message, bool lacksDecoder) {
     GError* parsed = nullptr;
     gst_message_parse_error(&message, &parsed, nullptr);
     const std::unique_ptr<GError, decltype(&g_error_free)> error(parsed, g_error_free);
     if (!error) return notAVideo();
     if (error->domain == GST_RESOURCE_ERROR) return failureOfResource(error->code, httpStatusOf(message));
-    if (error->domain == GST_STREAM_ERROR && error->code == GST_STREAM_ERROR_CODEC_NOT_FOUND)
-        return {NSURLErrorCannotDecodeContentData, "This machine lacks the decoder for this video."};
-    if (error->domain == GST_CORE_ERROR && error->code == GST_CORE_ERROR_MISSING_PLUGIN)
+    if (lacksDecoder && saysThatDecoderIsMissing(*error))
         return {NSURLErrorCannotDecodeContentData, "This machine lacks the decoder for this video."};
     return notAVideo();
 }

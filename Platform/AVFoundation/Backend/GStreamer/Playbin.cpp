@@ -75,8 +75,11 @@ GstElement* makePictureSink(Playback& playback) {
     return sink;
 }
 
-GstPadProbeReturn bytesPassed(GstPad*, GstPadProbeInfo*, gpointer playback) {
-    playbackOf(playback).bytesArrived();
+GstPadProbeReturn bytesPassed(GstPad*, GstPadProbeInfo* info, gpointer playback) {
+    if (info->type & GST_PAD_PROBE_TYPE_BUFFER)
+        playbackOf(playback).bytesArrived();
+    else if (GST_EVENT_TYPE(gst_pad_probe_info_get_event(info)) == GST_EVENT_EOS)
+        playbackOf(playback).bytesEnded();
     return GST_PAD_PROBE_OK;
 }
 
@@ -96,7 +99,8 @@ void sourceMade(GstElement*, GstElement* source, gpointer data) {
     const std::string& authorities = playback.options().certificateAuthorityFile;
     if (!authorities.empty()) setIfKnown(source, "ssl-ca-file", authorities.c_str());
     if (GstPad* pad = gst_element_get_static_pad(source, "src")) {
-        gst_pad_add_probe(pad, GST_PAD_PROBE_TYPE_BUFFER, bytesPassed, &playback, nullptr);
+        const int watched = GST_PAD_PROBE_TYPE_BUFFER | GST_PAD_PROBE_TYPE_EVENT_DOWNSTREAM;
+        gst_pad_add_probe(pad, static_cast<GstPadProbeType>(watched), bytesPassed, &playback, nullptr);
         gst_object_unref(pad);
     }
 }
