@@ -87,6 +87,8 @@ void AVPlayer::seekToTime(double seconds) {
     soughtTime_ = std::max(seconds, 0.0);
     endIsKnown_ = false;
     pipeline_->seek(++lastSeek_, soughtTime_);
+    // It may have come to its end, and stopped there, without this being known here yet.
+    pipeline_->setPlaying(rate_ > 0);
     countActivity();
     tellObservers();
 }

@@ -62,6 +62,24 @@ TEST(PlaybackTime, IsReadable) {
         EXPECT_EQ(playbackTimeText(c.seconds), c.text) << c.seconds;
 }
 
+#ifndef FLAREBOX_VIDEO
+class PlayerControlsWithoutVideo : public PlayerControls {
+    void SetUp() override {}
+};
+
+TEST_F(PlayerControlsWithoutVideo, SayThatThereIsNone) {
+    const Ref<AVPlayer> player = AVPlayer::playerWithURL(NSURL::URLWithString("http://127.0.0.1:1/video.mp4"));
+    ASSERT_NE(player->error(), nullptr);
+    present(player);
+    player->play();
+    player->seekToTime(1);
+    frame();
+    EXPECT_EQ(player->rate(), 0);
+    EXPECT_EQ(view().reasonLabel().text(), "This build cannot play videos.");
+    EXPECT_TRUE(view().reasonLabel().isVisibleInWindow());
+}
+#endif
+
 TEST_F(PlayerControls, StandWhereTheyBelong) {
     presentVideo();
     for (const CGSize size : {CGSize{375, 667}, CGSize{1366, 1024}, CGSize{320, 200}}) {

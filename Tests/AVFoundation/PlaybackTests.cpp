@@ -149,6 +149,20 @@ TEST_F(Playback, ManyJumpsComeToTheLast) {
     EXPECT_TRUE(until([&] { return shownColor() == 'b'; }));
 }
 
+TEST_F(Playback, PlaysOnAfterAJumpFromAnEndThatNobodyHasSeen) {
+    const Ref<AVPlayer> player = readyPlayer();
+    const EndListener listener(player);
+    player->seekToTime(2.8);
+    player->play();
+    ASSERT_TRUE(until([&] { return player->timeControlStatus() == AVPlayerTimeControlStatus::Playing; }));
+    // The end comes meanwhile, and the main queue does not run.
+    std::this_thread::sleep_for(std::chrono::seconds(1));
+    player->seekToTime(1.2);
+    ASSERT_TRUE(until([&] { return player->currentTime() > 1.4 && shownColor() == 'g'; }));
+    EXPECT_EQ(player->rate(), 1);
+    EXPECT_EQ(listener.count, 0);
+}
+
 TEST_F(Playback, TakesCommandsBeforeItHasLoaded) {
     server.emplace(serving(media("colors.mp4")));
     const Ref<AVPlayer> player = playerOf(*server);

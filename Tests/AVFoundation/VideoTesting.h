@@ -78,6 +78,9 @@ protected:
         AVPlayer::setSettings(settings);
     }
     ~VideoTest() override { AVPlayer::setSettings({}); }
+    void SetUp() override {
+        if (!VideoPipeline::isSupported()) GTEST_SKIP() << "This build cannot play videos.";
+    }
 
     UIWindow& window() { return *UIApplication::sharedApplication().keyWindow(); }
 

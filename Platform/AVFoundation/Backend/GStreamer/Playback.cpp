@@ -68,7 +68,7 @@ void Playback::setPlaying(bool playing) {
 }
 
 void Playback::setMuted(bool muted) {
-    if (playbin_) g_object_set(playbin_, "mute", gboolean{muted}, nullptr);
+    if (playbin_) flarebox::setMuted(*playbin_, muted);
 }
 
 void Playback::seek(std::uint64_t number, double seconds) {

@@ -22,7 +22,7 @@ constexpr int largestSide = 4096;
 constexpr guint64 loadedAhead = 16 << 20;
 
 // The library's player has these as plain numbers.
-constexpr int playVideo = 1, playAudio = 2, softwareVolume = 0x10, downloadAhead = 0x80;
+constexpr int playVideo = 1, playAudio = 2, downloadAhead = 0x80;
 constexpr int tryFactory = 0, skipFactory = 2;
 
 Playback& playbackOf(gpointer data) {
@@ -161,15 +161,27 @@ GstElement* makePlaybin(const std::string& url, const VideoOptions& options, Pla
         return nullptr;
     }
     gst_object_ref_sink(playbin);
-    const int audio = options.hasSound ? playAudio | softwareVolume : 0;
+    const int audio = options.hasSound ? playAudio : 0;
     g_object_set(playbin, "uri", url.c_str(), "flags", playVideo | audio | downloadAhead, "video-sink", pictures,
-                 "mute", gboolean{options.isMuted}, nullptr);
+                 nullptr);
+    // The player's own volume is not given back with it.
+    if (GstElement* volume = options.hasSound ? gst_element_factory_make("volume", nullptr) : nullptr)
+        g_object_set(playbin, "audio-filter", volume, nullptr);
+    setMuted(*playbin, options.isMuted);
     g_signal_connect(playbin, "source-setup", G_CALLBACK(sourceMade), &playback);
     g_signal_connect(playbin, "element-setup", G_CALLBACK(elementMade), &playback);
     GstBus* bus = gst_element_get_bus(playbin);
     gst_bus_set_sync_handler(bus, messagePosted, &playback, nullptr);
     gst_object_unref(bus);
     return playbin;
+}
+
+void setMuted(GstElement& playbin, bool muted) {
+    GstElement* volume = nullptr;
+    g_object_get(&playbin, "audio-filter", &volume, nullptr);
+    if (!volume) return;
+    g_object_set(volume, "mute", gboolean{muted}, nullptr);
+    gst_object_unref(volume);
 }
 
 void destroyPlaybin(GstElement& playbin) {

@@ -14,6 +14,8 @@ class Playback;
 /// Null when the library lacks a part. Given back with `destroyPlaybin`.
 GstElement* makePlaybin(const std::string& url, const VideoOptions& options, Playback& playback);
 
+void setMuted(GstElement& playbin, bool muted);
+
 /// Ends all that it does; after that it calls back no more.
 void destroyPlaybin(GstElement& playbin);
 
