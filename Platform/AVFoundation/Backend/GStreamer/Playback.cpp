@@ -59,7 +59,7 @@ void Playback::open() {
 
 void Playback::close() {
     if (!playbin_) return;
-    destroyPlaybin(*std::exchange(playbin_, nullptr));
+    destroyPlaybin(*std::exchange(playbin_, nullptr), *this);
 }
 
 void Playback::setPlaying(bool playing) {

@@ -10,6 +10,7 @@
 
 #include "MappedFrame.h"
 #include "Playback.h"
+#include "ThreadOrder.h"
 
 namespace flarebox {
 namespace {
@@ -25,8 +26,12 @@ constexpr guint64 loadedAhead = 16 << 20;
 constexpr int playVideo = 1, playAudio = 2, downloadAhead = 0x80;
 constexpr int tryFactory = 0, skipFactory = 2;
 
-Playback& playbackOf(gpointer data) {
-    return *static_cast<Playback*>(data);
+/// Calls the playback that a callback of the library is about.
+template <class Call>
+void tell(gpointer data, const Call& call) {
+    takeFromLibrary(data);
+    call(*static_cast<Playback*>(data));
+    handToLibrary(data);
 }
 
 std::string_view factoryName(GstElement* element) {
@@ -40,13 +45,13 @@ bool isOfKind(GstElementFactory* factory, std::string_view kind) {
 }
 
 GstBusSyncReply messagePosted(GstBus*, GstMessage* message, gpointer playback) {
-    playbackOf(playback).messageArrived(message);
+    tell(playback, [&](Playback& told) { told.messageArrived(message); });
     return GST_BUS_DROP;
 }
 
 GstFlowReturn handOver(GstSample* sample, gpointer playback) {
     if (!sample) return GST_FLOW_OK;
-    playbackOf(playback).frameArrived(frameOfSample(*sample));
+    tell(playback, [&](Playback& told) { told.frameArrived(frameOfSample(*sample)); });
     gst_sample_unref(sample);
     return GST_FLOW_OK;
 }
@@ -77,9 +82,9 @@ GstElement* makePictureSink(Playback& playback) {
 
 GstPadProbeReturn bytesPassed(GstPad*, GstPadProbeInfo* info, gpointer playback) {
     if (info->type & GST_PAD_PROBE_TYPE_BUFFER)
-        playbackOf(playback).bytesArrived();
+        tell(playback, [](Playback& told) { told.bytesArrived(); });
     else if (GST_EVENT_TYPE(gst_pad_probe_info_get_event(info)) == GST_EVENT_EOS)
-        playbackOf(playback).bytesEnded();
+        tell(playback, [](Playback& told) { told.bytesEnded(); });
     return GST_PAD_PROBE_OK;
 }
 
@@ -90,17 +95,18 @@ void setIfKnown(GstElement* element, const char* property, T value) {
 }
 
 void sourceMade(GstElement*, GstElement* source, gpointer data) {
-    Playback& playback = playbackOf(data);
     setIfKnown(source, "user-agent", userAgent);
     // Asks servers for the titles of radio stations.
     setIfKnown(source, "iradio-mode", FALSE);
     // A server may well be silent while nothing is asked of it; the playback itself knows when it may not.
     setIfKnown(source, "timeout", 0U);
-    const std::string& authorities = playback.options().certificateAuthorityFile;
-    if (!authorities.empty()) setIfKnown(source, "ssl-ca-file", authorities.c_str());
+    tell(data, [&](Playback& playback) {
+        const std::string& authorities = playback.options().certificateAuthorityFile;
+        if (!authorities.empty()) setIfKnown(source, "ssl-ca-file", authorities.c_str());
+    });
     if (GstPad* pad = gst_element_get_static_pad(source, "src")) {
         const int watched = GST_PAD_PROBE_TYPE_BUFFER | GST_PAD_PROBE_TYPE_EVENT_DOWNSTREAM;
-        gst_pad_add_probe(pad, static_cast<GstPadProbeType>(watched), bytesPassed, &playback, nullptr);
+        gst_pad_add_probe(pad, static_cast<GstPadProbeType>(watched), bytesPassed, data, nullptr);
         gst_object_unref(pad);
     }
 }
@@ -123,19 +129,18 @@ GstPadProbeReturn refuseLargePictures(GstPad*, GstPadProbeInfo* info, gpointer p
     gst_structure_get_int(format, "width", &width);
     gst_structure_get_int(format, "height", &height);
     if (width <= largestSide && height <= largestSide) return GST_PAD_PROBE_OK;
-    playbackOf(playback).tooLarge();
+    tell(playback, [](Playback& told) { told.tooLarge(); });
     return GST_PAD_PROBE_DROP;
 }
 
-void watchFormat(GstElement* decoder, const char* padName, Playback& playback) {
+void watchFormat(GstElement* decoder, const char* padName, gpointer playback) {
     GstPad* pad = gst_element_get_static_pad(decoder, padName);
     if (!pad) return;
-    gst_pad_add_probe(pad, GST_PAD_PROBE_TYPE_EVENT_DOWNSTREAM, refuseLargePictures, &playback, nullptr);
+    gst_pad_add_probe(pad, GST_PAD_PROBE_TYPE_EVENT_DOWNSTREAM, refuseLargePictures, playback, nullptr);
     gst_object_unref(pad);
 }
 
 void elementMade(GstElement*, GstElement* element, gpointer data) {
-    Playback& playback = playbackOf(data);
     const std::string_view name = factoryName(element);
     if (name == "queue2") {
         // In memory, of that size, instead of in a file as large as whatever the server sends.
@@ -144,8 +149,8 @@ void elementMade(GstElement*, GstElement* element, gpointer data) {
         g_signal_connect(element, "autoplug-select", G_CALLBACK(selectFactory), nullptr);
     } else if (GstElementFactory* factory = gst_element_get_factory(element);
                factory && isOfKind(factory, "Decoder") && isOfKind(factory, "Video")) {
-        watchFormat(element, "sink", playback);
-        watchFormat(element, "src", playback);
+        watchFormat(element, "sink", data);
+        watchFormat(element, "src", data);
     }
 }
 
@@ -173,6 +178,7 @@ GstElement* makePlaybin(const std::string& url, const VideoOptions& options, Pla
     GstBus* bus = gst_element_get_bus(playbin);
     gst_bus_set_sync_handler(bus, messagePosted, &playback, nullptr);
     gst_object_unref(bus);
+    handToLibrary(&playback);
     return playbin;
 }
 
@@ -184,12 +190,13 @@ void setMuted(GstElement& playbin, bool muted) {
     gst_object_unref(volume);
 }
 
-void destroyPlaybin(GstElement& playbin) {
+void destroyPlaybin(GstElement& playbin, Playback& playback) {
     gst_element_set_state(&playbin, GST_STATE_NULL);
     GstBus* bus = gst_element_get_bus(&playbin);
     gst_bus_set_sync_handler(bus, nullptr, nullptr, nullptr);
     gst_object_unref(bus);
     gst_object_unref(&playbin);
+    takeFromLibrary(&playback);
 }
 
 }  // namespace flarebox

@@ -17,6 +17,6 @@ GstElement* makePlaybin(const std::string& url, const VideoOptions& options, Pla
 void setMuted(GstElement& playbin, bool muted);
 
 /// Ends all that it does; after that it calls back no more.
-void destroyPlaybin(GstElement& playbin);
+void destroyPlaybin(GstElement& playbin, Playback& playback);
 
 }  // namespace flarebox
