@@ -15,9 +15,9 @@ struct Lamp {
 
 // A large soft box above to the left, a strip light to the right, rims behind on both sides, and a reflector below.
 constexpr Lamp lamps[] = {
-    {{-0.55F, 0.62F, 0.56F}, 14, {5.2F, 5.1F, 4.9F}},    {{0.89F, 0.20F, 0.41F}, 22, {3.4F, 3.5F, 3.7F}},
-    {{-0.78F, 0.25F, -0.57F}, 16, {2.6F, 2.9F, 3.4F}},   {{0.70F, 0.35F, -0.62F}, 16, {3.0F, 2.8F, 2.6F}},
-    {{0.0F, 1.0F, 0.0F}, 7, {1.4F, 1.4F, 1.45F}},        {{0.0F, -0.94F, 0.34F}, 4, {0.22F, 0.21F, 0.2F}},
+    {{-0.55F, 0.62F, 0.56F}, 14, {5.2F, 5.1F, 4.9F}},  {{0.89F, 0.20F, 0.41F}, 22, {3.4F, 3.5F, 3.7F}},
+    {{-0.78F, 0.25F, -0.57F}, 16, {2.6F, 2.9F, 3.4F}}, {{0.70F, 0.35F, -0.62F}, 16, {3.0F, 2.8F, 2.6F}},
+    {{0.0F, 1.0F, 0.0F}, 7, {1.4F, 1.4F, 1.45F}},      {{0.0F, -0.94F, 0.34F}, 4, {0.22F, 0.21F, 0.2F}},
 };
 constexpr SCNVector3 darkness{0.10F, 0.10F, 0.11F};
 
@@ -31,7 +31,8 @@ SCNVector3 sum(SCNVector3 a, SCNVector3 b) {
     return {a.x + b.x, a.y + b.y, a.z + b.z};
 }
 
-/// A lamp smeared over the directions that a rough surface mirrors is again nearly such a lamp, wider and as much weaker.
+/// A lamp smeared over the directions that a rough surface mirrors is again nearly such a lamp, wider and as much
+/// weaker.
 Lamp blurred(const Lamp& lamp, float roughness) {
     const float alpha = roughness * roughness;
     if (alpha < 1e-3F) return lamp;

@@ -7,7 +7,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <numbers>
+#include <utility>
 
 namespace flarebox::detail {
 namespace {
@@ -66,9 +68,7 @@ FilamentEngine::FilamentEngine(std::unique_ptr<SurfacelessPlatform> platform, En
 }
 
 FilamentEngine::~FilamentEngine() {
-    for (auto& [source, entry] : entries_) {
-        if (entry.model && entry.isShown) entry.model->removeFrom(*scene_);
-    }
+    for (auto& [source, entry] : entries_) hide(entry);
     entries_.clear();
     materials_->destroyMaterials();
     delete materials_;
@@ -135,7 +135,9 @@ ScenePicture FilamentEngine::draw(const SceneFrame& frame, std::vector<std::stri
     aim(frame);
     light_.setOn(*scene_, frame.hasStudioLight);
     show(frame, failures);
-    return renderAndRead();
+    ScenePicture picture = renderAndRead();
+    if (frame.hasFloorGlow) glow_.layBeneath(picture, frame);
+    return picture;
 }
 
 void FilamentEngine::show(const SceneFrame& frame, std::vector<std::string>& failures) {
@@ -148,23 +150,26 @@ void FilamentEngine::show(const SceneFrame& frame, std::vector<std::string>& fai
         wanted.push_back(model);
     }
     for (auto& [source, entry] : entries_) {
-        const bool isWanted = std::ranges::find(wanted, entry.model.get()) != wanted.end();
-        if (!entry.model || isWanted == entry.isShown) continue;
-        entry.isShown = isWanted;
-        if (isWanted)
-            entry.model->addTo(*scene_);
-        else
-            entry.model->removeFrom(*scene_);
+        const bool isWanted = entry.model && std::ranges::find(wanted, entry.model.get()) != wanted.end();
+        if (!isWanted) hide(entry);
+        if (isWanted && !std::exchange(entry.isShown, true)) entry.model->addTo(*scene_);
     }
     makeRoom();
+}
+
+void FilamentEngine::hide(Entry& entry) {
+    if (std::exchange(entry.isShown, false)) entry.model->removeFrom(*scene_);
 }
 
 FilamentModel* FilamentEngine::modelFor(const SceneFrame::Item& item, std::vector<std::string>& failures) {
     Entry& entry = entries_[item.model.get()];
     entry.lastUse = ++uses_;
-    if (entry.model || !entry.source.expired()) return entry.model.get();
+    if (entry.source.lock() == item.model) return entry.model.get();
 
+    // A new source may lie where a former one lay.
+    hide(entry);
     entry.source = item.model;
+    entry.model = nullptr;
     std::string failure;
     if (const auto contents = readModelContents(item.model->path(), failure))
         entry.model = FilamentModel::load(*engine_, *loader_, *contents, failure);
@@ -189,12 +194,11 @@ void FilamentEngine::makeRoom() {
 }
 
 void FilamentEngine::releaseUnused() {
-    std::erase_if(entries_, [this](const Entries::value_type& each) {
-        const Entry& entry = each.second;
-        if (!entry.source.expired()) return false;
-        if (entry.model && entry.isShown) entry.model->removeFrom(*scene_);
-        return true;
-    });
+    for (auto each = entries_.begin(); each != entries_.end();) {
+        const bool isUnused = each->second.source.expired();
+        if (isUnused) hide(each->second);
+        each = isUnused ? entries_.erase(each) : std::next(each);
+    }
     engine_->flushAndWait();
 }
 

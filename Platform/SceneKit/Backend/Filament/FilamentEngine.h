@@ -4,6 +4,7 @@
 #include <SceneKit/Backend/Filament/Owned.h>
 #include <SceneKit/Backend/Filament/StudioLight.h>
 #include <SceneKit/Backend/Filament/SurfacelessPlatform.h>
+#include <SceneKit/FloorGlow.h>
 #include <SceneKit/SceneEngine.h>
 
 #include <filament/Camera.h>
@@ -49,6 +50,7 @@ private:
     void aim(const SceneFrame& frame);
     void show(const SceneFrame& frame, std::vector<std::string>& failures);
     FilamentModel* modelFor(const SceneFrame::Item& item, std::vector<std::string>& failures);
+    void hide(Entry& entry);
     void makeRoom();
     ScenePicture renderAndRead();
 
@@ -68,6 +70,7 @@ private:
     Owned<filament::Texture> color_, depth_;
     Owned<filament::RenderTarget> target_;
     int width_ = 0, height_ = 0;
+    FloorGlow glow_;
     Entries entries_;
     std::uint64_t uses_ = 0;
 };

@@ -12,7 +12,8 @@ namespace flarebox::detail {
 std::unique_ptr<FilamentModel> FilamentModel::load(filament::Engine& engine, gltfio::AssetLoader& loader,
                                                    const ModelContents& contents, std::string& failure) {
     const auto* bytes = reinterpret_cast<const std::uint8_t*>(contents.bytes.data());
-    gltfio::FilamentAsset* asset = loader.createAssetFromBinary(bytes, static_cast<std::uint32_t>(contents.bytes.size()));
+    gltfio::FilamentAsset* asset =
+        loader.createAssetFromBinary(bytes, static_cast<std::uint32_t>(contents.bytes.size()));
     if (!asset) {
         failure = "the renderer refuses it";
         return nullptr;

@@ -21,12 +21,18 @@ constexpr float surroundingsIntensity = 30'000, keyIntensity = 45'000;
 
 SCNVector3 faceDirection(int face, float s, float t) {
     switch (face) {
-        case 0: return {1, -t, -s};
-        case 1: return {-1, -t, s};
-        case 2: return {s, 1, t};
-        case 3: return {s, -1, -t};
-        case 4: return {s, -t, 1};
-        default: return {-s, -t, -1};
+        case 0:
+            return {1, -t, -s};
+        case 1:
+            return {-1, -t, s};
+        case 2:
+            return {s, 1, t};
+        case 3:
+            return {s, -1, -t};
+        case 4:
+            return {s, -t, 1};
+        default:
+            return {-s, -t, -1};
     }
 }
 

@@ -43,13 +43,9 @@ const char* SurfacelessPlatform::createContext() noexcept {
     EGLConfig config = nullptr;
     EGLint count = 0;
     if (!eglChooseConfig(display_, wanted, &config, 1, &count) || count < 1) return "there is no OpenGL";
-    constexpr EGLint version[] = {EGL_CONTEXT_MAJOR_VERSION,
-                                  4,
-                                  EGL_CONTEXT_MINOR_VERSION,
-                                  1,
-                                  EGL_CONTEXT_OPENGL_PROFILE_MASK,
-                                  EGL_CONTEXT_OPENGL_CORE_PROFILE_BIT,
-                                  EGL_NONE};
+    constexpr EGLint version[] = {
+        EGL_CONTEXT_MAJOR_VERSION,           4,       EGL_CONTEXT_MINOR_VERSION, 1, EGL_CONTEXT_OPENGL_PROFILE_MASK,
+        EGL_CONTEXT_OPENGL_CORE_PROFILE_BIT, EGL_NONE};
     context_ = eglCreateContext(display_, config, EGL_NO_CONTEXT, version);
     if (!context_) return "the graphics driver is older than OpenGL 4.1";
     if (eglMakeCurrent(display_, EGL_NO_SURFACE, EGL_NO_SURFACE, context_)) return "";

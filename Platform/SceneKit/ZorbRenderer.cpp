@@ -1,0 +1,25 @@
+#include <SceneKit/ZorbRenderer.h>
+
+#include <SceneKit/ModelFile.h>
+#include <SceneKit/ModelSource.h>
+
+namespace flarebox {
+
+const ClassInfo& ZorbRenderer::staticClass() {
+    static const ClassInfo info("ZorbRenderer", &NSObject::staticClass(), createObject<ZorbRenderer>);
+    return info;
+}
+
+Ref<SCNNode> ZorbRenderer::createSCNNodeFromFile(std::string_view path) {
+    lastError_ = nullptr;
+    std::string file(path), failure;
+    const auto summary = detail::readModelSummary(file, failure);
+    if (!summary) {
+        lastError_ = NSError::errorWithDomain(ZorbErrorDomain, 1, file + ": " + failure);
+        return nullptr;
+    }
+    return make<SCNNode>(
+        std::make_shared<const detail::ModelSource>(std::move(file), summary->bounds, summary->isAnimated));
+}
+
+}  // namespace flarebox
