@@ -29,15 +29,6 @@ std::vector<SCNMatrix4> worldTransforms(const ModelDescription& model) {
     return world;
 }
 
-std::vector<std::size_t> shownNodes(const ModelDescription& model) {
-    std::vector<std::size_t> shown = model.roots;
-    for (std::size_t i = 0; i < shown.size(); ++i) {
-        const auto& children = model.nodes[shown[i]].children;
-        shown.insert(shown.end(), children.begin(), children.end());
-    }
-    return shown;
-}
-
 }  // namespace
 
 std::size_t componentSize(ComponentType type) {
@@ -84,6 +75,44 @@ std::optional<std::size_t> ModelPrimitive::attribute(std::string_view name) cons
     return std::nullopt;
 }
 
+std::vector<std::size_t> shownNodes(const ModelDescription& model) {
+    std::vector<std::size_t> shown = model.roots;
+    for (std::size_t i = 0; i < shown.size(); ++i) {
+        const auto& children = model.nodes[shown[i]].children;
+        shown.insert(shown.end(), children.begin(), children.end());
+    }
+    return shown;
+}
+
+namespace {
+
+void hideNodes(ModelDescription& model, const std::vector<bool>& isShown) {
+    const auto nodes = std::ranges::find_if(
+        model.clean, [](const NSDictionary::Entry& entry) { return entry.first.as<NSString>() == "nodes"; });
+    if (nodes == model.clean.end()) return;
+    const auto descriptions = nodes->second.as<NSArray>();
+    std::vector<Value> kept;
+    for (std::size_t i = 0; i < isShown.size(); ++i)
+        kept.emplace_back(isShown[i] ? descriptions.objectAtIndex(i) : Value(NSDictionary::dictionaryWithEntries({})));
+    nodes->second = NSArray::arrayWithValues(std::move(kept));
+}
+
+}  // namespace
+
+void keepWhatIsShown(ModelDescription& model) {
+    std::vector<bool> isShown(model.nodes.size());
+    for (const std::size_t node : shownNodes(model)) isShown[node] = true;
+    hideNodes(model, isShown);
+    for (ModelSkin& skin : model.skins) {
+        // Others are numbered after it.
+        if (!std::ranges::all_of(skin.joints, [&](std::size_t joint) { return isShown[joint]; }))
+            skin = {{model.roots[0]}, std::nullopt};
+    }
+    for (ModelAnimation& animation : model.animations)
+        std::erase_if(animation.channels, [&](const auto& channel) { return !channel.node || !isShown[*channel.node]; });
+    std::erase_if(model.animations, [](const ModelAnimation& animation) { return animation.channels.empty(); });
+}
+
 SCNBoundingBox modelBounds(const ModelDescription& model, const ReadMatrix& read) {
     const std::vector<SCNMatrix4> world = worldTransforms(model);
     SCNBoundingBox box = SCNBoundingBox::empty();
@@ -109,12 +138,10 @@ std::vector<std::size_t> compatibleAnimations(const ModelDescription& model) {
     for (std::size_t i = 0; i < model.animations.size(); ++i) {
         const auto& channels = model.animations[i].channels;
         const bool isFree = std::ranges::none_of(channels, [&](const ModelAnimation::Channel& channel) {
-            return channel.node && moved.contains({*channel.node, channel.path});
+            return moved.contains({*channel.node, channel.path});
         });
         if (!isFree) continue;
-        for (const auto& channel : channels) {
-            if (channel.node) moved.emplace(*channel.node, channel.path);
-        }
+        for (const auto& channel : channels) moved.emplace(*channel.node, channel.path);
         result.push_back(i);
     }
     return result;

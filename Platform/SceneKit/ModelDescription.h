@@ -85,7 +85,9 @@ struct ModelSkin {
 struct ModelAnimation {
     struct Sampler {
         std::size_t input = 0, output = 0;
-        bool isCubic = false;
+        std::string interpolation;
+        /// Whether each moment has a value and two tangents.
+        bool isCubic() const { return interpolation == "CUBICSPLINE"; }
     };
     struct Channel {
         std::size_t sampler = 0;
@@ -112,7 +114,8 @@ struct ModelDescription {
     std::vector<ModelImage> images;
     /// Of the scene that is shown.
     std::vector<std::size_t> roots;
-    /// The description written anew from what was checked, without buffers, views and accessors.
+    /// The description written anew from what was checked, without what is kept above in full: buffers, views,
+    /// accessors, skins and animations.
     std::vector<NSDictionary::Entry> clean;
 };
 
@@ -121,6 +124,11 @@ struct ModelDescription {
 std::optional<ModelDescription> readDescription(std::string_view json, std::string& failure);
 /// What is wrong with how the parts fit together, or an empty text; part of `readDescription`.
 std::string findFault(const ModelDescription& model);
+
+/// In no order that matters.
+std::vector<std::size_t> shownNodes(const ModelDescription& model);
+/// Lets go of what moves only nodes that are not shown: the renderer falls over it.
+void keepWhatIsShown(ModelDescription& model);
 
 /// Reads one 4 x 4 matrix of an accessor's.
 using ReadMatrix = std::function<SCNMatrix4(const ModelAccessor& accessor, std::size_t element)>;

@@ -285,6 +285,11 @@ void Reader::readMaterials() {
     });
 }
 
+std::string_view unsupportedMode(std::size_t mode) {
+    constexpr std::string_view names[] = {"", "", "line loops", "line strips", "", "triangle strips", "triangle fans"};
+    return names[mode];
+}
+
 ModelPrimitive Reader::readPrimitive(CheckedObject& object) {
     ModelPrimitive primitive;
     object.object("attributes", [&](CheckedObject& attributes) {
@@ -294,8 +299,8 @@ ModelPrimitive Reader::readPrimitive(CheckedObject& object) {
     primitive.indices = object.index("indices", model_.accessors.size());
     object.index("material", materials_);
     primitive.mode = object.integer("mode", 0, 6, 4);
-    if (primitive.mode == 2) object.refuse("mode", "is line loops, which are not supported");
-    if (primitive.mode == 6) object.refuse("mode", "is triangle fans, which are not supported");
+    if (const std::string_view mode = unsupportedMode(primitive.mode); !mode.empty())
+        object.refuse("mode", "is " + std::string(mode) + ", which are not supported");
     if (object.has("extensions")) readPacking(object, primitive);
     object.objects("targets", mostTargets, [&](CheckedObject& target, std::size_t) {
         primitive.targets.push_back(target.namedIndices(std::span(knownAttributes).first(3), model_.accessors.size()));
@@ -376,6 +381,7 @@ void Reader::readScenes() {
     const std::size_t shown = root_.integer("scene", 0, scenes.empty() ? 0 : scenes.size() - 1, 0);
     if (scenes.empty()) root_.refuse("scenes", "is missing: there is nothing to show");
     if (shown < scenes.size()) model_.roots = scenes[shown];
+    if (model_.roots.empty()) root_.refuse("scenes", "shows nothing");
 }
 
 void Reader::readAnimations() {
@@ -385,7 +391,7 @@ void Reader::readAnimations() {
             const std::size_t input = sampler.requiredIndex("input", model_.accessors.size()),
                               output = sampler.requiredIndex("output", model_.accessors.size());
             const auto interpolation = sampler.text("interpolation", {"LINEAR", "STEP", "CUBICSPLINE"});
-            animation.samplers.push_back({input, output, interpolation == "CUBICSPLINE"});
+            animation.samplers.push_back({input, output, std::string(interpolation)});
         });
         object.objects("channels", mostChannels, [&](CheckedObject& object_, std::size_t) {
             ModelAnimation::Channel channel;
@@ -417,7 +423,10 @@ std::optional<ModelDescription> readDescription(std::string_view json, std::stri
     Refusal refusal;
     ModelDescription model = Reader(description, refusal).read();
     if (!refusal.isRefused()) refusal.refuse(findFault(model));
-    if (!refusal.isRefused()) return model;
+    if (!refusal.isRefused()) {
+        keepWhatIsShown(model);
+        return model;
+    }
     failure = refusal.reason();
     return std::nullopt;
 }

@@ -151,6 +151,15 @@ std::string skinFault(const ModelDescription& model) {
         const ModelNode& node = model.nodes[i];
         if (node.skin && !node.mesh) return named("nodes", i, "has a skin without a mesh");
     }
+    std::vector<bool> isShown(model.nodes.size());
+    const std::vector<std::size_t> shown = shownNodes(model);
+    for (const std::size_t i : shown) isShown[i] = true;
+    for (const std::size_t i : shown) {
+        const auto skin = model.nodes[i].skin;
+        const auto isOutside = [&](std::size_t joint) { return !isShown[joint]; };
+        if (skin && std::ranges::any_of(model.skins[*skin].joints, isOutside))
+            return named("nodes", i, "is moved by a joint outside its scene");
+    }
     return {};
 }
 
@@ -171,7 +180,7 @@ std::string channelFault(const ModelDescription& model, const ModelAnimation& an
     const bool mayBeWhole = channel.path == "rotation" || channel.path == "weights";
     if (output.component != Float && !(mayBeWhole && output.isNormalized)) return "has values that are no numbers";
     const std::size_t values = valuesPerMoment(model, channel);
-    if (channel.node && (values == 0 || output.count != input.count * values * (sampler.isCubic ? 3 : 1)))
+    if (channel.node && (values == 0 || output.count != input.count * values * (sampler.isCubic() ? 3 : 1)))
         return "has another count of values than of times";
     return {};
 }

@@ -77,6 +77,33 @@ NSDictionary describe(const ModelAccessor& accessor) {
     return NSDictionary::dictionaryWithEntries(std::move(entries));
 }
 
+NSDictionary describe(const ModelSkin& skin) {
+    std::vector<Value> joints(skin.joints.begin(), skin.joints.end());
+    std::vector<NSDictionary::Entry> entries = {
+        {NSString("joints"), NSArray::arrayWithValues(std::move(joints))}};
+    if (skin.inverseBindMatrices) entries.emplace_back(NSString("inverseBindMatrices"), *skin.inverseBindMatrices);
+    return NSDictionary::dictionaryWithEntries(std::move(entries));
+}
+
+NSDictionary describe(const ModelAnimation::Sampler& sampler) {
+    return {{NSString("input"), sampler.input},
+            {NSString("output"), sampler.output},
+            {NSString("interpolation"), NSString(sampler.interpolation)}};
+}
+
+NSDictionary describe(const ModelAnimation::Channel& channel) {
+    const NSDictionary target = {{NSString("node"), *channel.node}, {NSString("path"), NSString(channel.path)}};
+    return {{NSString("sampler"), channel.sampler}, {NSString("target"), target}};
+}
+
+template <class T>
+NSArray describeAll(const std::vector<T>& things);
+
+NSDictionary describe(const ModelAnimation& animation) {
+    return {{NSString("samplers"), describeAll(animation.samplers)},
+            {NSString("channels"), describeAll(animation.channels)}};
+}
+
 template <class T>
 NSArray describeAll(const std::vector<T>& things) {
     std::vector<Value> result;
@@ -362,16 +389,21 @@ void ModelPacker::checkImages() {
 
 std::string ModelPacker::description() const {
     std::vector<NSDictionary::Entry> entries = model_.clean;
-    std::erase_if(entries, [](const NSDictionary::Entry& entry) {
-        const auto name = entry.first.as<NSString>();
-        return name == "buffers" || name == "bufferViews" || name == "accessors";
+    constexpr std::string_view anew[] = {"buffers", "bufferViews", "accessors", "skins", "animations"};
+    std::erase_if(entries, [&](const NSDictionary::Entry& entry) {
+        return std::ranges::find(anew, entry.first.as<NSString>().text()) != std::end(anew);
     });
     if (!data_.empty()) {
         const NSDictionary buffer = {{NSString("byteLength"), data_.size()}};
         entries.emplace_back(NSString("buffers"), NSArray{buffer});
     }
-    if (!model_.views.empty()) entries.emplace_back(NSString("bufferViews"), describeAll(model_.views));
-    if (!model_.accessors.empty()) entries.emplace_back(NSString("accessors"), describeAll(model_.accessors));
+    const auto add = [&](std::string_view name, const auto& things) {
+        if (!things.empty()) entries.emplace_back(NSString(name), describeAll(things));
+    };
+    add("bufferViews", model_.views);
+    add("accessors", model_.accessors);
+    add("skins", model_.skins);
+    add("animations", model_.animations);
     std::string text;
     NSJSONSerialization::writeJSONObject(NSDictionary::dictionaryWithEntries(std::move(entries)), text,
                                          NSJSONWritingStrict, nullptr);

@@ -300,16 +300,6 @@ const Variant variants[] = {
          return model;
      },
      redInTheMiddle},
-    {"triangle strip",
-     [] {
-         ModelBuilder model = bare();
-         model.add("materials", unlit("[1,0,0,1]"));
-         model.floats({-1, -1, 0, 1, -1, 0, -1, 1, 0, 1, 1, 0}, "VEC3");
-         model.shorts({0, 1, 2, 3});
-         model.add("meshes", R"({"primitives":[{"mode":5,"indices":1,"material":0,"attributes":{"POSITION":0}}]})");
-         return model;
-     },
-     redInTheMiddle},
     {"interleaved and lit", interleaved, redInTheMiddle},
     {"lit without normals", [] { return lit(R"(,"NORMAL":1)", ""); }, redInTheMiddle},
     {"without a material", [] { return lit(R"(,"material":0)", ""); }, {{middle, middle, Hue::White}}},
@@ -353,6 +343,9 @@ const Variant variants[] = {
     {"alpha above the cut-off",
      [] { return alpha(R"(,"alphaMode":"MASK","alphaCutoff":0.2)"); },
      {{middle, middle, Hue::Red}}},
+    {"Xmask lit", [] { return cubeModel(R"({"pbrMetallicRoughness":{"baseColorFactor":[1,0,0,1],"metallicFactor":0},"alphaMode":"MASK"})"); }, {{middle, middle, Hue::Red}}},
+    {"Xmask lit .3", [] { return cubeModel(R"({"pbrMetallicRoughness":{"baseColorFactor":[1,0,0,0.3],"metallicFactor":0},"alphaMode":"MASK","alphaCutoff":0.2})"); }, {{middle, middle, Hue::Red}}},
+    {"Xmask unlit 1", [] { return cubeModel(unlit("[1,0,0,1]",R"(,"alphaMode":"MASK")")); }, {{middle, middle, Hue::Red}}},
     {"alpha blended", [] { return alpha(R"(,"alphaMode":"BLEND")"); }, {{middle, middle, Hue::Red}}},
     {"single-sided from behind", [] { return backFace(false); }, {{middle, middle, Hue::Nothing}}},
     {"double-sided from behind", [] { return backFace(true); }, redInTheMiddle},

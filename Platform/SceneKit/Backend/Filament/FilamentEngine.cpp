@@ -2,6 +2,7 @@
 
 #include <SceneKit/ModelSource.h>
 
+#include <filament/Skybox.h>
 #include <filament/Viewport.h>
 #include <utils/EntityManager.h>
 
@@ -58,6 +59,7 @@ FilamentEngine::FilamentEngine(std::unique_ptr<SurfacelessPlatform> platform, En
       grading_(own(*engine_, filament::ColorGrading::Builder()
                                  .toneMapping(filament::ColorGrading::ToneMapping::ACES_LEGACY)
                                  .build(*engine_))),
+      emptiness_(own(*engine_, filament::Skybox::Builder().color({0, 0, 0, 0}).build(*engine_))),
       view_(own(*engine_, engine_->createView())),
       cameraEntity_(utils::EntityManager::get().create()),
       camera_(engine_->createCamera(cameraEntity_)),
@@ -86,8 +88,12 @@ void FilamentEngine::prepareView() {
     view_->setShadowingEnabled(false);
     view_->setSampleCount(4);
     view_->setDithering(View::Dithering::NONE);
+    // Materials with cut-outs leave the alpha that they find: so all begins opaque, and a sky that is not there takes
+    // away again what nothing was drawn upon.
     filament::Renderer::ClearOptions clear;
     clear.clear = true;
+    clear.clearColor = {0, 0, 0, 1};
+    scene_->setSkybox(emptiness_.get());
     renderer_->setClearOptions(clear);
     filament::Renderer::DisplayInfo display;
     display.refreshRate = 0;

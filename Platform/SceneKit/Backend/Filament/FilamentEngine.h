@@ -12,6 +12,7 @@
 #include <filament/RenderTarget.h>
 #include <filament/Renderer.h>
 #include <filament/SwapChain.h>
+#include <filament/Skybox.h>
 #include <filament/View.h>
 #include <gltfio/MaterialProvider.h>
 
@@ -61,6 +62,7 @@ private:
     Owned<filament::SwapChain> swapChain_;
     Owned<filament::Scene> scene_;
     Owned<filament::ColorGrading> grading_;
+    Owned<filament::Skybox> emptiness_;
     Owned<filament::View> view_;
     utils::Entity cameraEntity_;
     filament::Camera* camera_ = nullptr;

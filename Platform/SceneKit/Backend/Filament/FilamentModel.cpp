@@ -6,11 +6,15 @@
 #include <math/mat4.h>
 
 #include <cmath>
+#include <exception>
 
 namespace flarebox::detail {
 
-std::unique_ptr<FilamentModel> FilamentModel::load(filament::Engine& engine, gltfio::AssetLoader& loader,
-                                                   const ModelContents& contents, std::string& failure) {
+namespace {
+
+/// Null, with the reason, when the engine cannot make what the file describes.
+gltfio::FilamentAsset* loadAsset(filament::Engine& engine, gltfio::AssetLoader& loader, const ModelContents& contents,
+                                 std::string& failure) {
     const auto* bytes = reinterpret_cast<const std::uint8_t*>(contents.bytes.data());
     gltfio::FilamentAsset* asset =
         loader.createAssetFromBinary(bytes, static_cast<std::uint32_t>(contents.bytes.size()));
@@ -27,6 +31,21 @@ std::unique_ptr<FilamentModel> FilamentModel::load(filament::Engine& engine, glt
     // Has to be asked for before the source is let go.
     asset->getAnimator();
     asset->releaseSourceData();
+    return asset;
+}
+
+}  // namespace
+
+std::unique_ptr<FilamentModel> FilamentModel::load(filament::Engine& engine, gltfio::AssetLoader& loader,
+                                                   const ModelContents& contents, std::string& failure) {
+    gltfio::FilamentAsset* asset = nullptr;
+    // The library throws where it meets what it takes for impossible. A model lost is better than the host.
+    try {
+        asset = loadAsset(engine, loader, contents, failure);
+    } catch (const std::exception& fault) {
+        failure = std::string("the renderer refuses it: ") + fault.what();
+    }
+    if (!asset) return nullptr;
     return std::unique_ptr<FilamentModel>(new FilamentModel(engine, loader, *asset, contents));
 }
 
