@@ -109,7 +109,8 @@ void keepWhatIsShown(ModelDescription& model) {
             skin = {{model.roots[0]}, std::nullopt};
     }
     for (ModelAnimation& animation : model.animations)
-        std::erase_if(animation.channels, [&](const auto& channel) { return !channel.node || !isShown[*channel.node]; });
+        std::erase_if(animation.channels,
+                      [&](const auto& channel) { return !channel.node || !isShown[*channel.node]; });
     std::erase_if(model.animations, [](const ModelAnimation& animation) { return animation.channels.empty(); });
 }
 

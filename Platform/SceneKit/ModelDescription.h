@@ -112,6 +112,8 @@ struct ModelDescription {
     std::vector<ModelSkin> skins;
     std::vector<ModelAnimation> animations;
     std::vector<ModelImage> images;
+    /// Whether a material is opaque in some places and not there in others.
+    bool hasCutOuts = false;
     /// Of the scene that is shown.
     std::vector<std::size_t> roots;
     /// The description written anew from what was checked, without what is kept above in full: buffers, views,

@@ -272,7 +272,7 @@ void Reader::readMaterial(CheckedObject& material) {
     readTexture(material, "occlusionTexture", "strength");
     readTexture(material, "emissiveTexture");
     material.numbers("emissiveFactor", {3});
-    material.text("alphaMode", {"OPAQUE", "MASK", "BLEND"});
+    model_.hasCutOuts |= material.text("alphaMode", {"OPAQUE", "MASK", "BLEND"}) == "MASK";
     material.number("alphaCutoff");
     material.flag("doubleSided");
     readMaterialExtensions(material);

@@ -27,6 +27,8 @@ struct ModelContents {
     /// Those that can play at the same time.
     std::vector<std::size_t> animations;
     bool isSkinned = false;
+    /// Whether a material is opaque in some places and not there in others.
+    bool hasCutOuts = false;
     /// About how much memory it takes once decoded, in bytes.
     std::size_t memory = 0;
 };

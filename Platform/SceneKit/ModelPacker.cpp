@@ -79,8 +79,7 @@ NSDictionary describe(const ModelAccessor& accessor) {
 
 NSDictionary describe(const ModelSkin& skin) {
     std::vector<Value> joints(skin.joints.begin(), skin.joints.end());
-    std::vector<NSDictionary::Entry> entries = {
-        {NSString("joints"), NSArray::arrayWithValues(std::move(joints))}};
+    std::vector<NSDictionary::Entry> entries = {{NSString("joints"), NSArray::arrayWithValues(std::move(joints))}};
     if (skin.inverseBindMatrices) entries.emplace_back(NSString("inverseBindMatrices"), *skin.inverseBindMatrices);
     return NSDictionary::dictionaryWithEntries(std::move(entries));
 }
@@ -429,6 +428,7 @@ ModelContents ModelPacker::assemble() {
     }
     contents.animations = compatibleAnimations(model_);
     contents.isSkinned = !model_.skins.empty();
+    contents.hasCutOuts = model_.hasCutOuts;
     contents.memory = memory_;
     return contents;
 }

@@ -140,7 +140,7 @@ void SCNView::advance(double now) {
         return;
     }
     turntable_.advance(now);
-    const bool isChanging = turntable_.isMoving() || isAnimated();
+    const bool isChanging = (turntable_.isMoving() && scene_ && firstModel(scene_->rootNode())) || isAnimated();
     if (takePicture()) {
         isUnseen_ = true;
         setNeedsDisplay();

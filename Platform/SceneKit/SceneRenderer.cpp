@@ -69,7 +69,6 @@ void SceneRenderer::setEngineMaker(EngineMaker maker) {
 
 void SceneRenderer::start() {
     isStopping_ = modelReleased_ = false;
-    unavailableReason_.clear();
     thread_ = std::thread([this, maker = engineMaker_ ? engineMaker_ : EngineMaker(makeSceneEngine)] { run(maker); });
     Shutdown::addHandler([this] { stop(); });
 }
@@ -84,6 +83,7 @@ void SceneRenderer::stop() {
         changed_.notify_one();
     }
     thread_.join();
+    unavailableReason_.clear();
     for (const auto& canvas : dropped) {
         std::lock_guard lock(canvas->mutex_);
         canvas->isBusy_ = false;

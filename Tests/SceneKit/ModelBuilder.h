@@ -33,8 +33,8 @@ public:
         const std::size_t offset = data_.size(), bytes = values.size() * sizeof(T);
         data_.resize(offset + bytes);
         if (bytes > 0) std::memcpy(data_.data() + offset, values.data(), bytes);
-        std::string json = R"({"buffer":0,"byteOffset":)" + std::to_string(offset) + R"(,"byteLength":)" +
-                           std::to_string(bytes);
+        std::string json =
+            R"({"buffer":0,"byteOffset":)" + std::to_string(offset) + R"(,"byteLength":)" + std::to_string(bytes);
         if (stride) json += R"(,"byteStride":)" + std::to_string(stride);
         return add("bufferViews", json + "}");
     }

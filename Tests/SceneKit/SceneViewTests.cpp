@@ -1,4 +1,4 @@
-#include <Tests/SceneKit/ModelBuilder.h>
+#include <Tests/SceneKit/SampleModels.h>
 
 #include <Foundation/Clock.h>
 #include <Foundation/Shutdown.h>
@@ -14,6 +14,9 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <cmath>
+#include <filesystem>
+#include <fstream>
 #include <functional>
 #include <thread>
 
@@ -29,7 +32,8 @@ protected:
         view_ = make<SCNView>();
         view_->setFrame({{50, 40}, {300, 240}});
         view_->setBackgroundColor(UIColor::blackColor());
-        view_->setFailureHandler([this](const Ref<NSError>& error) { failures_.push_back(error->localizedDescription()); });
+        view_->setFailureHandler(
+            [this](const Ref<NSError>& error) { failures_.push_back(error->localizedDescription()); });
         UIApplication::sharedApplication().keyWindow()->addSubview(*view_);
         ZorbRendererUtils::loadDefaultSceneForView(*view_);
     }
@@ -61,6 +65,8 @@ protected:
     }
     /// Until what was asked for has been drawn and shown.
     bool runUntilStill() {
+        // The next drawing is what starts rendering.
+        for (int i = 0; i < 3; ++i) frame();
         return runUntil([&] { return !view_->isRendering() && view_->pictureCount() > 0; });
     }
 
@@ -83,19 +89,224 @@ protected:
     int frames_ = 0;
 };
 
-constexpr std::uint32_t red(std::uint32_t pixel) { return pixel >> 16 & 255; }
-constexpr std::uint32_t green(std::uint32_t pixel) { return pixel >> 8 & 255; }
+/// A square whose left half is red and whose right half is blue.
+ModelBuilder halfRedHalfBlue() {
+    return textureModel();
+}
+
+constexpr std::uint32_t red(std::uint32_t pixel) {
+    return pixel >> 16 & 255;
+}
+constexpr std::uint32_t green(std::uint32_t pixel) {
+    return pixel >> 8 & 255;
+}
 
 TEST_F(SceneView, ShowsTheModelWhereItIs) {
     show(cubeModel());
     ASSERT_TRUE(runUntilPicture());
     frame();
-    host_->writePNG("/tmp/scene-view.png");
     EXPECT_GT(red(at(200, 160)), 200U);
     EXPECT_LT(green(at(200, 160)), 60U);
     EXPECT_EQ(at(60, 50), 0xFF000000) << "the model does not reach the corner";
     EXPECT_EQ(at(20, 160), 0U) << "nothing beside the view";
     EXPECT_TRUE(failures_.empty()) << failures_[0];
+}
+
+TEST_F(SceneView, TurnsByItselfAndByTheFinger) {
+    show(halfRedHalfBlue());
+    ASSERT_TRUE(runUntilPicture());
+    const double before = view_->yaw();
+    ASSERT_TRUE(runUntil([&] { return view_->yaw() > before + 0.1; })) << "turns slowly by itself";
+
+    host_->pointerDown(0, {200, 160});
+    ASSERT_TRUE(runUntilStill());
+    frame();
+    const std::uint32_t held = at(160, 160);
+    const double heldYaw = view_->yaw();
+    for (int i = 1; i <= 10; ++i) {
+        host_->pointerMoved(0, {200 + i * 12.0, 160});
+        frame();
+    }
+    EXPECT_NEAR(view_->yaw() - heldYaw, 120.0 / 240 * 3.14159, 0.05) << "half a turn over the smaller side";
+    host_->pointerUp(0, {320, 160});
+    const double released = view_->yaw();
+    ASSERT_TRUE(runUntilStill());
+    frame();
+    EXPECT_GT(view_->yaw(), released + 0.1) << "runs on when let go";
+    EXPECT_NE(at(160, 160), held) << "a turned model looks different";
+}
+
+TEST_F(SceneView, ZoomsSoftlyAndWithinLimits) {
+    show(cubeModel());
+    ASSERT_TRUE(runUntilPicture());
+    view_->zoom(1.5);
+    EXPECT_EQ(view_->magnification(), 1);
+    ASSERT_TRUE(runUntilStill());
+    EXPECT_EQ(view_->magnification(), 1.5);
+    view_->zoom(1000);
+    ASSERT_TRUE(runUntilStill());
+    EXPECT_EQ(view_->magnification(), 4);
+    frame();
+    EXPECT_GT(red(at(70, 60)), 150U) << "the model fills the view";
+    for (const double nonsense : {0.0, -1.0, std::nan(""), HUGE_VAL}) view_->zoom(nonsense);
+    ASSERT_TRUE(runUntilStill());
+    EXPECT_EQ(view_->magnification(), 4);
+}
+
+TEST_F(SceneView, ZoomsByTwoFingersAndByTheWheel) {
+    show(cubeModel());
+    ASSERT_TRUE(runUntilPicture());
+    host_->pointerDown(0, {180, 160});
+    host_->pointerDown(1, {220, 160});
+    for (int i = 1; i <= 5; ++i) {
+        host_->pointerMoved(0, {180 - i * 4.0, 160});
+        host_->pointerMoved(1, {220 + i * 4.0, 160});
+        frame();
+    }
+    host_->pointerUp(0, {160, 160});
+    host_->pointerUp(1, {240, 160});
+    ASSERT_TRUE(runUntilStill());
+    EXPECT_NEAR(view_->magnification(), 2, 0.01) << "twice as far apart, twice as large";
+    host_->scrolled({200, 160}, 0, 100);
+    ASSERT_TRUE(runUntilStill());
+    EXPECT_LT(view_->magnification(), 1.9);
+}
+
+TEST_F(SceneView, CostsNothingWhileItCannotBeSeen) {
+    const struct {
+        const char* name;
+        std::function<void()> vanish, reappear;
+    } ways[] = {
+        {"hidden", [&] { view_->setHidden(true); }, [&] { view_->setHidden(false); }},
+        {"transparent", [&] { view_->setAlpha(0); }, [&] { view_->setAlpha(1); }},
+        {"out of its window", [&] { view_->removeFromSuperview(); },
+         [&] { UIApplication::sharedApplication().keyWindow()->addSubview(*view_); }},
+        {"out of sight",
+         [&] {
+             view_->setFrame({{500, 400}, {300, 240}});
+         },
+         [&] {
+             view_->setFrame({{50, 40}, {300, 240}});
+         }},
+    };
+    show(cubeModel());
+    for (const auto& [name, vanish, reappear] : ways) {
+        SCOPED_TRACE(name);
+        ASSERT_TRUE(runUntilPicture());
+        vanish();
+        EXPECT_TRUE(runUntil([&] { return !view_->isRendering(); }));
+        const std::size_t pictures = view_->pictureCount();
+        for (int i = 0; i < 20; ++i) frame();
+        EXPECT_EQ(view_->pictureCount(), pictures);
+        EXPECT_FALSE(view_->isRendering());
+        EXPECT_FALSE(host_->needsDisplay()) << "the host can sleep";
+        reappear();
+    }
+    EXPECT_TRUE(runUntilPicture()) << "goes on when it is seen again";
+}
+
+TEST_F(SceneView, HasNothingToDoWithoutAModel) {
+    ASSERT_TRUE(runUntilStill());
+    EXPECT_LE(view_->pictureCount(), 2U) << "nothing turns";
+    view_->setScene(nullptr);
+    for (int i = 0; i < 20; ++i) frame();
+    EXPECT_FALSE(view_->isRendering());
+    EXPECT_EQ(at(200, 160), 0xFF000000) << "its background stays";
+}
+
+TEST_F(SceneView, TellsOnceWhatItCannotShow) {
+    const Ref<SCNNode> node = show(cubeModel());
+    files_.write("model", cubeModel().file().substr(0, 200));
+    ASSERT_TRUE(runUntilPicture());
+    ASSERT_TRUE(runUntilPicture());
+    ASSERT_EQ(failures_.size(), 1U);
+    EXPECT_NE(failures_[0].find("cut off"), std::string::npos) << failures_[0];
+    node->removeFromParentNode();
+    show(cubeModel(), "another");
+    ASSERT_TRUE(runUntilPicture());
+    EXPECT_EQ(failures_.size(), 1U);
+}
+
+TEST_F(SceneView, GoesOnWithoutGraphics) {
+    auto& renderer = detail::SceneRenderer::shared();
+    renderer.stop();
+    renderer.setEngineMaker([](std::string& reason) {
+        reason = "there is no driver";
+        return nullptr;
+    });
+    show(cubeModel());
+    EXPECT_TRUE(runUntil([&] { return !failures_.empty(); }));
+    EXPECT_EQ(failures_, std::vector<std::string>{"there is no driver"});
+    EXPECT_EQ(SCNView::unavailableReason(), "there is no driver");
+    for (int i = 0; i < 20; ++i) frame();
+    EXPECT_FALSE(view_->isRendering());
+    EXPECT_EQ(view_->pictureCount(), 0U);
+    EXPECT_EQ(failures_.size(), 1U);
+    renderer.stop();
+    renderer.setEngineMaker(nullptr);
+}
+
+TEST_F(SceneView, StopsSoonWithAPictureUnderWay) {
+    show(cubeModel());
+    ASSERT_TRUE(runUntilPicture());
+    for (int i = 0; i < 5; ++i) {
+        frame();
+        const auto start = std::chrono::steady_clock::now();
+        Shutdown::run();
+        // What counts is that it waits for one picture and no more; a loaded machine is slower than the rest.
+        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
+        EXPECT_FALSE(detail::SceneRenderer::shared().isRunning());
+        ASSERT_TRUE(runUntilPicture()) << "starts anew when needed";
+    }
+}
+
+std::size_t countIn(const char* directory) {
+    const std::filesystem::directory_iterator entries(directory);
+    return static_cast<std::size_t>(std::distance(begin(entries), end(entries)));
+}
+
+std::size_t residentKiB() {
+    std::ifstream statm("/proc/self/statm");
+    std::size_t total = 0, resident = 0;
+    statm >> total >> resident;
+    return resident * 4;
+}
+
+TEST_F(SceneView, LeavesNothingOfModelsBehind) {
+    std::size_t threads = 0, files = 0, memory = 0;
+    for (int round = 0; round < 60; ++round) {
+        const Ref<SCNNode> node = show(round % 2 ? textureModel() : animated());
+        if (round % 3) {
+            ASSERT_TRUE(runUntilPicture());
+        }
+        node->removeFromParentNode();
+        frame();
+        if (round != 20) continue;
+        threads = countIn("/proc/self/task");
+        files = countIn("/proc/self/fd");
+        memory = residentKiB();
+    }
+    EXPECT_EQ(countIn("/proc/self/task"), threads);
+    EXPECT_EQ(countIn("/proc/self/fd"), files);
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+    EXPECT_LT(residentKiB(), memory + (24U << 10));
+#endif
+}
+
+TEST(SceneNodes, AreATree) {
+    const auto a = make<SCNNode>(), b = make<SCNNode>(), c = make<SCNNode>();
+    a->addChildNode(*b);
+    b->addChildNode(*c);
+    c->addChildNode(*a);
+    EXPECT_FALSE(a->parentNode()) << "no node lies below itself";
+    a->addChildNode(*c);
+    EXPECT_EQ(c->parentNode(), a.get());
+    EXPECT_EQ(a->childNodes().size(), 2U);
+    EXPECT_TRUE(b->childNodes().empty());
+    b->removeFromParentNode();
+    b->removeFromParentNode();
+    EXPECT_FALSE(b->parentNode());
+    EXPECT_EQ(a->childNodes().size(), 1U);
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 
 #include <SceneKit/ModelSource.h>
 
-#include <filament/Skybox.h>
 #include <filament/Viewport.h>
 #include <utils/EntityManager.h>
 
@@ -59,19 +58,21 @@ FilamentEngine::FilamentEngine(std::unique_ptr<SurfacelessPlatform> platform, En
       grading_(own(*engine_, filament::ColorGrading::Builder()
                                  .toneMapping(filament::ColorGrading::ToneMapping::ACES_LEGACY)
                                  .build(*engine_))),
-      emptiness_(own(*engine_, filament::Skybox::Builder().color({0, 0, 0, 0}).build(*engine_))),
       view_(own(*engine_, engine_->createView())),
       cameraEntity_(utils::EntityManager::get().create()),
       camera_(engine_->createCamera(cameraEntity_)),
       light_(*engine_),
       materials_(gltfio::createUbershaderLoader(engine_.get())),
-      loader_(gltfio::AssetLoader::create({engine_.get(), materials_})) {
+      loader_(gltfio::AssetLoader::create({engine_.get(), materials_})),
+      ground_(std::make_unique<AlphaGround>(*engine_, *materials_)) {
     prepareView();
 }
 
 FilamentEngine::~FilamentEngine() {
     for (auto& [source, entry] : entries_) hide(entry);
     entries_.clear();
+    ground_->setColor(*scene_, AlphaGround::Color::None);
+    ground_ = nullptr;
     materials_->destroyMaterials();
     delete materials_;
     gltfio::AssetLoader::destroy(&loader_);
@@ -88,12 +89,8 @@ void FilamentEngine::prepareView() {
     view_->setShadowingEnabled(false);
     view_->setSampleCount(4);
     view_->setDithering(View::Dithering::NONE);
-    // Materials with cut-outs leave the alpha that they find: so all begins opaque, and a sky that is not there takes
-    // away again what nothing was drawn upon.
     filament::Renderer::ClearOptions clear;
     clear.clear = true;
-    clear.clearColor = {0, 0, 0, 1};
-    scene_->setSkybox(emptiness_.get());
     renderer_->setClearOptions(clear);
     filament::Renderer::DisplayInfo display;
     display.refreshRate = 0;
@@ -141,7 +138,7 @@ ScenePicture FilamentEngine::draw(const SceneFrame& frame, std::vector<std::stri
     aim(frame);
     light_.setOn(*scene_, frame.hasStudioLight);
     show(frame, failures);
-    ScenePicture picture = renderAndRead();
+    ScenePicture picture = renderOverGround();
     if (frame.hasFloorGlow) glow_.layBeneath(picture, frame);
     return picture;
 }
@@ -160,6 +157,7 @@ void FilamentEngine::show(const SceneFrame& frame, std::vector<std::string>& fai
         if (!isWanted) hide(entry);
         if (isWanted && !std::exchange(entry.isShown, true)) entry.model->addTo(*scene_);
     }
+    hasCutOuts_ = std::ranges::any_of(wanted, &FilamentModel::hasCutOuts);
     makeRoom();
 }
 
@@ -206,6 +204,16 @@ void FilamentEngine::releaseUnused() {
         each = isUnused ? entries_.erase(each) : std::next(each);
     }
     engine_->flushAndWait();
+}
+
+ScenePicture FilamentEngine::renderOverGround() {
+    using Color = AlphaGround::Color;
+    ground_->setColor(*scene_, hasCutOuts_ ? Color::Black : Color::None);
+    ScenePicture picture = renderAndRead();
+    if (!hasCutOuts_) return picture;
+    ground_->setColor(*scene_, Color::White);
+    AlphaGround::recover(picture, renderAndRead());
+    return picture;
 }
 
 ScenePicture FilamentEngine::renderAndRead() {

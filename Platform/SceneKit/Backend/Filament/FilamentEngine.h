@@ -1,5 +1,6 @@
 #pragma once
 
+#include <SceneKit/Backend/Filament/AlphaGround.h>
 #include <SceneKit/Backend/Filament/FilamentModel.h>
 #include <SceneKit/Backend/Filament/Owned.h>
 #include <SceneKit/Backend/Filament/StudioLight.h>
@@ -12,7 +13,6 @@
 #include <filament/RenderTarget.h>
 #include <filament/Renderer.h>
 #include <filament/SwapChain.h>
-#include <filament/Skybox.h>
 #include <filament/View.h>
 #include <gltfio/MaterialProvider.h>
 
@@ -53,6 +53,7 @@ private:
     FilamentModel* modelFor(const SceneFrame::Item& item, std::vector<std::string>& failures);
     void hide(Entry& entry);
     void makeRoom();
+    ScenePicture renderOverGround();
     ScenePicture renderAndRead();
 
     // In the order in which they come to be: the engine outlives all that is its own, the platform outlives the engine.
@@ -62,16 +63,17 @@ private:
     Owned<filament::SwapChain> swapChain_;
     Owned<filament::Scene> scene_;
     Owned<filament::ColorGrading> grading_;
-    Owned<filament::Skybox> emptiness_;
     Owned<filament::View> view_;
     utils::Entity cameraEntity_;
     filament::Camera* camera_ = nullptr;
     StudioLight light_;
     gltfio::MaterialProvider* materials_ = nullptr;
     gltfio::AssetLoader* loader_ = nullptr;
+    std::unique_ptr<AlphaGround> ground_;
     Owned<filament::Texture> color_, depth_;
     Owned<filament::RenderTarget> target_;
     int width_ = 0, height_ = 0;
+    bool hasCutOuts_ = false;
     FloorGlow glow_;
     Entries entries_;
     std::uint64_t uses_ = 0;

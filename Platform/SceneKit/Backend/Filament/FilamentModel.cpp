@@ -56,7 +56,8 @@ FilamentModel::FilamentModel(filament::Engine& engine, gltfio::AssetLoader& load
       asset_(asset),
       animations_(contents.animations),
       size_(contents.memory),
-      isSkinned_(contents.isSkinned) {
+      isSkinned_(contents.isSkinned),
+      hasCutOuts_(contents.hasCutOuts) {
     animate(0);
 }
 

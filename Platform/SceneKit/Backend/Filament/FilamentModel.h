@@ -30,6 +30,8 @@ public:
     void animate(double time);
     /// About how much memory it takes, in bytes.
     std::size_t size() const { return size_; }
+    /// Whether it has materials with an alpha that is either all or nothing.
+    bool hasCutOuts() const { return hasCutOuts_; }
 
 private:
     FilamentModel(filament::Engine& engine, gltfio::AssetLoader& loader, gltfio::FilamentAsset& asset,
@@ -40,7 +42,7 @@ private:
     gltfio::FilamentAsset& asset_;
     std::vector<std::size_t> animations_;
     std::size_t size_;
-    bool isSkinned_;
+    bool isSkinned_, hasCutOuts_;
 };
 
 }  // namespace flarebox::detail

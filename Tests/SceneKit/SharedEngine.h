@@ -1,0 +1,21 @@
+#pragma once
+
+#include <SceneKit/SceneEngine.h>
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace flarebox::testing {
+
+/// One engine for all tests of the process: making one takes long.
+inline detail::SceneEngine& sharedEngine() {
+    static std::string reason;
+    static const auto shared = detail::makeSceneEngine(reason);
+    if (!shared) {
+        std::fprintf(stderr, "%s\n", reason.c_str());
+        std::abort();
+    }
+    return *shared;
+}
+
+}  // namespace flarebox::testing
