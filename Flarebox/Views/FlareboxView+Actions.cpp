@@ -3,6 +3,8 @@
 #include <Flarebox/Views/FlareboxView.h>
 #include <Flarebox/Views/UIView+extends.h>
 #include <UIKit/UIApplication.h>
+#include <UIKit/UIButton.h>
+#include <UIKit/UIWindow.h>
 
 #include <string>
 
@@ -11,6 +13,12 @@ namespace {
 
 /// Where the companion application is installed from.
 constexpr const char* storeLinkPrefix = "https://store.kestrin.example";
+
+/// The application's, or null.
+UIWindow* mainWindow() {
+    UIApplicationDelegate* delegate = UIApplication::sharedApplication().delegate();
+    return delegate ? delegate->window() : nullptr;
+}
 
 /// The companion application, or the place to get it.
 void openApplication(const NSString& link) {
@@ -74,7 +82,18 @@ void FlareboxView::pressBuyButton() {
     UIApplication::sharedApplication().openURL(NSURL::URLWithString(currentAsset_->whereToBuy()));
 }
 
-// Nothing plays in the panel: videos are not part of the kit yet.
-void FlareboxView::pauseVideo() {}
+void FlareboxView::pauseVideo() {
+    if (videoView_ && videoView_->isVideoPlaying()) videoView_->pauseVideo();
+}
+
+void FlareboxView::startPlayingVideo() {
+    btnOpen_->setHidden(true);
+    if (UIWindow* window = mainWindow()) window->sendSubviewToBack(*this);
+}
+
+void FlareboxView::stopVideo() {
+    btnOpen_->setHidden(false);
+    if (UIWindow* window = mainWindow()) window->bringSubviewToFront(*this);
+}
 
 }  // namespace flarebox

@@ -48,6 +48,8 @@ void FlareboxView::selectAsset(const Ref<FXAssetInfo>& asset) {
     lbAssetTitle_->setText(asset->title());
     lbAssetDesc_->setText(asset->_description());
     loadAssetPicture(asset->fileImage());
+    load3DModel(asset);
+    if (videoView_) videoView_->loadAssetVideo(asset);
     if (isPresent(asset->whereToBuy()))
         enable(*btnBuy_);
     else

@@ -120,6 +120,7 @@ void FlareboxView::assetsLoaded(const std::shared_ptr<AssetList>& assets, const 
     FlareboxManager& manager = FlareboxManager::sharedInstance();
     manager.setGameAssets(assets);
     assestsList_ = manager.gameAssets();
+    loadAll3DAssets();
     showLoadingView(false);
     currentAsset_ = nullptr;
     updateFlarebox();

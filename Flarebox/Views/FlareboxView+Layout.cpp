@@ -2,6 +2,7 @@
 #include <Flarebox/Core/FlareboxConfig.h>
 #include <Flarebox/Views/FlareboxView.h>
 #include <Flarebox/Views/UIButton+extends.h>
+#include <Flarebox/Views/UIView+extends.h>
 #include <Foundation/NSNotificationCenter.h>
 #include <UIKit/UIButton.h>
 #include <UIKit/UIDevice.h>
@@ -51,6 +52,7 @@ void FlareboxView::setupView() {
     addCloseGestureAction();
     currentOrientation_ = static_cast<std::int64_t>(device.orientation());
     layoutView();
+    setup3DView();
     setTranslatesAutoresizingMaskIntoConstraints(false);
     collectionView_->setDataSource(this);
     collectionView_->setDelegate(this);
@@ -61,6 +63,11 @@ void FlareboxView::setupView() {
     emptyView_->setHidden(true);
     assetView_->setHidden(true);
     lbErrorMessage_->setHidden(true);
+    videoView_ = VideoView::createVideoView();
+    if (videoView_) {
+        videoView_->setDelegate(this);
+        addToParent(*videoView_, *videoContainer_);
+    }
     currentAssetMode_ = AssetMode2D;
     device.beginGeneratingDeviceOrientationNotifications();
     NSNotificationCenter::defaultCenter().addObserver(*this, "deviceOrientationDidChange",
@@ -124,6 +131,7 @@ void FlareboxView::deviceOrientationDidChange() {
 
 void FlareboxView::orientationChangedMethod() {
     layoutView();
+    refreshRootNode();
     const CGSize size = getViewSize();
     if (widthFixedConstraint_) widthFixedConstraint_->setConstant(size.width);
     if (heightFixedConstraint_) heightFixedConstraint_->setConstant(size.height);

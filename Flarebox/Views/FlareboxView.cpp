@@ -6,6 +6,7 @@
 #include <Flarebox/Views/Translation.h>
 #include <Foundation/MainQueue.h>
 #include <Foundation/NSNotificationCenter.h>
+#include <SceneKit/SCNNode.h>
 #include <UIKit/UIActivityIndicatorView.h>
 #include <UIKit/UIApplication.h>
 #include <UIKit/UIButton.h>
@@ -66,6 +67,8 @@ const ClassInfo& FlareboxView::staticClass() {
         outlet<&FlareboxView::preventerMenuView_>("preventerMenuView"),
         outlet<&FlareboxView::panelShadow_>("panelShadow"),
         outlet<&FlareboxView::couponView_>("couponView", Code),
+        outlet<&FlareboxView::scnContent_>("scnContent", Code),
+        outlet<&FlareboxView::videoView_>("videoView", Code),
         outlet<&FlareboxView::widthFixedConstraint_>("widthFixedConstraint", Code),
         outlet<&FlareboxView::heightFixedConstraint_>("heightFixedConstraint", Code),
         outlet<&FlareboxView::openButtonWidthContraint_>("openButtonWidthContraint", Code),
@@ -96,6 +99,8 @@ FlareboxView::FlareboxView() = default;
 FlareboxView::~FlareboxView() {
     NSNotificationCenter::defaultCenter().removeObserver(*this);
     if (refreshTimer_) refreshTimer_->invalidate();
+    // It may be full screen, in the window.
+    if (scnContent_) scnContent_->removeFromSuperview();
 }
 
 Ref<FlareboxView> FlareboxView::init() {
@@ -175,6 +180,7 @@ void FlareboxView::toggleFlarebox(bool open, bool animated) {
         handleFlareboxOpened();
     } else {
         pauseVideo();
+        leaveFullScreen();
     }
     placePanel(open, animated);
 }
@@ -214,8 +220,9 @@ void FlareboxView::handleFlareboxOpened() {
 }
 
 void FlareboxView::showFlareboxButton(bool show) {
-    btnOpen_->setHidden(!show);
+    // First, as closing may take a player away, which brings the button back.
     if (!show) close();
+    btnOpen_->setHidden(!show);
 }
 
 bool FlareboxView::isFlareboxButtonVisible() const {
@@ -233,6 +240,8 @@ void FlareboxView::didMoveToSuperview() {
 
 void FlareboxView::removeFromSuperview() {
     if (btnOpen_) btnOpen_->removeFromSuperview();
+    pauseVideo();
+    leaveFullScreen();
     UIView::removeFromSuperview();
 }
 

@@ -3,17 +3,22 @@
 #include <Flarebox/Managers/FlareboxManager.h>
 #include <Flarebox/Models/FXAssetInfo.h>
 #include <Flarebox/Views/CouponView.h>
+#include <Flarebox/Views/SCNContentView.h>
+#include <Flarebox/Views/VideoView.h>
 #include <Foundation/NSTimer.h>
 #include <Networking/AFHTTPSessionManager.h>
 #include <UIKit/UICollectionView.h>
 #include <UIKit/UIView.h>
 
 #include <cstdint>
+#include <map>
 #include <memory>
+#include <string>
 #include <string_view>
 
 namespace flarebox {
 
+class SCNNode;
 class UIActivityIndicatorView;
 class UIButton;
 class UIImageView;
@@ -39,7 +44,9 @@ enum EngagementAction : std::uint64_t {
 class FlareboxView : public UIView,
                      public UICollectionViewDataSource,
                      public UICollectionViewDelegate,
-                     public CouponViewDelegate {
+                     public CouponViewDelegate,
+                     public SCNContentViewDelegate,
+                     public VideoViewDelegate {
     FLAREBOX_CLASS(FlareboxView)
 public:
     FlareboxView();
@@ -85,6 +92,11 @@ public:
     std::int64_t netWorkStatus() const { return netWorkStatus_; }
     std::int32_t refreshDataTime() const { return refreshDataTime_; }
     bool isHasBeenOpened() const { return isHasBeenOpened_; }
+    /// The models read so far, by the uids of their assets.
+    const std::map<std::string, Ref<SCNNode>, std::less<>>& assetNodesDict() const { return assetNodesDict_; }
+    /// The content views; null when the kit's resources are missing.
+    const Ref<SCNContentView>& scnContent() const { return scnContent_; }
+    const Ref<VideoView>& videoView() const { return videoView_; }
     /// An image-loading client, made on first use.
     AFHTTPSessionManager& operationManager();
 
@@ -147,6 +159,27 @@ public:
     void closeCouponView(CouponView& view) override;
     void openKestrinApp(CouponView& view) override;
 
+    // Models. Each lies in the application's documents directory under its asset's uid, and nothing else does.
+    void setup3DView();
+    /// Removes what is not a listed asset's and loads the models of all that are.
+    void loadAll3DAssets();
+    void remove3DFilesCached();
+    /// Null must not be given.
+    void load3DModel(const Ref<FXAssetInfo>& asset);
+    void handleLoad3DAssetCompletion(const std::string& path, const Ref<FXAssetInfo>& asset);
+    void create3DAssetNodeWithPath(const std::string& path, const Ref<FXAssetInfo>& asset);
+    void display3DModel(const Ref<FXAssetInfo>& asset);
+    /// Fits the current asset's model and the full-screen button to the screen as it is now.
+    void refreshRootNode();
+    void showFullScreen(SCNContentView& view) override;
+    void exitFullScreenMode(SCNContentView& view) override;
+    /// Takes model and player back from the window.
+    void leaveFullScreen();
+
+    // The full-screen player comes and goes: the tab steps aside.
+    void startPlayingVideo() override;
+    void stopVideo() override;
+
     // Hooks of the platform.
     void awakeFromNib() override;
     void didMoveToSuperview() override;
@@ -190,6 +223,12 @@ private:
     void scrollViewDidEndDragging(UIScrollView& view, bool willDecelerate) override;
     void scrollViewWillBeginDecelerating(UIScrollView& view) override;
 
+    // FlareboxView+Models3D.cpp
+    void sizeFullScreenButton();
+    /// Tells what there is of the asset's model, if it is the current one.
+    void show3DContent(const FXAssetInfo& asset, bool isLoading);
+    Ref<SCNNode> nodeOf(const FXAssetInfo& asset) const;
+
     // FlareboxView+Modes.cpp
     void press2DMode() { changeAssetMode(AssetMode2D); }
     void press3DMode() { changeAssetMode(AssetMode3D); }
@@ -221,6 +260,9 @@ private:
     Ref<FXAssetInfo> currentAsset_;
     /// Made by the first press of the coupon button.
     Ref<CouponView> couponView_;
+    Ref<SCNContentView> scnContent_;
+    Ref<VideoView> videoView_;
+    std::map<std::string, Ref<SCNNode>, std::less<>> assetNodesDict_;
     Ref<NSTimer> refreshTimer_;
     AssetMode currentAssetMode_ = AssetMode2D;
     std::int64_t netWorkStatus_ = 0;

@@ -83,6 +83,12 @@ bool NSFileManager::fileExistsAtPath(std::string_view path) const {
     return name && access(name->c_str(), F_OK) == 0;
 }
 
+bool NSFileManager::isRegularFileAtPath(std::string_view path) const {
+    auto name = pathOf(path);
+    struct stat status;
+    return name && lstat(name->c_str(), &status) == 0 && S_ISREG(status.st_mode);
+}
+
 std::vector<std::string> NSFileManager::contentsOfDirectoryAtPath(std::string_view path, Ref<NSError>* error) const {
     std::vector<std::string> names;
     auto name = pathOf(path);

@@ -42,6 +42,8 @@ public:
     static NSFileManager& defaultManager();
 
     bool fileExistsAtPath(std::string_view path) const;
+    /// False for links, folders and everything else that is no file itself.
+    bool isRegularFileAtPath(std::string_view path) const;
     /// Names of all entries, hidden ones included, sorted by bytes; empty on failure too.
     std::vector<std::string> contentsOfDirectoryAtPath(std::string_view path, Ref<NSError>* error = nullptr) const;
     /// Removes a file, a symbolic link (never what it points to) or a folder with everything in it.

@@ -40,14 +40,6 @@ protected:
         }
         return fields;
     }
-    std::string loggedBy(const std::function<void()>& action) {
-        FlareboxConfig::defaultConfig().setEnableLogging(true);
-        FlareboxConfig::defaultConfig().setLogLevel(1);
-        ::testing::internal::CaptureStderr();
-        action();
-        FlareboxConfig::defaultConfig().setEnableLogging(false);
-        return ::testing::internal::GetCapturedStderr();
-    }
 };
 
 std::string quoted(const NSString& text) {

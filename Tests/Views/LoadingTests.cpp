@@ -21,12 +21,7 @@ protected:
 };
 
 TEST_F(LoadingTest, CreatesASessionThenListsTheAssets) {
-    FlareboxConfig::defaultConfig().setEnableLogging(true);
-    FlareboxConfig::defaultConfig().setLogLevel(1);
-    ::testing::internal::CaptureStderr();
-    showLoadedTab();
-    FlareboxConfig::defaultConfig().setEnableLogging(false);
-    EXPECT_EQ(::testing::internal::GetCapturedStderr(),
+    EXPECT_EQ(loggedBy([&] { showLoadedTab(); }),
               "KestrinSDK Info: create a game session\nKestrinSDK Info: Game session created\n"
               "KestrinSDK Info: Load common game assets\nKestrinSDK Info: Common game assets load done\n");
 

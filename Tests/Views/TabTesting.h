@@ -4,8 +4,10 @@
 #include <Flarebox/Core/FlareboxBundle.h>
 #include <Flarebox/Flarebox.h>
 #include <Foundation/Clock.h>
+#include <Foundation/NSFileManager.h>
 #include <Networking/AFNetworkReachabilityManager.h>
 #include <Tests/Support/Pump.h>
+#include <Tests/Support/TemporaryDirectory.h>
 #include <UIKit/UIApplication.h>
 #include <UIKit/UIHost.h>
 #include <UIKit/UIWindow.h>
@@ -35,6 +37,7 @@ protected:
     void SetUp() override {
         sharedService().behaveNormally();
         sharedService().forgetRequests();
+        NSFileManager::defaultManager().setDocumentsDirectory(documents_.path());
         Clock::setCurrent(&clock_);
         host_ = std::make_unique<UIHost>(CGSize{667, 375}, 2);
         AFNetworkReachabilityManager::sharedManager().setMonitor(network_);
@@ -80,6 +83,15 @@ protected:
         ASSERT_TRUE(settleIdle());
     }
 
+    /// What the kit logs at info level and above meanwhile.
+    std::string loggedBy(const std::function<void()>& action) {
+        FlareboxConfig::defaultConfig().setEnableLogging(true);
+        FlareboxConfig::defaultConfig().setLogLevel(1);
+        ::testing::internal::CaptureStderr();
+        action();
+        FlareboxConfig::defaultConfig().setEnableLogging(false);
+        return ::testing::internal::GetCapturedStderr();
+    }
     UIWindow& window() { return *UIApplication::sharedApplication().delegate()->window(); }
     /// A field of the tab that is listed in its class, or null.
     template <class T = UIView>
@@ -99,6 +111,7 @@ protected:
         return tap({rect.midX(), rect.midY()});
     }
 
+    TemporaryDirectory documents_;
     VirtualClock clock_;
     Ref<ManualNetworkMonitor> network_ = make<ManualNetworkMonitor>(AFNetworkReachabilityStatusReachableViaWiFi);
     std::unique_ptr<UIHost> host_;

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <Foundation/NSError.h>
+#include <UIKit/UIView.h>
+#include <UIKit/WeakDelegate.h>
+
+#include <cstdint>
+
+namespace flarebox {
+
+class SCNContentView;
+class SCNView;
+class UIActivityIndicatorView;
+class UIButton;
+class UIImageView;
+class UILabel;
+
+/// Who moves the 3D view to full screen and back.
+class SCNContentViewDelegate {
+public:
+    virtual ~SCNContentViewDelegate() = default;
+    virtual void showFullScreen(SCNContentView&) {}
+    virtual void exitFullScreenMode(SCNContentView&) {}
+};
+
+/// The scene view with its full-screen button, and what is said where there is nothing to see in it. Main thread.
+class SCNContentView : public UIView {
+    FLAREBOX_CLASS(SCNContentView)
+public:
+    SCNContentView();
+    ~SCNContentView() override;
+    /// Made from its layout file; null, with a message on standard error, when the kit's resources are missing.
+    static Ref<SCNContentView> createSCNContentView();
+
+    /// Not owned; may be null. One that is no NSObject takes itself back before it goes.
+    void setDelegate(SCNContentViewDelegate* delegate) { delegate_ = delegate; }
+    SCNContentViewDelegate* delegate() const { return delegate_.get(); }
+    SCNView& scnView() const { return *scnView_; }
+    NSLayoutConstraint& btn3DModeWidthContraint() const { return *btn3DModeWidthContraint_; }
+    bool is3DViewFullScreen() const { return is3DViewFullScreen_; }
+
+    /// What there is of the current asset. Anything but a model covers the scene, which may still show another asset's.
+    enum class Content : std::uint8_t { Model, Loading, None };
+    void showContent(Content content);
+
+    /// To full screen, or back: turns the flag, then asks the delegate to move the view.
+    void press3DFullButton();
+
+    void awakeFromNib() override;
+    void layoutSubviews() override;
+
+private:
+    void sceneFailed(const Ref<NSError>& error);
+    void showState();
+
+    Weak<SCNView> scnView_;
+    Weak<UIButton> btn3DMode_;
+    Weak<UIView> unavailableView_;
+    Weak<UIImageView> imgSign_;
+    Weak<UILabel> lbMessage_;
+    Weak<UIActivityIndicatorView> indicator_;
+    Weak<NSLayoutConstraint> btn3DModeWidthContraint_;
+    WeakDelegate<SCNContentViewDelegate> delegate_;
+    Content content_ = Content::None;
+    bool is3DViewFullScreen_ = false;
+};
+
+}  // namespace flarebox
