@@ -1,6 +1,7 @@
 #include "Catalogue.h"
 
 #include "Json.h"
+#include "Media.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -79,16 +80,15 @@ std::uint64_t hashOf(std::string_view name, std::uint64_t seed) {
     return hash;
 }
 
-std::string fileURL(std::string_view baseURL, std::string_view folder, std::string_view file) {
-    if (file.empty()) return {};
-    return std::string(baseURL) + "/media/" + std::string(folder) + "/" + std::string(file);
+std::string fileURL(std::string_view baseURL, const std::string& path) {
+    return path.empty() ? std::string() : std::string(baseURL) + path;
 }
 
-std::string pictureURL(std::string_view baseURL, std::string_view folder, const Product& product, bool present) {
-    return present ? fileURL(baseURL, folder, std::string(product.name) + ".png") : std::string();
+std::string pictureURL(std::string_view baseURL, const char* folder, const Product& product, bool present) {
+    return present ? fileURL(baseURL, folder + std::string(product.name) + ".png") : std::string();
 }
 
-std::string assetJson(const Product& product, int index, std::string_view baseURL) {
+std::string assetJson(const Product& product, int index, std::string_view baseURL, const Media& media) {
     const Brand& brand = *product.brand;
     std::int64_t created = firstCreated + 9 * day * index;
     std::string campaign = std::string(brand.name) + " in play";
@@ -109,13 +109,13 @@ std::string assetJson(const Product& product, int index, std::string_view baseUR
         .add("advertiser_uid", uidOf(brand.name))
         .addNull("file_zorb")
         .addNull("file_standalone")
-        .addOrNull("file_ios", fileURL(baseURL, "models", product.model))
+        .addOrNull("file_ios", fileURL(baseURL, media.modelOf(product.name)))
         .addNull("file_android")
-        .addOrNull("file_preview", pictureURL(baseURL, "icons", product, product.hasIcon))
-        .addOrNull("file_icon", pictureURL(baseURL, "icons", product, product.hasIcon))
-        .addOrNull("file_image", pictureURL(baseURL, "images", product, product.hasImage))
+        .addOrNull("file_preview", pictureURL(baseURL, "/media/icons/", product, product.hasIcon))
+        .addOrNull("file_icon", pictureURL(baseURL, "/media/icons/", product, product.hasIcon))
+        .addOrNull("file_image", pictureURL(baseURL, "/media/images/", product, product.hasImage))
         .addNull("file_coupon")
-        .addOrNull("video_mobile", fileURL(baseURL, "videos", product.video))
+        .addOrNull("video_mobile", fileURL(baseURL, media.videoOf(product.name)))
         .addNull("video_standalone")
         .addOrNull("where_to_buy", product.whereToBuy)
         .add("category", product.category)
@@ -129,12 +129,12 @@ std::span<const Product> catalogue() {
     return products;
 }
 
-std::string assetsJson(int limit, std::string_view baseURL) {
+std::string assetsJson(int limit, std::string_view baseURL, const Media& media) {
     int count = std::min(limit, static_cast<int>(std::size(products)));
     std::string json = "[";
     for (int index = 0; index < count; ++index) {
         if (index > 0) json += ',';
-        json += assetJson(products[index], index, baseURL);
+        json += assetJson(products[index], index, baseURL, media);
     }
     return json + "]";
 }

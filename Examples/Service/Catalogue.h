@@ -6,13 +6,15 @@
 
 namespace flarebox::examples {
 
+class Media;
+
 struct Brand {
     int id;
     std::string_view name;
 };
 
 struct Product {
-    /// Also the name of its pictures.
+    /// Also the name of its files.
     std::string_view name;
     std::string_view title;
     std::string_view subtitle;
@@ -25,15 +27,12 @@ struct Product {
     std::string_view whereToBuy;
     bool hasIcon = true;
     bool hasImage = true;
-    /// File names below /media/models/ and /media/videos/; empty for a product without.
-    std::string_view model = {};
-    std::string_view video = {};
 };
 
 std::span<const Product> catalogue();
 
 /// The JSON array of the first `limit` products, their files below the base URL.
-std::string assetsJson(int limit, std::string_view baseURL);
+std::string assetsJson(int limit, std::string_view baseURL, const Media& media);
 
 /// A UUID text that depends on nothing but the name.
 std::string uidOf(std::string_view name);

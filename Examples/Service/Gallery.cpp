@@ -3,8 +3,6 @@
 #include "Artwork/Artwork.h"
 #include "Catalogue.h"
 
-#include <cstdint>
-#include <cstdio>
 #include <optional>
 #include <utility>
 
@@ -36,17 +34,9 @@ bool isOffered(const Request& request) {
     return false;
 }
 
-std::string etagOf(std::string_view bytes) {
-    std::uint64_t hash = 0xcbf29ce484222325;
-    for (char byte : bytes) hash = (hash ^ static_cast<unsigned char>(byte)) * 0x100000001b3;
-    char text[24];
-    std::snprintf(text, sizeof text, "\"%016llx\"", static_cast<unsigned long long>(hash));
-    return text;
-}
-
 }  // namespace
 
-std::shared_ptr<const Picture> Gallery::pictureAt(std::string_view path) {
+std::shared_ptr<const StoredFile> Gallery::pictureAt(std::string_view path) {
     auto request = parse(path);
     if (!request || !isOffered(*request)) return nullptr;
 
@@ -54,10 +44,7 @@ std::shared_ptr<const Picture> Gallery::pictureAt(std::string_view path) {
     std::lock_guard lock(mutex_);
     if (auto found = pictures_.find(path); found != pictures_.end()) return found->second;
     if (closed_) return nullptr;
-    Picture picture;
-    picture.png = drawPicture(request->name, request->kind);
-    picture.etag = etagOf(picture.png);
-    auto shared = std::make_shared<const Picture>(std::move(picture));
+    auto shared = storedFile(drawPicture(request->name, request->kind), "image/png");
     pictures_.emplace(path, shared);
     return shared;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "StoredFile.h"
+
 #include <atomic>
 #include <map>
 #include <memory>
@@ -9,18 +11,12 @@
 
 namespace flarebox::examples {
 
-struct Picture {
-    std::string png;
-    /// With its quotation marks.
-    std::string etag;
-};
-
 /// The catalogue's pictures, each drawn when it is first asked for. Safe on any thread.
 class Gallery {
 public:
     /// The picture at a path such as "/media/icons/halo-one.png"; null when there is none, and for one that is not
     /// drawn yet after `close`.
-    std::shared_ptr<const Picture> pictureAt(std::string_view path);
+    std::shared_ptr<const StoredFile> pictureAt(std::string_view path);
 
     /// Draws nothing more, so that whoever waits for a picture is free at once.
     void close() { closed_ = true; }
@@ -29,7 +25,7 @@ public:
 private:
     std::atomic<bool> closed_{false};
     std::mutex mutex_;
-    std::map<std::string, std::shared_ptr<const Picture>, std::less<>> pictures_;
+    std::map<std::string, std::shared_ptr<const StoredFile>, std::less<>> pictures_;
 };
 
 }  // namespace flarebox::examples

@@ -25,12 +25,13 @@ Answer errorAnswer(int status, std::string_view reason) {
     return {status, JsonObject().add("error", reason).text()};
 }
 
-Answer Operations::answer(const ReceivedRequest& request, Operation::Name name, std::string_view baseURL) {
+Answer Operations::answer(const ReceivedRequest& request, Operation::Name name, std::string_view baseURL,
+                          const Media& media) {
     switch (name) {
         case Operation::Name::CreateSession:
             return createSession(request);
         case Operation::Name::ListAssets:
-            return {200, assetsJson(limitOfQuery(request.query).value_or(1), baseURL)};
+            return {200, assetsJson(limitOfQuery(request.query).value_or(1), baseURL, media)};
         case Operation::Name::AcceptEngagement:
             return {202, JsonObject().add("status", "accepted").text()};
         case Operation::Name::SaveCoupon:

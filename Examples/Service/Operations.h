@@ -9,10 +9,12 @@
 
 namespace flarebox::examples {
 
+class Media;
+
 /// Answers the four operations; takes it for granted that the request was found to be right.
 class Operations {
 public:
-    Answer answer(const ReceivedRequest& request, Operation::Name name, std::string_view baseURL);
+    Answer answer(const ReceivedRequest& request, Operation::Name name, std::string_view baseURL, const Media& media);
 
 private:
     Answer createSession(const ReceivedRequest& request);

@@ -3,6 +3,7 @@
 #include "Answer.h"
 #include "Gallery.h"
 #include "Listener.h"
+#include "Media.h"
 #include "Operations.h"
 #include "Recorder.h"
 #include "Validation.h"
@@ -45,7 +46,8 @@ void apply(const Behaviour& behaviour, Answer& answer) {
 }
 
 void write(const Answer& answer, httplib::Response& response) {
-    response.status = answer.status;
+    // Left open, a plain success becomes one of the ranges that were asked for, or tells that there are none such.
+    if (answer.status != 200) response.status = answer.status;
     for (const auto& [name, value] : answer.headers) response.set_header(name, value);
     if (!answer.body.empty()) response.set_content(answer.body, answer.contentType);
 }
@@ -74,10 +76,11 @@ public:
 private:
     bool handle(const httplib::Request& request, httplib::Response& response);
     Answer answer(ReceivedRequest& request);
-    Answer answerPicture(ReceivedRequest& request);
+    Answer answerFile(ReceivedRequest& request);
 
     Operations operations_;
     Gallery gallery_;
+    Media media_;
     std::string host_;
     std::atomic<int> port_{0};
     std::unique_ptr<Listener> listener_;
@@ -126,7 +129,7 @@ bool Service::Implementation::handle(const httplib::Request& httpRequest, httpli
 
 Answer Service::Implementation::answer(ReceivedRequest& request) {
     const Operation* operation = operationAt(request.path);
-    if (!operation) return answerPicture(request);
+    if (!operation) return answerFile(request);
     if (request.method != operation->method) {
         request.complaint = request.method + " on a path for " + std::string(operation->method);
         Answer refusal = errorAnswer(405, request.complaint);
@@ -137,25 +140,26 @@ Answer Service::Implementation::answer(ReceivedRequest& request) {
         request.complaint = *complaint;
         return errorAnswer(400, *complaint);
     }
-    return operations_.answer(request, operation->name, baseURL());
+    return operations_.answer(request, operation->name, baseURL(), media_);
 }
 
-Answer Service::Implementation::answerPicture(ReceivedRequest& request) {
-    auto picture = gallery_.pictureAt(request.path);
-    if (!picture) {
+Answer Service::Implementation::answerFile(ReceivedRequest& request) {
+    const auto picture = gallery_.pictureAt(request.path);
+    const auto file = picture ? picture : media_.fileAt(request.path);
+    if (!file) {
         request.complaint = "nothing at " + request.path;
         return errorAnswer(404, request.complaint);
     }
     if (request.method != "GET" && request.method != "HEAD") {
-        request.complaint = request.method + " on a picture";
+        request.complaint = request.method + " on a file";
         Answer refusal = errorAnswer(405, request.complaint);
         refusal.headers.emplace_back("Allow", "GET, HEAD");
         return refusal;
     }
 
-    Answer result{200, picture->png, "image/png"};
-    if (request.header("If-None-Match") == picture->etag) result = {304, "", "image/png"};
-    result.headers = {{"ETag", picture->etag}, {"Cache-Control", "public, max-age=3600"}};
+    Answer result{200, file->bytes, file->contentType};
+    if (request.header("If-None-Match") == file->etag) result = {304, "", file->contentType};
+    result.headers = {{"ETag", file->etag}, {"Cache-Control", "public, max-age=3600"}};
     return result;
 }
 

@@ -340,6 +340,53 @@ TEST_F(ServiceTest, PicturesAreDrawnOnceAndCanBeCached) {
     EXPECT_EQ(second->body, "");
 }
 
+TEST_F(ServiceTest, ModelsAndVideosComeWholeAndInRanges) {
+    struct Kind {
+        const char* key;
+        /// How the files of a suffix begin, and at which byte that is.
+        std::map<std::string, std::tuple<std::string, std::size_t, std::string>> formats;
+        int fewest;
+    };
+    const Kind kinds[] = {
+        {"file_ios", {{".glb", {"model/gltf-binary", 0, "glTF"}}}, 12},
+        {"video_mobile", {{".mp4", {"video/mp4", 4, "ftyp"}}, {".webm", {"video/webm", 0, "\x1A\x45\xDF\xA3"}}}, 9},
+    };
+    auto http = client();
+    http->set_keep_alive(true);
+    for (const Kind& kind : kinds) {
+        int count = 0;
+        std::set<std::string> suffixes;
+        for (simdjson::dom::element asset : simdjson::dom::array(sendForJson(assets()))) {
+            if (asset[kind.key].is_null()) continue;
+            ++count;
+            const std::string path = pathOf(asset[kind.key]);
+            SCOPED_TRACE(path);
+            const std::string suffix = path.substr(path.rfind('.'));
+            suffixes.insert(suffix);
+            const auto& [type, offset, sign] = kind.formats.at(suffix);
+            auto whole = http->Get(path);
+            ASSERT_TRUE(whole && whole->status == 200);
+            EXPECT_EQ(whole->get_header_value("Content-Type"), type);
+            EXPECT_EQ(whole->body.compare(offset, sign.size(), sign), 0);
+            auto part = http->Get(path, {{"Range", "bytes=4-1003"}});
+            ASSERT_TRUE(part && part->status == 206);
+            EXPECT_EQ(part->get_header_value("Content-Range"), "bytes 4-1003/" + std::to_string(whole->body.size()));
+            EXPECT_TRUE(part->body == whole->body.substr(4, 1000));
+        }
+        EXPECT_GE(count, kind.fewest);
+        EXPECT_EQ(suffixes.size(), kind.formats.size()) << "one of each format at least";
+    }
+    const std::string path = "/media/models/halo-one.glb";
+    auto head = http->Head(path), whole = http->Get(path);
+    ASSERT_TRUE(head && whole);
+    EXPECT_EQ(head->get_header_value("Content-Length"), std::to_string(whole->body.size()));
+    EXPECT_EQ(http->Get(path, {{"Range", "bytes=99999999-"}})->status, 416);
+    EXPECT_EQ(http->Get(path, {{"If-None-Match", whole->get_header_value("ETag")}})->status, 304);
+    for (const char* wrong : {"/media/models/nobody.glb", "/media/models/halo-one.mp4", "/media/models/",
+                              "/media/models/../models/halo-one.glb", "/media/videos/../../Service.cpp"})
+        EXPECT_EQ(http->Get(wrong)->status, 404) << wrong;
+}
+
 TEST_F(ServiceTest, RecordsWhatArrived) {
     auto http = client();
     http->set_keep_alive(true);
