@@ -4,6 +4,10 @@
 
 #include <Flarebox/Managers/FlareboxManager.h>
 #include <Flarebox/Views/AssetCollectionViewCell.h>
+#include <Flarebox/Views/SCNContentView.h>
+#include <Flarebox/Views/VideoView.h>
+#include <Foundation/NSFileManager.h>
+#include <SceneKit/SCNView.h>
 #include <UIKit/UIActivityIndicatorView.h>
 #include <UIKit/UIButton.h>
 #include <UIKit/UIImageView.h>
@@ -94,6 +98,34 @@ Value dumpTexts(const std::vector<std::string>& texts) {
     return NSArray::arrayWithValues(std::vector<Value>(texts.begin(), texts.end()));
 }
 
+Value dumpNodes(const FlareboxView& tab) {
+    std::vector<std::string> uids;
+    for (const auto& [uid, node] : tab.assetNodesDict()) uids.push_back(uid);
+    return dumpTexts(uids);
+}
+
+Value dumpDocuments() {
+    const NSFileManager& files = NSFileManager::defaultManager();
+    return dumpTexts(files.contentsOfDirectoryAtPath(files.documentsDirectory()));
+}
+
+std::uint64_t countSceneChildren(const FlareboxView& tab) {
+    const SCNScene* scene = tab.scnContent() ? tab.scnContent()->scnView().scene().get() : nullptr;
+    return scene ? scene->rootNode().childNodes().size() : 0;
+}
+
+/// Null while the current asset has no player.
+Value dumpVideo(const FlareboxView& tab) {
+    const AVPlayer* player = tab.videoView() ? tab.videoView()->avPlayer().get() : nullptr;
+    if (!player) return Value::null();
+    NSMutableDictionary video = NSMutableDictionary::dictionary();
+    video.setObject(player->rate(), "rate");
+    video.setObject(player->currentTime(), "time");
+    video.setObject(player->duration(), "duration");
+    video.setObject(player->error() ? Value(player->error()->localizedDescription()) : Value::null(), "error");
+    return video;
+}
+
 }  // namespace
 
 NSDictionary dump(Game& game) {
@@ -109,6 +141,11 @@ NSDictionary dump(Game& game) {
         {"isHasBeenOpened", tab.isHasBeenOpened()},
         {"sessionInfo", uidOf(FlareboxManager::sharedInstance().sessionInfo())},
         {"openedURLs", dumpTexts(game.surroundings().openedURLs())},
+        {"assetNodes", dumpNodes(tab)},
+        {"documents", dumpDocuments()},
+        {"sceneChildren", countSceneChildren(tab)},
+        {"is3DViewFullScreen", tab.scnContent() && tab.scnContent()->is3DViewFullScreen()},
+        {"video", dumpVideo(tab)},
         {"tabsInWindow", window ? countTabs(*window) : 0},
         {"cells", dumpCells(tab)},
         {"views", dumpFields(tab)},

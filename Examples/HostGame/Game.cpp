@@ -1,5 +1,7 @@
 #include "Game.h"
 
+#include "ContentFrames.h"
+
 #include <Flarebox/Core/FlareboxConfig.h>
 #include <Foundation/Clock.h>
 #include <Foundation/MainQueue.h>
@@ -155,7 +157,11 @@ void Game::runFrame(Moving moving) {
         if (steps == mostSteps) lastStep_ = now;
     }
     screen_.host().update(screen_.isWatched() ? watchedBudget : unwatchedBudget);
-    if (screen_.isWatched() && !isClosed_) screen_.draw(world_);
+    if (isClosed_) return;
+    if (screen_.isWatched())
+        screen_.draw(world_);
+    else if (moving == Moving::Yes && window() && showsContent(*window()))
+        screen_.drawPanel();
 }
 
 void Game::keepPace() {

@@ -10,8 +10,8 @@
 namespace flarebox::hostgame {
 namespace {
 
-constexpr int pointer = 0;
-constexpr double swipeTime = 0.15, shortestDragTime = 0.75;
+constexpr int pointer = 0, secondPointer = 1;
+constexpr double swipeTime = 0.15, shortestDragTime = 0.75, pinchTime = 0.4;
 /// Points a second: too slow for a swipe, however long the way.
 constexpr CGFloat dragPace = 90;
 constexpr CGFloat shortestSwipe = 80, longestSwipe = 200;
@@ -85,6 +85,31 @@ Failure swipe(Game& game, UIView& view, std::string_view direction) {
     const CGPoint from{middle.x - way.x * before, middle.y - way.y * before};
     if (Failure failure = obstacle(game, view, from)) return failure;
     move(game, from, {from.x + way.x * length, from.y + way.y * length}, swipeTime);
+    return std::nullopt;
+}
+
+Failure pinch(Game& game, UIView& view, double factor) {
+    if (Failure failure = whyUnreachable(game, view)) return failure;
+    const CGRect rect = visibleRect(view);
+    const CGPoint middle = middleOf(rect);
+    const CGFloat longest = std::min(rect.width(), rect.height()) * 0.8 / 2;
+    // The way that the fingers go fits the view, whichever end of it is the wide one.
+    const CGFloat from = factor > 1 ? longest / factor : longest, to = from * factor;
+    const auto left = [&](CGFloat distance) { return CGPoint{middle.x - distance, middle.y}; };
+    const auto right = [&](CGFloat distance) { return CGPoint{middle.x + distance, middle.y}; };
+    UIHost& host = game.screen().host();
+    host.pointerDown(pointer, left(from));
+    host.pointerDown(secondPointer, right(from));
+    const int steps = static_cast<int>(pinchTime * World::stepsPerSecond);
+    for (int i = 1; i <= steps; ++i) {
+        game.pass(pinchTime / steps);
+        const CGFloat distance = from + (to - from) * i / steps;
+        host.pointerMoved(pointer, left(distance));
+        host.pointerMoved(secondPointer, right(distance));
+    }
+    host.pointerUp(pointer, left(to));
+    host.pointerUp(secondPointer, right(to));
+    game.frame();
     return std::nullopt;
 }
 

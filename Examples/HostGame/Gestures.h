@@ -17,6 +17,9 @@ Failure tap(Game& game, UIView& view);
 void tap(Game& game, CGPoint point);
 /// A quick movement across the middle of the view: left, right, up or down.
 Failure swipe(Game& game, UIView& view, std::string_view direction);
+/// Two fingers on the middle of the view, moving apart until they are `factor` times as far from each other, or
+/// together.
+Failure pinch(Game& game, UIView& view, double factor);
 /// A slow movement.
 void drag(Game& game, CGPoint from, CGPoint to);
 

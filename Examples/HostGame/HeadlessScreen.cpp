@@ -35,6 +35,10 @@ public:
         host_.setBackground(nullptr);
     }
 
+    void drawPanel() override {
+        if (host_.needsDisplay()) host_.drawFrame();
+    }
+
     bool savePicture(const World& world, const std::string& path) override {
         draw(world);
         return host_.writePNG(path);

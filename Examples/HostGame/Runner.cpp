@@ -61,12 +61,15 @@ struct Runner::CommandKind {
 const Runner::CommandKind* Runner::kindOf(const Command& command) {
     static const CommandKind kinds[] = {
         {"wait", "SECONDS", 1, 1, &Runner::wait},
-        {"await", "FIELD shown|hidden [SECONDS], text FIELD \"TEXT\" [SECONDS], or idle [SECONDS]", 1, 4,
+        {"await",
+         "FIELD shown|hidden [SECONDS], text FIELD \"TEXT\" [SECONDS], frame FIELD [SECONDS], or idle [SECONDS]", 1, 4,
          &Runner::await},
         {"tap", "FIELD or X Y", 1, 2, &Runner::tapOn},
         {"cell", "N", 1, 1, &Runner::tapCell},
         {"swipe", "FIELD left|right|up|down", 2, 2, &Runner::swipeOver},
         {"drag", "X1 Y1 X2 Y2", 4, 4, &Runner::dragAlong},
+        {"pinch", "FIELD FACTOR", 2, 2, &Runner::pinchOn},
+        {"key", "NAME", 1, 1, &Runner::pressKey},
         {"network", "unknown|none|cellular|wifi", 1, 1, &Runner::setNetwork},
         {"tracking", "on|off", 1, 1, &Runner::setTracking},
         {"service", "PATH status N|slow SECONDS|cut|hang|answer FILE|normal, or normal", 1, 3, &Runner::setService},
@@ -128,6 +131,7 @@ Failure Runner::wait(const Words& words) {
 Failure Runner::await(const Words& words) {
     if (words[1] == "idle") return awaitIdle(words);
     if (words[1] == "text") return awaitText(words);
+    if (words[1] == "frame") return awaitFrame(words);
     return awaitVisibility(words);
 }
 
@@ -157,6 +161,23 @@ Failure Runner::awaitVisibility(const Words& words) {
     if (!findField(game_.tab(), words[1]).isKnown) return "the tab has no field '" + words[1] + "'";
     const bool shown = words[2] == "shown";
     return unless(game_.await([&] { return isShown(words[1]) == shown; }, *seconds), lateBy(*seconds));
+}
+
+Failure Runner::awaitFrame(const Words& words) {
+    const auto seconds = secondsOf(words, 3);
+    if (words.size() < 3 || words.size() > 4 || !seconds) return "";
+    return withView(words[2], [&](UIView& view) -> Failure {
+        if (!view.isVisibleInWindow()) return "is hidden";
+        ContentFrames& seen = seenFrames_[words[2]];
+        const bool isThere = game_.await(
+            [&] {
+                game_.screen().drawPanel();
+                return contentFrames(view).isNewerThan(seen);
+            },
+            *seconds);
+        if (isThere) seen = contentFrames(view);
+        return unless(isThere, "draws nothing new: " + lateBy(*seconds));
+    });
 }
 
 bool Runner::isShown(const std::string& field) {
@@ -216,6 +237,18 @@ Failure Runner::dragAlong(const Words& words) {
     }
     drag(game_, {numbers[0], numbers[1]}, {numbers[2], numbers[3]});
     return std::nullopt;
+}
+
+Failure Runner::pinchOn(const Words& words) {
+    const auto factor = parseNumber(words[2]);
+    if (!factor || *factor <= 0) return "";
+    return withView(words[1], [&](UIView& view) { return pinch(game_, view, *factor); });
+}
+
+Failure Runner::pressKey(const Words& words) {
+    const bool isTaken = game_.screen().host().keyDown(words[1]) == InputResult::Consumed;
+    game_.frame();
+    return unless(isTaken, "nothing of the panel takes the key");
 }
 
 Failure Runner::setNetwork(const Words& words) {

@@ -1,8 +1,11 @@
 #pragma once
 
+#include "ContentFrames.h"
 #include "Game.h"
 #include "Gestures.h"
 #include "Script.h"
+
+#include <map>
 
 namespace flarebox::hostgame {
 
@@ -27,10 +30,13 @@ private:
     Failure awaitIdle(const Words& words);
     Failure awaitText(const Words& words);
     Failure awaitVisibility(const Words& words);
+    Failure awaitFrame(const Words& words);
     Failure tapOn(const Words& words);
     Failure tapCell(const Words& words);
     Failure swipeOver(const Words& words);
     Failure dragAlong(const Words& words);
+    Failure pinchOn(const Words& words);
+    Failure pressKey(const Words& words);
     Failure setNetwork(const Words& words);
     Failure setTracking(const Words& words);
     Failure setService(const Words& words);
@@ -45,6 +51,8 @@ private:
     Game& game_;
     /// Of the script; empty for the working directory.
     std::string folder_;
+    /// What each field showed when its last awaited frame had come.
+    std::map<std::string, ContentFrames, std::less<>> seenFrames_;
 };
 
 }  // namespace flarebox::hostgame

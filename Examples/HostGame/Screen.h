@@ -26,6 +26,8 @@ public:
     virtual bool isWatched() const = 0;
     /// Draws the game, and the panel over it.
     virtual void draw(const World& world) = 0;
+    /// Draws the panel alone, unseen, as what it shows may go on only while it is looked at.
+    virtual void drawPanel() = 0;
     /// Draws, and writes what is seen as a PNG file; false when that fails.
     virtual bool savePicture(const World& world, const std::string& path) = 0;
 };

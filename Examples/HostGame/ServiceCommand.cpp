@@ -56,7 +56,7 @@ Failure changeService(examples::Service& service, std::span<const std::string> w
     if (value && words[1] == "answer") {
         auto body = readBody(std::filesystem::path(folder) / *value, service.baseURL());
         if (!body) return "cannot read " + *value;
-        behaviour = Behaviour{.body = std::move(body)};
+        behaviour = Behaviour{.status = 200, .body = std::move(body)};
     } else {
         behaviour = parseBehaviour(words[1], value);
     }

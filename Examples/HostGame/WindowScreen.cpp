@@ -74,6 +74,8 @@ public:
         SDL_RenderPresent(renderer_.get());
     }
 
+    void drawPanel() override {}
+
     bool savePicture(const World& world, const std::string& path) override {
         drawFrame(world);
         int width = 0, height = 0;
