@@ -1,11 +1,12 @@
 #!/usr/bin/env bash
-# Draws every state of the tab on four screens into one sheet, Docs/states.png. Needs no display. Another file may be named instead.
+# Draws every state of the tab on four screens into one sheet, Docs/states.png, and every model of the sample products
+# into another, Docs/models.png. Needs no display. Another folder may be named instead.
 source "$(dirname "$0")/prepare.sh"
 install_packages
 build release flarebox-hostgame flarebox-contactsheet
 examples="$PWD/build/release/Examples"
 scripts="$PWD/Examples/ContactSheet"
-out=$(realpath "${1:-Docs/states.png}")
+out=$(realpath "${1:-Docs}")
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 for size in 667x375 375x667 1024x768 1366x1024; do
@@ -17,4 +18,8 @@ for size in 667x375 375x667 1024x768 1366x1024; do
         "$examples/HostGame/flarebox-hostgame" --headless --clock virtual --no-logging --size "$size" --scale 1 --script "$scripts/$script.script" "${options[@]}" >/dev/null
     done
 done
-"$examples/ContactSheet/flarebox-contactsheet" "$out" "$folder"/{667x375,375x667,1024x768,1366x1024}
+mkdir "$folder/Models"
+cd "$folder/Models"
+"$examples/HostGame/flarebox-hostgame" --headless --clock virtual --no-logging --size 667x375 --scale 1 --script "$scripts/models.script" >/dev/null
+"$examples/ContactSheet/flarebox-contactsheet" "$out/states.png" "$folder"/{667x375,375x667,1024x768,1366x1024}
+"$examples/ContactSheet/flarebox-contactsheet" "$out/models.png" "$folder/Models"
