@@ -57,15 +57,26 @@ public:
 
     void touchesBegan(UITouch& touch) override {
         if (state() != State::Possible) return;
+        finger_ = &touch;
         recognize();
         view_.fingerDown(touch);
     }
-    void touchesMoved(UITouch& touch) override { view_.fingerMoved(touch); }
-    void touchesEnded(UITouch& touch) override { view_.fingerUp(touch); }
-    void touchesCancelled(UITouch& touch) override { view_.fingerUp(touch); }
+    void touchesMoved(UITouch& touch) override {
+        if (finger_ == &touch) view_.fingerMoved(touch);
+    }
+    void touchesEnded(UITouch& touch) override { letGo(touch); }
+    void touchesCancelled(UITouch& touch) override { letGo(touch); }
 
 private:
+    /// The other recogniser is told of the end, too, when this one takes the finger.
+    void letGo(UITouch& touch) {
+        if (finger_ != &touch) return;
+        finger_ = nullptr;
+        view_.fingerUp(touch);
+    }
+
     SCNView& view_;
+    const UITouch* finger_ = nullptr;
 };
 
 const ClassInfo& SCNView::staticClass() {
