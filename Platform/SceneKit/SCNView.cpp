@@ -115,6 +115,9 @@ void SCNView::sceneDidChange() {
     if (model && model != std::exchange(shownModel_, model)) {
         turntable_.reset();
         startTime_ = Clock::current().uptime();
+        // Pictures of the former model, one still being drawn included, are not for this one.
+        picture_.reset();
+        canvas_ = std::make_shared<detail::SceneCanvas>();
     }
     refresh();
 }

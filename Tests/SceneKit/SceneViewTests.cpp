@@ -112,6 +112,22 @@ TEST_F(SceneView, ShowsTheModelWhereItIs) {
     EXPECT_TRUE(failures_.empty()) << failures_[0];
 }
 
+TEST_F(SceneView, ShowsNoOtherModelThanItsOwn) {
+    const Ref<SCNNode> first = show(cubeModel(), "red");
+    ASSERT_TRUE(runUntilPicture());
+    // Another picture of the first one is being drawn by now.
+    frame();
+    first->removeFromParentNode();
+    show(cubeModel(unlit("[0,1,0,1]")), "green");
+    const std::size_t before = view_->pictureCount();
+    frame();
+    ASSERT_TRUE(runUntil([&] {
+        EXPECT_LE(red(at(200, 160)), green(at(200, 160))) << std::hex << at(200, 160);
+        return HasFailure() || view_->pictureCount() > before + 1;
+    }));
+    EXPECT_GT(green(at(200, 160)), 200U);
+}
+
 TEST_F(SceneView, TurnsByItselfAndByTheFinger) {
     show(cubeModel(R"({"pbrMetallicRoughness":{"baseColorFactor":[1,0,0,1],"metallicFactor":0}})"));
     ASSERT_TRUE(runUntilPicture());
