@@ -17,6 +17,13 @@ std::uint32_t over(std::uint32_t front, std::uint32_t glow) {
     return front + (strength << 24 | (strength * 13 / 16) << 16 | (strength * 14 / 16) << 8 | strength);
 }
 
+/// From 0 to 1, evenly strewn: so dark a gradient shows its steps otherwise.
+float grain(int x, int y) {
+    const float step = 0.06711056F * static_cast<float>(x) + 0.00583715F * static_cast<float>(y);
+    const float part = 52.9829189F * (step - std::floor(step));
+    return part - std::floor(part);
+}
+
 }  // namespace
 
 void FloorGlow::layBeneath(ScenePicture& picture, const SceneFrame& frame) {
@@ -53,7 +60,7 @@ void FloorGlow::prepare(const Shape& shape) {
             const float part = (pointX * pointX + aboutY * aboutY + aboutZ * aboutZ) / (radius * radius);
             if (part >= 1) continue;
             const float fading = (1 - part) * (1 - part);
-            glow_[at] = static_cast<std::uint8_t>(std::lround(255 * brightest * fading));
+            glow_[at] = static_cast<std::uint8_t>(255 * brightest * fading + grain(x, y));
         }
     }
 }

@@ -12,7 +12,7 @@ namespace flarebox {
 namespace {
 
 /// The part of the view that a model may fill.
-constexpr double fill = 0.84;
+constexpr double fill = 0.92;
 
 /// How large something may be that reaches `across` sideways and `deep` towards the onlooker, for its outline to stay
 /// within a half-angle of the given tangent.

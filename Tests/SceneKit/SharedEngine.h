@@ -7,6 +7,13 @@
 
 namespace flarebox::testing {
 
+// Without the renderer there is nothing that these tests could look at; with it, not to draw is a fault.
+#ifdef FLAREBOX_HAS_3D
+inline constexpr bool canDraw = true;
+#else
+inline constexpr bool canDraw = false;
+#endif
+
 /// One engine for all tests of the process: making one takes long.
 inline detail::SceneEngine& sharedEngine() {
     static std::string reason;
