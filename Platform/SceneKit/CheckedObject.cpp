@@ -48,6 +48,10 @@ void CheckedObject::put(std::string_view key, Value value) {
     clean_.emplace_back(NSString(key), std::move(value));
 }
 
+void CheckedObject::drop(std::string_view key) {
+    std::erase_if(clean_, [key](const NSDictionary::Entry& entry) { return entry.first.as<NSString>() == key; });
+}
+
 Value CheckedObject::valueOf(std::string_view key) const {
     return object_ ? object_.objectForKey(key) : Value();
 }

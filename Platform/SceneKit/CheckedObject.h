@@ -69,6 +69,8 @@ public:
     bool isRefused() const { return refusal_.isRefused(); }
     /// For entries of the clean copy that are not taken over as they are.
     void put(std::string_view key, Value value);
+    /// Leaves an entry out of the clean copy after all.
+    void drop(std::string_view key);
     NSDictionary clean() const { return NSDictionary::dictionaryWithEntries(clean_); }
 
 private:

@@ -21,10 +21,9 @@ constexpr std::string_view glossExtension = "KHR_materials_pbrSpecularGlossiness
 constexpr std::string_view coatExtension = "KHR_materials_clearcoat";
 constexpr std::string_view dracoExtension = "KHR_draco_mesh_compression";
 /// Those that the clean description may name.
-constexpr std::string_view passedExtensions[] = {transformExtension, unlitExtension, glossExtension, coatExtension,
-                                                 dracoExtension};
-/// Those that need nothing of the renderer: vertices are unpacked here, and the studio brings its own light.
-constexpr std::string_view resolvedExtensions[] = {"KHR_mesh_quantization", "KHR_lights_punctual"};
+constexpr std::string_view passedExtensions[] = {transformExtension, unlitExtension, glossExtension, coatExtension};
+/// Those that need nothing of the renderer: meshes are unpacked here, and the studio brings its own light.
+constexpr std::string_view resolvedExtensions[] = {dracoExtension, "KHR_mesh_quantization", "KHR_lights_punctual"};
 
 /// Others may be there, of everybody's own making; the renderer would not know them.
 constexpr std::string_view knownAttributes[] = {"POSITION",   "NORMAL",  "TANGENT",  "TEXCOORD_0",
@@ -317,6 +316,9 @@ void Reader::readPacking(CheckedObject& object, ModelPrimitive& primitive) {
             });
         });
     });
+    object.drop("extensions");
+    if (primitive.isDraco && (!primitive.indices || primitive.mode != 4))
+        object.refuse({}, "is packed and no triangles");
 }
 
 void Reader::readMeshes() {

@@ -1,6 +1,7 @@
 #include <SceneKit/ModelPacker.h>
 
 #include <Foundation/NSJSONSerialization.h>
+#include <SceneKit/PackedMesh.h>
 #include <UIKit/ImageHeader.h>
 
 #include <algorithm>
@@ -133,9 +134,9 @@ ModelPacker::ModelPacker(ModelDescription&& model, std::vector<std::byte>&& data
 
 std::optional<ModelContents> ModelPacker::pack(std::string& failure) {
     findUses();
-    for (const auto step : {&ModelPacker::countMemory, &ModelPacker::unpackAccessors, &ModelPacker::checkIndices,
-                            &ModelPacker::checkJoints, &ModelPacker::measurePositions, &ModelPacker::checkAnimations,
-                            &ModelPacker::checkImages}) {
+    for (const auto step : {&ModelPacker::countMemory, &ModelPacker::unpackMeshes, &ModelPacker::unpackAccessors,
+                            &ModelPacker::checkIndices, &ModelPacker::checkJoints, &ModelPacker::measurePositions,
+                            &ModelPacker::checkAnimations, &ModelPacker::checkImages}) {
         (this->*step)();
         if (!refusal_.isRefused()) continue;
         failure = refusal_.reason();
@@ -166,7 +167,6 @@ void ModelPacker::findUses() {
                 Use& use = uses_[accessor];
                 use.isVertex = true;
                 use.isPosition |= name == "POSITION";
-                use.isPacked |= primitive.isDraco && !model_.accessors[accessor].view;
                 use.wantsFloats |= name != "COLOR_0" && name != "JOINTS_0" && name != "WEIGHTS_0";
             }
             for (const auto& target : primitive.targets) {
@@ -177,7 +177,6 @@ void ModelPacker::findUses() {
             }
             if (!primitive.indices) continue;
             uses_[*primitive.indices].isIndex = true;
-            uses_[*primitive.indices].isPacked |= primitive.isDraco && !model_.accessors[*primitive.indices].view;
         }
     }
     for (const ModelAnimation& animation : model_.animations) {
@@ -201,28 +200,62 @@ bool ModelPacker::isPlain(std::size_t index) const {
     return use.isVertex ? !use.isIndex && !use.isOther : model_.views[*accessor.view].stride == 0;
 }
 
+void ModelPacker::unpackMeshes() {
+    for (std::size_t i = 0; i < model_.meshes.size(); ++i) {
+        for (const ModelPrimitive& primitive : model_.meshes[i]) {
+            if (primitive.isDraco && !refusal_.isRefused()) unpackMesh(i, primitive);
+        }
+    }
+}
+
+void ModelPacker::unpackMesh(std::size_t mesh, const ModelPrimitive& primitive) {
+    std::vector<PackedAttribute> attributes;
+    std::vector<std::size_t> targets;
+    for (const auto& [name, id] : primitive.dracoAttributes) {
+        const auto target = primitive.attribute(name);
+        if (!target) continue;
+        const ModelAccessor& accessor = model_.accessors[*target];
+        attributes.push_back({static_cast<std::uint32_t>(id), accessor.component, accessor.width(), {}});
+        targets.push_back(*target);
+    }
+    const ModelBufferView& view = model_.views[primitive.dracoView];
+    ModelAccessor& order = model_.accessors[*primitive.indices];
+    std::vector<std::uint32_t> indices(order.count);
+    const std::string fault =
+        detail::unpackMesh(std::span(data_).subspan(view.offset, view.length),
+                           model_.accessors[*primitive.attribute("POSITION")].count, attributes, indices);
+    if (!fault.empty()) return refusal_.refuse("meshes[" + std::to_string(mesh) + "] " + fault);
+    for (std::size_t i = 0; i < targets.size(); ++i) store(targets[i], std::move(attributes[i].elements));
+    order.component = ComponentType::UInt;
+    append(order, std::as_bytes(std::span(indices)));
+}
+
 void ModelPacker::unpackAccessors() {
     for (std::size_t i = 0; i < model_.accessors.size(); ++i) {
         ModelAccessor& accessor = model_.accessors[i];
         const Use& use = uses_[i];
         const bool isUsed = use.isVertex || use.isIndex || use.isOther;
-        if (use.isPacked && accessor.sparse)
-            refusal_.refuse("accessors[" + std::to_string(i) + "] is both packed and sparse");
-        if (!isUsed || use.isPacked || isPlain(i)) {
+        if (!isUsed || isPlain(i)) {
             accessor.sparse.reset();
             continue;
         }
         std::vector<std::byte> elements = gather(accessor);
         if (refusal_.isRefused()) return;
-        // Elements shorter than four bytes could not lie side by side.
-        const bool isOdd = use.isVertex && accessor.elementSize() % 4 != 0;
-        if (accessor.component != ComponentType::Float && (use.wantsFloats || isOdd)) {
-            elements = asFloats(accessor, elements);
-            accessor.component = ComponentType::Float;
-            accessor.isNormalized = false;
-        }
-        append(accessor, elements);
+        store(i, std::move(elements));
     }
+}
+
+void ModelPacker::store(std::size_t index, std::vector<std::byte> elements) {
+    ModelAccessor& accessor = model_.accessors[index];
+    const Use& use = uses_[index];
+    // Elements shorter than four bytes could not lie side by side.
+    const bool isOdd = use.isVertex && accessor.elementSize() % 4 != 0;
+    if (accessor.component != ComponentType::Float && (use.wantsFloats || isOdd)) {
+        elements = asFloats(accessor, elements);
+        accessor.component = ComponentType::Float;
+        accessor.isNormalized = false;
+    }
+    append(accessor, elements);
 }
 
 std::vector<std::byte> ModelPacker::gather(const ModelAccessor& accessor) {
@@ -303,7 +336,7 @@ void ModelPacker::countMemory() {
 void ModelPacker::checkIndices() {
     for (std::size_t i = 0; i < model_.meshes.size(); ++i) {
         for (const ModelPrimitive& primitive : model_.meshes[i]) {
-            if (!primitive.indices || uses_[*primitive.indices].isPacked) continue;
+            if (!primitive.indices) continue;
             const ModelAccessor& indices = model_.accessors[*primitive.indices];
             const std::size_t vertices = model_.accessors[*primitive.attribute("POSITION")].count;
             for (std::size_t k = 0; k < indices.count; ++k) {
@@ -321,7 +354,7 @@ void ModelPacker::checkJoints() {
         const std::size_t joints = model_.skins[*node.skin].joints.size();
         for (const ModelPrimitive& primitive : model_.meshes[*node.mesh]) {
             const auto index = primitive.attribute("JOINTS_0");
-            if (!index || uses_[*index].isPacked) continue;
+            if (!index) continue;
             const ModelAccessor& accessor = model_.accessors[*index];
             for (std::size_t k = 0; k < accessor.count * 4; ++k) {
                 if (wholeAt(accessor, k / 4, k % 4) < joints) continue;
@@ -334,7 +367,7 @@ void ModelPacker::checkJoints() {
 void ModelPacker::measurePositions() {
     for (std::size_t i = 0; i < model_.accessors.size(); ++i) {
         ModelAccessor& accessor = model_.accessors[i];
-        if (!uses_[i].isPosition || uses_[i].isPacked) continue;
+        if (!uses_[i].isPosition) continue;
         accessor.min.assign(3, std::numeric_limits<float>::max());
         accessor.max.assign(3, std::numeric_limits<float>::lowest());
         for (std::size_t k = 0; k < accessor.count * 3; ++k) {

@@ -23,16 +23,20 @@ public:
 private:
     /// What the accessors are used for.
     struct Use {
-        bool isVertex = false, isPosition = false, isIndex = false, isOther = false, isPacked = false;
+        bool isVertex = false, isPosition = false, isIndex = false, isOther = false;
         bool wantsFloats = false;
     };
 
     void findUses();
+    void unpackMeshes();
+    void unpackMesh(std::size_t mesh, const ModelPrimitive& primitive);
     void unpackAccessors();
     bool isPlain(std::size_t accessor) const;
     std::vector<std::byte> gather(const ModelAccessor& accessor);
     void applySparse(const ModelAccessor& accessor, std::vector<std::byte>& elements);
     static std::vector<std::byte> asFloats(const ModelAccessor& accessor, std::span<const std::byte> elements);
+    /// Puts the elements in the place of those that the accessor has had.
+    void store(std::size_t accessor, std::vector<std::byte> elements);
     void append(ModelAccessor& accessor, std::span<const std::byte> elements);
 
     void checkIndices();

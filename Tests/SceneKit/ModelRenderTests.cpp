@@ -1,3 +1,4 @@
+#include <Tests/SceneKit/PackedModel.h>
 #include <Tests/SceneKit/SampleModels.h>
 #include <Tests/SceneKit/SharedEngine.h>
 
@@ -207,6 +208,10 @@ const Variant variants[] = {
          return model;
      },
      redRight},
+#ifdef FLAREBOX_HAS_3D
+    {"packed", [] { return packed(); }, redInTheMiddle},
+    {"packed in two bytes an index", [] { return packed(5123); }, redInTheMiddle},
+#endif
     {"sparse", [] { return sparse(true); }, redInTheMiddle},
     {"sparse without a base", [] { return sparse(false); }, redInTheMiddle},
     {"quantised", quantized, redInTheMiddle},
