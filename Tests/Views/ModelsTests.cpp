@@ -1,5 +1,6 @@
 #include <Flarebox/Views/SCNContentView.h>
 #include <SceneKit/SCNView.h>
+#include <SceneKit/ZorbRenderer.h>
 #include <Tests/SceneKit/ModelBuilder.h>
 #include <Tests/Views/TabTesting.h>
 #include <UIKit/UIButton.h>
@@ -46,7 +47,8 @@ protected:
     /// An asset with a model under that uid and number.
     static std::string assetJSON(const std::string& uid, int number) {
         const std::string link = sharedService().baseURL() + "/models/" + std::to_string(number);
-        return R"({"id":)" + std::to_string(number) + R"(,"uid":")" + uid + R"(","advertiser_uid":"v","campaign_uid":"c")" +
+        return R"({"id":)" + std::to_string(number) + R"(,"uid":")" + uid +
+               R"(","advertiser_uid":"v","campaign_uid":"c")" +
                R"(,"file_icon":"/i","title":"T","file_image":"/p","file_ios":")" + link + R"("})";
     }
     static void serveList(const std::vector<std::string>& uids) {
@@ -121,7 +123,8 @@ TEST_F(ModelsTest, NamesThatAreNoFileNamesNeverBecomePaths) {
     fs::create_directory(documents_.path("folder"));
     fs::create_directory_symlink(outside.path(), documents_.path("elsewhere"));
     const std::string log = loggedBy([&] {
-        showList({"good", "..", ".", "a/b", "", std::string(300, 'x'), "linked", "folder", "../" + outside.path() + "/v"});
+        showList(
+            {"good", "..", ".", "a/b", "", std::string(300, 'x'), "linked", "folder", "../" + outside.path() + "/v"});
     });
     EXPECT_THAT(files(), ElementsAre("folder", "good", "linked"));
     EXPECT_THAT(nodes(), ElementsAre("folder", "good", "linked"));
@@ -169,6 +172,17 @@ TEST_F(ModelsTest, WhatCannotBeHadOrReadCostsALogLineEach) {
     ASSERT_TRUE(settleIdle());
     EXPECT_NE(node("P1"), nullptr) << "the next selection tries again";
     EXPECT_EQ(shown(), node("P1"));
+}
+
+TEST(SampleModelsTest, AreAllRead) {
+    int count = 0;
+    for (const auto& entry : fs::directory_iterator(SAMPLE_MODELS)) {
+        ZorbRenderer renderer;
+        EXPECT_TRUE(renderer.createSCNNodeFromFile(entry.path().string()))
+            << renderer.lastError()->localizedDescription();
+        ++count;
+    }
+    EXPECT_GE(count, 12);
 }
 
 class FullScreenTest : public ModelsTest {

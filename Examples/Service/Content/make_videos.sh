@@ -29,9 +29,9 @@ clip() {
     local name=$1 suffix=$2 move=$3 root=$4
     printf '%s' "$5" >"$work/brand"; printf '%s' "$6" >"$work/title"; printf '%s' "$7" >"$work/line"
     curl -sf -o "$work/picture.png" "http://127.0.0.1:$port/media/images/$name.png"
-    # Texts rise and appear one after the other, and go before the end.
+    # Texts rise and appear one after the other, and stay: the first and the last frame are looked at the longest.
     local text="expansion=none:x=36:fontcolor=white"
-    appear() { echo "alpha='min(clip((t-$1)/0.7\,0\,1)\,clip(($seconds-0.5-t)/0.4\,0\,1))':y=$2+18*(1-clip((t-$1)/0.7\,0\,1))"; }
+    appear() { echo "alpha='clip((t-$1)/0.7\,0\,1)':y=$2+18*(1-clip((t-$1)/0.7\,0\,1))"; }
     # Room for the words: the left edge of the studio goes on, and the light falls off there.
     local studio="scale=2160:-1:flags=lanczos,split[a][b];[b]crop=40:ih:0:0,scale=900:ih:flags=bicubic[room];[room][a]hstack,crop=2808:1580:0:0"
     local picture="$studio,scale=5616:3160,zoompan=z='${zoom[$move]}':x='(iw-iw/zoom)*${across[$move]}':y='(ih-ih/zoom)*${down[$move]}':d=$frames:s=640x360:fps=$rate"
@@ -52,7 +52,7 @@ clip() {
         codecs=(-c:v libvpx-vp9 -crf 38 -b:v 0 -row-mt 1 -cpu-used 2 -c:a libopus -b:a 40k)
     fi
     ffmpeg -hide_banner -loglevel error -y -i "$work/picture.png" -f lavfi -i "aevalsrc=0${sound}:s=48000:d=$seconds:c=stereo" \
-        -filter_complex "[0:v]$picture,$shade,$words,fade=in:0:12,fade=out:$((frames - 12)):12,format=yuv420p[v];[1:a]afade=in:d=1.2,afade=out:st=$((seconds - 2)):d=2[a]" \
+        -filter_complex "[0:v]$picture,$shade,$words,format=yuv420p[v];[1:a]afade=in:d=1.2,afade=out:st=$((seconds - 2)):d=2[a]" \
         -map '[v]' -map '[a]' -r $rate -g $((2 * rate)) -t $seconds -map_metadata -1 -fflags +bitexact "${codecs[@]}" "$out/$name.$suffix"
     stat -c '%n: %s bytes' "$out/$name.$suffix"
 }

@@ -174,13 +174,13 @@ def triangles(outline):
         return (b[0] - a[0]) * (c[1] - a[1]) - (b[1] - a[1]) * (c[0] - a[0])
 
     def is_ear(k):
-        i, j, l = left[k - 1], left[k], left[(k + 1) % len(left)]
-        a, b, c = outline[i], outline[j], outline[l]
+        i, j, m = left[k - 1], left[k], left[(k + 1) % len(left)]
+        a, b, c = outline[i], outline[j], outline[m]
         if turn(a, b, c) <= 1e-14:
             return False
         return not any(
             turn(a, b, p) >= 0 and turn(b, c, p) >= 0 and turn(c, a, p) >= 0
-            for p in (outline[m] for m in left if m not in (i, j, l))
+            for p in (outline[k] for k in left if k not in (i, j, m))
         )
 
     while len(left) > 3:

@@ -51,8 +51,8 @@ def isosurface(body, low, high, cell):
                         crossings.append([a + (b - a) * share for a, b in zip(p, q)])
                 middle = [sum(crossing[d] for crossing in crossings) / len(crossings) for d in range(3)]
                 numbers[i, j, k] = len(points)
-                points.append(_drawn_on(body, tuple(l + (n + m) * cell
-                                                    for l, n, m in zip(low, (i, j, k), middle)), cell))
+                points.append(_drawn_on(body, tuple(start + (number + share) * cell for start, number, share
+                                                    in zip(low, (i, j, k), middle)), cell))
 
     faces = []
     for i in range(1, nx - 1):

@@ -75,7 +75,7 @@ class Mesh:
         spots = {}
         spot_of = [spots.setdefault(tuple(round(x, 6) for x in point), len(spots)) for point in self.points]
         faces = [face for face in self.faces if len({spot_of[index] for index in face}) == 3]
-        weighted = []
+        face_normals = []
         around = [[] for _ in spots]
         for face in faces:
             a, b, c = (self.points[index] for index in face)
@@ -83,12 +83,12 @@ class Mesh:
             for index, corner, first, second in zip(face, (a, b, c), (b, c, a), (c, a, b)):
                 cosine = dot(unit(sub(first, corner)), unit(sub(second, corner)))
                 around[spot_of[index]].append((normal, math.acos(max(-1.0, min(1.0, cosine)))))
-            weighted.append(normal)
+            face_normals.append(normal)
 
         limit = math.cos(math.radians(crease))
         numbers = {}
         points, normals, uvs, indices = [], [], [], []
-        for face, own in zip(faces, weighted):
+        for face, own in zip(faces, face_normals):
             for index in face:
                 total = (0.0, 0.0, 0.0)
                 for normal, weight in around[spot_of[index]]:
@@ -110,5 +110,3 @@ def joined(meshes):
     for mesh in meshes:
         result = result + mesh
     return result
-
-

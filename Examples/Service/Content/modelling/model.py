@@ -1,6 +1,7 @@
 """Models of nodes, materials, skins and animations, and how they become binary glTF 2.0 files."""
 
 import json
+import math
 import struct
 
 from .curves import cross, sub, times, unit
@@ -11,19 +12,22 @@ FLOAT, UNSIGNED_SHORT, UNSIGNED_BYTE = 5126, 5123, 5121
 COMPONENTS = {"SCALAR": 1, "VEC2": 2, "VEC3": 3, "VEC4": 4, "MAT4": 16}
 LETTERS = {FLOAT: "f", UNSIGNED_SHORT: "H", UNSIGNED_BYTE: "B"}
 ARRAY_BUFFER, ELEMENT_ARRAY_BUFFER = 34962, 34963
+LINEAR, LINEAR_MIPMAP_LINEAR, CLAMP_TO_EDGE = 9729, 9987, 33071
 
 
 class Material:
     """Colours are 0xRRGGBB as on a screen. An `alpha` below 1 lets light through."""
 
     def __init__(self, name, color=0xFFFFFF, metallic=0.0, roughness=0.5, alpha=1.0, emissive=0x000000, texture=None,
-                 emissive_texture=None, two_sided=False, repeat=False):
+                 emissive_texture=None, two_sided=False):
         self.name, self.color, self.metallic, self.roughness, self.alpha = name, color, metallic, roughness, alpha
         self.emissive, self.texture, self.emissive_texture = emissive, texture, emissive_texture
-        self.two_sided, self.repeat = two_sided, repeat
+        self.two_sided = two_sided
 
 
 class Node:
+    """`bulge`, if any, makes the point where a point moves to at weight 1 of a morph target."""
+
     def __init__(self, name, translation=(0.0, 0.0, 0.0)):
         self.name, self.translation = name, translation
         self.children, self.parts = [], []
@@ -71,11 +75,10 @@ class Skin:
         self.joints, self.weights = joints, weights
 
 
-class Bulge:
-    """A morph target: `change` makes the point where a point moves to at weight 1."""
-
-    def __init__(self, change):
-        self.change = change
+def swing(angle, seconds, steps):
+    """Keys of a rotation about z; `angle` makes degrees of the share of the time."""
+    halves = [math.radians(angle(step / steps)) / 2 for step in range(steps + 1)]
+    return [(seconds * step / steps, (0.0, 0.0, math.sin(half), math.cos(half))) for step, half in enumerate(halves)]
 
 
 def _single(value):
@@ -96,7 +99,7 @@ class Writer:
         self.model = model
         self.binary = bytearray()
         self.json = {"asset": {"version": "2.0", "generator": "Flarebox sample content"}, "scene": 0}
-        self.materials, self.textures, self.samplers, self.numbers = {}, {}, {}, {}
+        self.materials, self.textures, self.numbers = {}, {}, {}
 
     def file(self):
         model = self.model
@@ -158,6 +161,8 @@ class Writer:
 
     def _primitive(self, node, mesh, material, crease):
         points, normals, uvs, indices = mesh.shaded(crease)
+        if not indices:
+            raise ValueError(f"{node.name}: nothing left of a part of {material.name}")
         if len(points) > 65535:
             raise ValueError(f"{node.name}: more points than 16 bits can number")
         attributes = {"POSITION": self._accessor("VEC3", FLOAT, [times(p, self.model.scale) for p in points],
@@ -185,9 +190,9 @@ class Writer:
         attributes["WEIGHTS_0"] = self._accessor("VEC4", FLOAT, weights, ARRAY_BUFFER)
 
     def _target(self, bulge, points, normals, indices):
-        moved = [bulge.change(*point) for point in points]
+        moved = [bulge(*point) for point in points]
         faces = [tuple(indices[i : i + 3]) for i in range(0, len(indices), 3)]
-        after = _same_order_normals(Mesh(moved, [], faces), Mesh(points, [], faces), normals)
+        after = _normal_changes(Mesh(moved, [], faces), Mesh(points, [], faces), normals)
         return {"POSITION": self._accessor("VEC3", FLOAT, [times(sub(m, p), self.model.scale)
                                                            for m, p in zip(moved, points)], ARRAY_BUFFER, bounded=True),
                 "NORMAL": self._accessor("VEC3", FLOAT, after, ARRAY_BUFFER)}
@@ -228,12 +233,12 @@ class Writer:
         if material.color != 0xFFFFFF or material.alpha < 1:
             surface["baseColorFactor"] = _factors(material.color) + [material.alpha]
         if material.texture:
-            surface["baseColorTexture"] = {"index": self._texture(material.texture, material.repeat)}
+            surface["baseColorTexture"] = {"index": self._texture(material.texture)}
         entry = {"name": material.name, "pbrMetallicRoughness": surface}
         if material.emissive:
             entry["emissiveFactor"] = _factors(material.emissive)
         if material.emissive_texture:
-            entry["emissiveTexture"] = {"index": self._texture(material.emissive_texture, material.repeat)}
+            entry["emissiveTexture"] = {"index": self._texture(material.emissive_texture)}
         if material.alpha < 1:
             entry["alphaMode"] = "BLEND"
         if material.two_sided:
@@ -241,14 +246,12 @@ class Writer:
         self.materials[material] = self._append("materials", entry)
         return self.materials[material]
 
-    def _texture(self, picture, repeat):
+    def _texture(self, picture):
         if picture not in self.textures:
-            if repeat not in self.samplers:
-                wrap = 10497 if repeat else 33071
-                self.samplers[repeat] = self._append("samplers", {"magFilter": 9729, "minFilter": 9987, "wrapS": wrap,
-                                                                  "wrapT": wrap})
+            self.json["samplers"] = [{"magFilter": LINEAR, "minFilter": LINEAR_MIPMAP_LINEAR, "wrapS": CLAMP_TO_EDGE,
+                                      "wrapT": CLAMP_TO_EDGE}]
             image = self._append("images", {"mimeType": "image/png", "bufferView": self._view(picture.png())})
-            self.textures[picture] = self._append("textures", {"sampler": self.samplers[repeat], "source": image})
+            self.textures[picture] = self._append("textures", {"sampler": 0, "source": image})
         return self.textures[picture]
 
     def _accessor(self, kind, component, rows, target=None, bounded=False):
@@ -276,7 +279,7 @@ class Writer:
         return len(entries) - 1
 
 
-def _same_order_normals(after, before, normals):
+def _normal_changes(after, before, normals):
     """How much each normal changes when the points move, by the change of the plain mean of the faces around."""
 
     def means(mesh):

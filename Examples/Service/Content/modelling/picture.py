@@ -100,7 +100,8 @@ class Picture:
         for (ax, ay), (bx, by) in zip(line, line[1:]):
             angle = math.atan2(by - ay, bx - ax)
             ends = [(bx, by, angle - math.pi / 2), (ax, ay, angle + math.pi / 2)]
-            self.fill([(x + width / 2 * math.cos(turn + math.pi * i / 6), y + width / 2 * math.sin(turn + math.pi * i / 6))
+            self.fill([(x + width / 2 * math.cos(turn + math.pi * i / 6),
+                        y + width / 2 * math.sin(turn + math.pi * i / 6))
                        for x, y, turn in ends for i in range(7)], color, opacity)
 
     def png(self):

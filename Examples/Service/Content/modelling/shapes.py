@@ -7,7 +7,8 @@ from .mesh import Mesh
 
 
 def surface(at, columns, rows, wrap=False):
-    """A sheet of (u, v) -> point, seen from outside with u to the right and v upwards. A wrapped one closes at u = 1."""
+    """A sheet of (u, v) -> point, seen from outside with u to the right and v upwards. A wrapped one closes at
+    u = 1."""
     points, uvs, faces = [], [], []
     for j in range(rows + 1):
         for i in range(columns + 1):
@@ -60,19 +61,19 @@ def torus(radius, thickness, segments=48, sides=14):
                   for a in (2 * math.pi * (j % sides) / sides for j in range(sides + 1))], segments)
 
 
-def superellipsoid(width, height, depth, power=3.0, front_power=2.4, segments=48, rows=28):
-    """A ball that leans towards a box: `power` for its outline seen from the front, `front_power` for its depth."""
+def facing(mesh):
+    """What was made along y looks to the front."""
+    return mesh.turned("x", 90)
 
-    def bent(value, exponent):
-        return math.copysign(abs(value) ** (2 / exponent), value)
 
-    def at(u, v):
-        around, along = 2 * math.pi * u, math.pi * (v - 0.5)
-        ring = bent(math.cos(along), front_power)
-        return (width / 2 * ring * bent(math.cos(around), power), height / 2 * ring * bent(math.sin(around), power),
-                depth / 2 * bent(math.sin(along), front_power))
+def fluted(mesh, ridges, depth):
+    """Grooves along the y axis, `depth` of the radius deep."""
 
-    return surface(at, segments, rows, wrap=True)
+    def groove(x, y, z):
+        factor = 1 - depth * (0.5 + 0.5 * math.cos(ridges * math.atan2(x, z)))
+        return (x * factor, y, z * factor)
+
+    return mesh.mapped(groove)
 
 
 def _frames(line, closed, up):
@@ -189,11 +190,11 @@ def box(width, height, depth, radius, steps=3):
 
     shell = surface(at, sides, 2 * steps + 1, wrap=True)
     row = sides + 1
-    flat = rectangle_cap(shell.points[-row:-1]) + rectangle_cap(shell.points[: row - 1]).flipped()
+    flat = _filled(shell.points[-row:-1]) + _filled(shell.points[: row - 1]).flipped()
     return shell + flat
 
 
-def rectangle_cap(ring):
+def _filled(ring):
     """Fills a ring that is convex and counter-clockwise seen from outside."""
     return Mesh(ring, [], [(0, k, k + 1) for k in range(1, len(ring) - 1)])
 

@@ -9,6 +9,7 @@ MODELS = {
     "meridian-40": style.watch,
     "driftline": sport.skateboard,
     "apex-wheel": gaming.racing_wheel,
+    "fieldpack": style.backpack,
     "slow-morning": home.mug,
     "arc-lamp": home.lamp,
     "solstice": style.sunglasses,
@@ -16,4 +17,5 @@ MODELS = {
     "matchday": sport.match_ball,
     "grandstand": gaming.controller,
     "coldbrook": refreshment.bottle,
+    "gift-card": refreshment.gift_card,
 }

@@ -1,13 +1,13 @@
 """A racing wheel and a controller."""
 
+import functools
 import math
 
 from modelling.curves import Outline, arc, circle, clamp, path, rectangle, rounded, smoothstep
 from modelling.implicit import isosurface
-from modelling.mesh import joined
-from modelling.model import Material, Model
+from modelling.model import Material, Model, swing
 from modelling.picture import Picture, mix, rgb
-from modelling.shapes import box, disc, disc_profile, extrude, lathe, sweep, torus, tube
+from modelling.shapes import box, disc, disc_profile, extrude, facing, fluted, lathe, sweep, torus, tube
 
 AMBER, MINT, CORAL, SKY = 0xFFC857, 0x5BE0B0, 0xFF7058, 0x6DB9FF
 
@@ -25,13 +25,13 @@ def racing_wheel():
     glass = Material("screen", 0x000000, roughness=0.1, emissive=0xFFFFFF, emissive_texture=screen)
 
     motor = model.node("motor", (0, 0, -0.42))
-    motor.add(_facing(lathe(rounded([(0.0, -0.30), (0.33, -0.30), (0.33, 0.14), (0.22, 0.16), (0.22, 0.2), (0.0, 0.2)],
+    motor.add(facing(lathe(rounded([(0.0, -0.30), (0.33, -0.30), (0.33, 0.14), (0.22, 0.16), (0.22, 0.2), (0.0, 0.2)],
                                     0.03, 3), 40)), black)
     for z in (-0.20, -0.12, -0.04, 0.04):
         motor.add(torus(0.325, 0.018, 40, 8).turned("x", 90).moved(0, 0, z), carbon)
 
     wheel = model.node("wheel")
-    wheel.add(_facing(disc(0.15, -0.26, -0.02, 0.02)), steel)
+    wheel.add(facing(disc(0.15, -0.26, -0.02, 0.02)), steel)
     wheel.add(sweep(_oval(0.088, 0.098), _rim(), closed=True), leather)
     for start in (-36, 144):
         grip = [(x, y, 0) for x, y in arc(0, 0, 0.80, start, start + 72, 22)]
@@ -44,13 +44,8 @@ def racing_wheel():
         wheel.add(part, material)
     for x, y, color in ((-0.33, 0.16, SKY), (-0.33, 0.0, AMBER), (0.33, 0.16, MINT), (0.33, 0.0, CORAL)):
         wheel.add(_button(0.046, 0.03).moved(x, y, 0.115), _plastic(color))
-    model.animate(wheel, "rotation", _steering())
+    model.animate(wheel, "rotation", swing(_steering, 6.0, 36))
     return model
-
-
-def _facing(mesh):
-    """What was made along y looks to the front."""
-    return mesh.turned("x", 90)
 
 
 def _oval(a, b, sides=14):
@@ -66,14 +61,12 @@ def _rim():
 
 
 def _button(radius, height):
-    return _facing(lathe(disc_profile(radius, -0.02, height, radius * 0.35, 4), 22))
+    return facing(lathe(disc_profile(radius, -0.02, height, radius * 0.35, 4), 22))
 
 
-_plastics = {}
-
-
+@functools.cache
 def _plastic(color):
-    return _plastics.setdefault(color, Material(f"button {color:06x}", color, roughness=0.3))
+    return Material(f"button {color:06x}", color, roughness=0.3)
 
 
 def _hub(screen, materials):
@@ -89,15 +82,10 @@ def _hub(screen, materials):
     paddle = path("M 0.26 -0.30 L 0.50 -0.42 C 0.58 -0.44 0.62 -0.34 0.60 -0.26 L 0.54 -0.02 L 0.26 0.02 Z", 5)
     yield extrude(paddle, 0.03, 0.01, 2).turned("y", 8).moved(0, 0, -0.12).with_mirror(), amber
     for x in (-0.17, 0.0, 0.17):
-        knob = lathe(disc_profile(0.05, 0.0, 0.07, 0.012, 2), 28).mapped(_fluted)
-        yield _facing(knob).moved(x, -0.14, 0.12), steel
-        yield _facing(disc(0.062, 0.0, 0.012, 0.004, 24)).moved(x, -0.14, 0.118), black
+        knob = fluted(lathe(disc_profile(0.05, 0.0, 0.07, 0.012, 2), 28), 14, 0.05)
+        yield facing(knob).moved(x, -0.14, 0.12), steel
+        yield facing(disc(0.062, 0.0, 0.012, 0.004, 24)).moved(x, -0.14, 0.118), black
         yield box(0.012, 0.036, 0.008, 0.003, 1).moved(x + 0.004, -0.122, 0.191), _plastic(0xFFFFFF)
-
-
-def _fluted(x, y, z):
-    factor = 1 - 0.05 * (0.5 + 0.5 * math.cos(14 * math.atan2(x, z)))
-    return (x * factor, y, z * factor)
 
 
 def _screen_picture():
@@ -111,13 +99,9 @@ def _screen_picture():
     return picture
 
 
-def _steering(seconds=6.0, steps=36):
-    keys = []
-    for step in range(steps + 1):
-        turn = 2 * math.pi * step / steps
-        half = math.radians(26 * math.sin(turn) - 9 * math.sin(2 * turn)) / 2
-        keys.append((seconds * step / steps, (0.0, 0.0, math.sin(half), math.cos(half))))
-    return keys
+def _steering(share):
+    turn = 2 * math.pi * share
+    return 26 * math.sin(turn) - 9 * math.sin(2 * turn)
 
 
 class Shell:
@@ -161,7 +145,8 @@ def controller():
     body = isosurface(shell.value, (-1.08, -0.74, -0.62), (1.08, 0.58, 0.26), 0.043)
     node.add(body.with_uvs(lambda x, y, z: picture.uv(x, y)), shell_material, 75)
 
-    trigger = path("M 0.30 -0.42 C 0.34 -0.58 0.50 -0.60 0.62 -0.52 C 0.70 -0.46 0.72 -0.38 0.70 -0.30 L 0.30 -0.34 Z", 5)
+    trigger = path("M 0.30 -0.42 C 0.34 -0.58 0.50 -0.60 0.62 -0.52 C 0.70 -0.46 0.72 -0.38 0.70 -0.30 "
+                   "L 0.30 -0.34 Z", 5)
     node.add(extrude(trigger, 0.16, 0.04, 3).turned("x", -12).moved(0, -0.035, 0.01).with_mirror(), dark)
     node.add(extrude(trigger, 0.12, 0.04, 3).moved(0, -0.06, -0.16).with_mirror(), rubber)
     node.add(extrude(rectangle(0.38, 0.25, 0.05, 5), 0.03, 0.012, 2).moved(0, 0.215, 0.157), dark)
@@ -184,12 +169,12 @@ def controller():
 
 def _stick(materials):
     ring, rubber, steel = materials
-    yield _facing(lathe([(0.158, -0.02), (0.158, 0.006), (0.15, 0.014), (0.14, 0.008), (0.13, -0.01), (0.0, -0.012)],
+    yield facing(lathe([(0.158, -0.02), (0.158, 0.006), (0.15, 0.014), (0.14, 0.008), (0.13, -0.01), (0.0, -0.012)],
                         36)), ring
-    yield _facing(lathe([(0.05, -0.02), (0.045, 0.09)], 20)), steel
+    yield facing(lathe([(0.05, -0.02), (0.045, 0.09)], 20)), steel
     cap = rounded([(0.045, 0.075), (0.115, 0.085), (0.12, 0.115), (0.10, 0.128), (0.0, 0.108)], 0.012, 3)
-    yield _facing(lathe(cap, 36)), rubber
-    yield joined([_facing(torus(0.085, 0.007, 32, 6)).moved(0, 0, 0.124)]), rubber
+    yield facing(lathe(cap, 36)), rubber
+    yield facing(torus(0.085, 0.007, 32, 6)).moved(0, 0, 0.124), rubber
 
 
 def _controller_picture():

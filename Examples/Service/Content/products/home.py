@@ -3,11 +3,12 @@
 import math
 
 from modelling.curves import length, path, rectangle, rounded, smoothstep, spline, sub
-from modelling.model import Material, Model, Skin
+from modelling.model import Material, Model, Skin, swing
 from modelling.picture import Picture, darker, gradient, lighter, rgb
 from modelling.shapes import ball, disc_profile, lathe, sweep, tube
 
 STONEWARE, GLAZE, BRASS = 0xF1E6D6, 0x2C6A78, 0xD9AE5F
+JOINTS = (0, 13, 27, 40)  # of the lamp, by the points of its arm
 
 
 def mug():
@@ -78,9 +79,9 @@ def lamp():
     cable = Material("felt", 0x2A2018, roughness=1.0)
 
     curve = path("M -0.22 0.80 C -1.00 0.20 -0.66 -1.06 0.36 -0.80", 40)
-    base, knee, wrist, head = (model.node("base", (-0.22, -0.80, 0)), None, None, None)
-    at = [curve[0], curve[13], curve[27], curve[-1]]
+    at = [curve[joint] for joint in JOINTS]
     steps = [(*sub(b, a), 0.0) for a, b in zip(at, at[1:])]
+    base = model.node("base", (*at[0], 0.0))
     knee = base.child("knee", steps[0])
     wrist = knee.child("wrist", steps[1])
     head = wrist.child("head", steps[2])
@@ -120,24 +121,18 @@ def _diffuser():
 
 def _bending(curve):
     """Weights of the joints along the arm; what is not the arm goes whole with its end of it."""
-    joints = (0, 13, 27, 40)
-
     def weights(x, y, z):
         nearest = min(range(len(curve)), key=lambda k: length(sub(curve[k], (x, y))))
         if length((*sub(curve[nearest], (x, y)), z)) > 0.06 or y < -0.68:
             return [(0, 1.0)] if y < -0.6 else [(3, 1.0)]
         for joint in range(3):
-            if nearest <= joints[joint + 1]:
-                share = smoothstep(joints[joint] + 5, joints[joint + 1], nearest)
+            if nearest <= JOINTS[joint + 1]:
+                share = smoothstep(JOINTS[joint] + 5, JOINTS[joint + 1], nearest)
                 return [(joint, 1 - share), (joint + 1, share)]
         return [(3, 1.0)]
 
     return weights
 
 
-def _nodding(degrees, seconds=6.0, steps=24):
-    keys = []
-    for step in range(steps + 1):
-        angle = math.radians(degrees) * math.sin(2 * math.pi * step / steps) / 2
-        keys.append((seconds * step / steps, (0.0, 0.0, math.sin(angle), math.cos(angle))))
-    return keys
+def _nodding(degrees):
+    return swing(lambda share: degrees * math.sin(2 * math.pi * share), 6.0, 24)

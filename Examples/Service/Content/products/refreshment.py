@@ -1,9 +1,9 @@
-"""A can and an insulated bottle."""
+"""A can, an insulated bottle and a gift card."""
 
 import math
 
 from modelling.curves import circle, path, rectangle, rounded, smoothstep, spline
-from modelling.model import Material, Model
+from modelling.model import Material, Model, swing
 from modelling.picture import Picture, darker, gradient, lighter, mix, rgb
 from modelling.shapes import disc_profile, extrude, lathe, sweep, torus
 
@@ -127,4 +127,64 @@ def _bottle_picture():
     for middle in (-half, 0.0, half):
         picture.fill([(middle + x * 1.15, y * 1.15 + 0.05) for x, y in mountain], cream)
         picture.circle(middle - 0.115, 0.10, 0.04, cream)
+    return picture
+
+
+def gift_card():
+    model = Model("Gift Card", 0.054)
+    picture = _card_picture()
+    printed = Material("print", roughness=0.3, texture=picture)
+    plum = Material("plum", 0x7A2488, roughness=0.35)
+    night = Material("night", 0x2E2163, roughness=0.35)
+    stripe = Material("stripe", 0x14101F, roughness=0.5)
+    satin = Material("satin", 0xC8F25A, roughness=0.4, two_sided=True)
+
+    behind = model.node("envelope", (0, 0, -0.05))
+    behind.add(_card(), night)
+    model.animate(behind, "rotation", swing(_fanning, 5.0, 20))
+
+    front = model.node("card")
+    face, rest = _card().parted(lambda x, y, z: z > 0.0139)
+    front.add(_leaning(face.with_uvs(lambda x, y, z: picture.uv(x, y))), printed)
+    front.add(_leaning(rest), plum)
+    front.add(_leaning(extrude(rectangle(1.6, 0.17, y=0.26), 0.004).moved(0, 0, -0.015)), stripe)
+    front.add(_leaning(extrude(rectangle(0.13, 1.02, 0.01, 1, x=-0.435), 0.036, 0.008, 2)), satin)
+    for part in _bow():
+        front.add(_leaning(part.with_mirror().moved(-0.435, 0.16, 0.02)), satin, 70)
+    return model
+
+
+def _card():
+    return extrude(rectangle(1.60, 1.0, 0.11, 6), 0.028, 0.008, 2)
+
+
+def _leaning(mesh):
+    return mesh.turned("z", 8)
+
+
+def _fanning(share):
+    """The second card leans out a little further and back."""
+    return -9 - 1.25 * (1 - math.cos(2 * math.pi * share))
+
+
+def _bow():
+    """The right half: a loop, an end and half of the knot."""
+    ribbon = rectangle(0.13, 0.012, 0.005, 1)
+    loop = spline([(0.0, 0.0, 0.03), (0.12, 0.07, 0.12), (0.26, 0.13, 0.13), (0.34, 0.12, 0.08), (0.30, 0.09, 0.035),
+                   (0.16, 0.04, 0.02), (0.0, 0.0, 0.02)], 5)
+    yield sweep(ribbon, loop, up=(0, 0, 1), scale=lambda share: (0.5 + 0.9 * math.sin(math.pi * share), 1.0))
+    end = spline([(0.0, 0.0, 0.03), (0.10, -0.12, 0.05), (0.19, -0.29, 0.02)], 6)
+    yield sweep(ribbon, end, up=(0, 0, 1), scale=lambda share: (0.6 + 0.4 * share, 1.0))
+    yield lathe([(0.058 * math.cos(a), 0.058 * math.sin(a)) for a in (math.pi * (k / 10 - 0.5) for k in range(11))],
+                20).moved(0, 0, 0.045)
+
+
+def _card_picture():
+    picture = Picture(512, 320, -0.80, -0.50, 0.80, 0.50)
+    pink = gradient([(0, rgb(0xFF6FA5)), (1, rgb(0x9C2D9A))])
+    picture.paint(lambda x, y: pink((x / 1.6 - y + 1) / 2))
+    picture.fill(path("M -0.9 0.30 C -0.4 0.02 0.2 0.56 0.9 0.10 L 0.9 0.7 L -0.9 0.7 Z", 16), rgb(0x5A2CC0), 0.55)
+    _berry(picture, 0.56, -0.28, 0.17, 0x5A2CC0)
+    _berry(picture, 0.36, -0.36, 0.13, 0x4524A8)
+    picture.fill(path("M 0.16 -0.34 L -0.06 0.02 L 0.08 0.02 L 0.01 0.28 L 0.24 -0.08 L 0.11 -0.08 Z"), (1, 1, 1), 0.95)
     return picture

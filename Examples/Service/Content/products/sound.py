@@ -4,7 +4,7 @@ import math
 
 from modelling.curves import circle, path, rectangle, rounded, spline
 from modelling.mesh import joined
-from modelling.model import Bulge, Material, Model
+from modelling.model import Material, Model
 from modelling.picture import Picture, darker, lighter, rgb
 from modelling.shapes import ball, box, disc, extrude, lathe, surface, sweep, torus, tube
 
@@ -71,7 +71,7 @@ def speaker():
     node = model.node("speaker")
     node.add(extrude(_squircle(0.86, 0.64, 72), 0.82, 0.15, 7, bevel_depth=0.34), cream, 60)
     node.add(sweep(circle(0.02, 8), [(x, y, 0.415) for x, y in _squircle(0.715, 0.505, 72)], closed=True), rim)
-    node.add(rubber_feet(), rubber)
+    node.add(_feet(), rubber)
     node.add(box(0.36, 0.09, 0.22, 0.04).moved(0, 0.655, 0), steel)
     for x in (-0.36, 0.36):
         node.add(disc(0.055, -0.03, 0.03, 0.015, 20).turned("z", -9 if x > 0 else 9).moved(x, 0.615, 0), rim)
@@ -81,7 +81,7 @@ def speaker():
 
     membrane = model.node("membrane")
     membrane.add(surface(_dome, 56, 12, wrap=True).with_uvs(lambda x, y, z: picture.uv(x, y)), cloth)
-    membrane.bulge = Bulge(lambda x, y, z: (x, y, z + 0.075 * max(0.0, 1 - (x / 0.7) ** 2 - (y / 0.5) ** 2) ** 2))
+    membrane.bulge = _beaten
     beats = [(0.0, 1.0), (0.5, 0.7), (0.75, 0.45), (1.0, 1.0), (1.5, 0.8), (2.0, 0.0)]
     keys = [(0.0, 0.0)]
     for start, strength in beats[:-1]:
@@ -90,7 +90,11 @@ def speaker():
     return model
 
 
-def rubber_feet():
+def _beaten(x, y, z):
+    return (x, y, z + 0.075 * max(0.0, 1 - (x / 0.7) ** 2 - (y / 0.5) ** 2) ** 2)
+
+
+def _feet():
     return box(0.26, 0.06, 0.4, 0.025).moved(0.3, -0.635, 0).with_mirror()
 
 

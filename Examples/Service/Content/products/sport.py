@@ -2,7 +2,7 @@
 
 import math
 
-from modelling.curves import Outline, add, clamp, dot, mix, path, rectangle, rounded, smoothstep, spline, times, unit
+from modelling.curves import Outline, add, dot, mix, path, rectangle, rounded, smoothstep, spline, times, unit
 from modelling.implicit import cut, ellipsoid, isosurface
 from modelling.mesh import Mesh, joined
 from modelling.model import Material, Model
@@ -33,9 +33,9 @@ class Foot:
         flare = 1.04 - 0.07 * smoothstep(-0.6, -0.28, y)
         return cut(self.sole_side.distance(x, y), self.plan.distance(x, z / flare), 0.09)
 
-    def outer(self, x, y, z, grown=0.0):
+    def outer(self, x, y, z):
         narrow = mix(0.97, 0.60, smoothstep(-0.35, 0.5, y))
-        return cut(self.upper_side.distance(x, y) + grown, self.plan.distance(x, z / narrow) * narrow + 0.012 + grown, 0.24)
+        return cut(self.upper_side.distance(x, y), self.plan.distance(x, z / narrow) * narrow + 0.012, 0.24)
 
     def hole(self, x, y, z):
         narrow = mix(0.97, 0.60, smoothstep(-0.35, 0.5, y))
@@ -57,26 +57,17 @@ class Foot:
         return high
 
     def rim(self):
-        """The line that the padded collar follows, where the opening cuts the outside."""
-
-        def is_open(x, z):
-            return self.hole(x, self.top(x, z), z) < 0
-
-        ends = []
-        for way in (-1, 1):
-            x = -0.47
-            while is_open(x + way * 0.005, 0):
-                x += way * 0.005
-            ends.append(x)
-        side = []
-        for k in range(13):
-            x = mix(ends[0], ends[1], 0.5 - 0.5 * math.cos(math.pi * k / 12))
-            z = 0.0
-            while 0 < k < 12 and is_open(x, z + 0.005):
-                z += 0.005
-            side.append((x, self.top(x, z) - 0.012, z))
-        back = [(x, y, -z) for x, y, z in side[-2:0:-1]]
-        return spline(side + back, 3, closed=True)
+        """The line that the padded collar follows: the edge of the opening, seen from above."""
+        line = []
+        for k in range(36):
+            angle = 2 * math.pi * k / 36
+            low, high = 0.0, 0.6
+            for _ in range(12):
+                middle = (low + high) / 2
+                x, z = -0.47 + middle * math.cos(angle), middle * math.sin(angle)
+                low, high = (middle, high) if self.hole(x, self.top(x, z), z) < 0 else (low, middle)
+            line.append((x, self.top(x, z) - 0.012, z))
+        return line
 
 
 def running_shoe():
@@ -119,7 +110,8 @@ def running_shoe():
 
 
 def _bow(knot, side):
-    loop = [(0, 0, 0), (-0.02, 0.05, 0.08), (0.02, 0.055, 0.18), (0.07, 0.0, 0.21), (0.07, -0.03, 0.14), (0.02, 0.0, 0.02)]
+    loop = [(0, 0, 0), (-0.02, 0.05, 0.08), (0.02, 0.055, 0.18), (0.07, 0.0, 0.21), (0.07, -0.03, 0.14),
+            (0.02, 0.0, 0.02)]
     end = [(0, 0, 0), (0.06, 0.03, 0.06), (0.12, -0.03, 0.14), (0.17, -0.14, 0.19)]
     return joined([tube([add(knot, (x, y, side * z)) for x, y, z in spline(line, 4)], 0.016, 6, up=(0.3, 0.9, 0.1))
                    for line in (loop, end)])
@@ -135,12 +127,14 @@ def _shoe_picture():
     warm = gradient([(0, darker(coral, 0.16)), (0.5, coral), (1, lighter(coral, 0.12))])
     picture.paint(lambda x, y: warm((y + 0.4) / 0.9))
     for row in range(26):
-        line = [(x / 20, 0.50 - row * 0.035 - 0.05 * (x / 20 + 0.4) - 0.014 * math.sin(x * 0.55)) for x in range(-22, 23)]
+        line = [(x / 20, 0.50 - row * 0.035 - 0.05 * (x / 20 + 0.4) - 0.014 * math.sin(x * 0.55))
+                for x in range(-22, 23)]
         picture.stroke(line, 0.008, lighter(coral, 0.35), 0.45)
     picture.fill(path("M 0.66 -0.10 C 0.58 0.10 0.62 0.30 0.74 0.44 L 1.2 0.44 L 1.2 -0.2 Z"), darker(coral, 0.26))
     picture.fill(path("M -1.2 -0.12 C -0.78 -0.14 -0.62 0.10 -0.66 0.44 L -1.2 0.44 Z"), night)
     sun = gradient([(0, rgb(AMBER)), (1, lighter(rgb(AMBER), 0.5))])
-    picture.fill(path("M -0.62 0.34 C -0.34 0.30 -0.06 0.10 0.12 -0.20 L 0.30 -0.08 C 0.16 0.16 0.00 0.32 -0.14 0.40 Z"),
+    picture.fill(path("M -0.62 0.34 C -0.34 0.30 -0.06 0.10 0.12 -0.20 L 0.30 -0.08 "
+                      "C 0.16 0.16 0.00 0.32 -0.14 0.40 Z"),
                  lambda x, y: sun((x + 0.5) / 0.7))
     collar = path("M -0.90 -0.48 C -0.72 -0.28 -0.56 -0.20 -0.44 -0.21 C -0.30 -0.23 -0.22 -0.36 -0.10 -0.56", 12)
     picture.stroke(collar, 0.10, night)
@@ -214,8 +208,8 @@ def _truck(materials):
     yield disc(0.038, -0.02, 0.02, 0.008, 6).turned("x", 90).moved(0, -0.01, 0.262), bolt
     yield tube([(-0.43, 0, 0.15), (0.43, 0, 0.15)], 0.018, 10), steel
     for side in (-1, 1):
-        profile = rounded([(0.04, -0.085), (0.075, -0.085), (0.108, -0.05), (0.108, 0.05), (0.075, 0.085), (0.04, 0.085)],
-                          0.03, 3)
+        profile = rounded([(0.04, -0.085), (0.075, -0.085), (0.108, -0.05), (0.108, 0.05), (0.075, 0.085),
+                           (0.04, 0.085)], 0.03, 3)
         yield lathe(profile, 32).turned("z", 90).moved(side * 0.335, 0, 0.15), wheel
         yield disc(0.05, -0.075, 0.075, 0.01, 20).turned("z", 90).moved(side * 0.335, 0, 0.15), bolt
     for x in (-0.08, 0.08):
@@ -231,8 +225,8 @@ def _deck_picture():
     picture.circle(0, -0.02, 0.225, lambda x, y: sun((y + 0.25) / 0.47))
     for wave in range(5):
         lower = -(0.10 + wave * 0.20)
-        shape = path("M -0.4 0.06 C -0.25 -0.10 -0.10 -0.02 0 0.05 C 0.12 0.13 0.25 0.02 0.4 -0.06 L 0.4 1.2 L -0.4 1.2 Z",
-                     14)
+        shape = path("M -0.4 0.06 C -0.25 -0.10 -0.10 -0.02 0 0.05 C 0.12 0.13 0.25 0.02 0.4 -0.06 "
+                     "L 0.4 1.2 L -0.4 1.2 Z", 14)
         picture.fill([(x, y + lower) for x, y in shape],
                      mix(rgb(0xF2E6CF), rgb(0x1B5F79), 0.12 + wave * 0.21))
     for star in range(9):
