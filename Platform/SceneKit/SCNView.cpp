@@ -85,6 +85,8 @@ const ClassInfo& SCNView::staticClass() {
 }
 
 SCNView::SCNView() : canvas_(std::make_shared<detail::SceneCanvas>()) {
+    // A picture of another size is shown, undistorted, until there is one of this.
+    setContentMode(UIViewContentMode::ScaleAspectFit);
     // One for each of the two fingers that matter.
     addGestureRecognizer(make<FingerRecognizer>(*this));
     addGestureRecognizer(make<FingerRecognizer>(*this));
