@@ -33,6 +33,13 @@ void convert(const std::vector<std::uint8_t>& rgba, std::vector<std::uint32_t>& 
     }
 }
 
+gltfio::MaterialProvider* makeMaterials(Engine& engine) {
+    gltfio::MaterialProvider* materials = gltfio::createUbershaderLoader(&engine);
+    // It hands over a texel on its stack, which should be read before the stack is used anew.
+    engine.flushAndWait();
+    return materials;
+}
+
 }  // namespace
 
 std::unique_ptr<SceneEngine> makeSceneEngine(std::string& unavailableReason) {
@@ -62,7 +69,7 @@ FilamentEngine::FilamentEngine(std::unique_ptr<SurfacelessPlatform> platform, En
       cameraEntity_(utils::EntityManager::get().create()),
       camera_(engine_->createCamera(cameraEntity_)),
       light_(*engine_),
-      materials_(gltfio::createUbershaderLoader(engine_.get())),
+      materials_(makeMaterials(*engine_)),
       loader_(gltfio::AssetLoader::create({engine_.get(), materials_})),
       ground_(std::make_unique<AlphaGround>(*engine_, *materials_)) {
     prepareView();
