@@ -108,7 +108,9 @@ void Listener::answerRequests(socket_t descriptor) {
     SocketStream stream(descriptor, transferTimeout);
     for (int left = requestsPerConnection; left > 0 && stream.waitForData(keepAliveTimeout); --left) {
         bool closed = false;
-        bool answered = process_request(stream, left == 1, closed, nullptr);
+        // Left to itself, the library cuts parts out of every answer, errors too, and names them wrongly.
+        auto forgetRanges = [](httplib::Request& request) { request.ranges.clear(); };
+        bool answered = process_request(stream, left == 1, closed, forgetRanges);
         if (!answered || closed) return;
     }
 }

@@ -1,6 +1,7 @@
 #include "Service.h"
 
 #include "Answer.h"
+#include "ByteRange.h"
 #include "Gallery.h"
 #include "Listener.h"
 #include "Media.h"
@@ -46,8 +47,7 @@ void apply(const Behaviour& behaviour, Answer& answer) {
 }
 
 void write(const Answer& answer, httplib::Response& response) {
-    // Left open, a plain success becomes one of the ranges that were asked for, or tells that there are none such.
-    if (answer.status != 200) response.status = answer.status;
+    response.status = answer.status;
     for (const auto& [name, value] : answer.headers) response.set_header(name, value);
     if (!answer.body.empty()) response.set_content(answer.body, answer.contentType);
 }
@@ -159,7 +159,8 @@ Answer Service::Implementation::answerFile(ReceivedRequest& request) {
 
     Answer result{200, file->bytes, file->contentType};
     if (request.header("If-None-Match") == file->etag) result = {304, "", file->contentType};
-    result.headers = {{"ETag", file->etag}, {"Cache-Control", "public, max-age=3600"}};
+    result.headers = {{"ETag", file->etag}, {"Cache-Control", "public, max-age=3600"}, {"Accept-Ranges", "bytes"}};
+    applyRange(request, file->etag, result);
     return result;
 }
 

@@ -340,7 +340,7 @@ TEST_F(ServiceTest, PicturesAreDrawnOnceAndCanBeCached) {
     EXPECT_EQ(second->body, "");
 }
 
-TEST_F(ServiceTest, ModelsAndVideosComeWholeAndInRanges) {
+TEST_F(ServiceTest, ModelsAndVideosAreWhatTheirNamesSay) {
     struct Kind {
         const char* key;
         /// How the files of a suffix begin, and at which byte that is.
@@ -368,20 +368,10 @@ TEST_F(ServiceTest, ModelsAndVideosComeWholeAndInRanges) {
             ASSERT_TRUE(whole && whole->status == 200);
             EXPECT_EQ(whole->get_header_value("Content-Type"), type);
             EXPECT_EQ(whole->body.compare(offset, sign.size(), sign), 0);
-            auto part = http->Get(path, {{"Range", "bytes=4-1003"}});
-            ASSERT_TRUE(part && part->status == 206);
-            EXPECT_EQ(part->get_header_value("Content-Range"), "bytes 4-1003/" + std::to_string(whole->body.size()));
-            EXPECT_TRUE(part->body == whole->body.substr(4, 1000));
         }
         EXPECT_GE(count, kind.fewest);
         EXPECT_EQ(suffixes.size(), kind.formats.size()) << "one of each format at least";
     }
-    const std::string path = "/media/models/halo-one.glb";
-    auto head = http->Head(path), whole = http->Get(path);
-    ASSERT_TRUE(head && whole);
-    EXPECT_EQ(head->get_header_value("Content-Length"), std::to_string(whole->body.size()));
-    EXPECT_EQ(http->Get(path, {{"Range", "bytes=99999999-"}})->status, 416);
-    EXPECT_EQ(http->Get(path, {{"If-None-Match", whole->get_header_value("ETag")}})->status, 304);
     for (const char* wrong : {"/media/models/nobody.glb", "/media/models/halo-one.mp4", "/media/models/",
                               "/media/models/../models/halo-one.glb", "/media/videos/../../Service.cpp"})
         EXPECT_EQ(http->Get(wrong)->status, 404) << wrong;
