@@ -1,4 +1,4 @@
-# Sourced by ./run and ./test: installs what is missing and builds a preset. Needs bash.
+# Sourced by ./run, ./test and ./bench: installs what is missing and builds a preset. Needs bash.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
@@ -11,13 +11,14 @@ as_root() {
     fi
 }
 
-# Installs the packages of scripts/packages.txt that this machine lacks; does nothing when none is missing.
+# install_packages [LIST...]: installs the packages of scripts/packages.txt and of further lists that this machine lacks; does
+# nothing when none is missing.
 install_packages() {
     command -v dpkg-query >/dev/null || { echo "Not a Debian system: install the counterparts of scripts/packages.txt yourself." >&2; return; }
     local missing=() package
     while read -r package; do
         dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null | grep -qx installed || missing+=("$package")
-    done < <(grep -v '^#' scripts/packages.txt)
+    done < <(grep -hv '^#' scripts/packages.txt "$@")
     [ ${#missing[@]} = 0 ] && return
     echo "Installing: ${missing[*]}" >&2
     as_root apt-get update -qq
