@@ -19,6 +19,7 @@ MTSKeyPath MTSKeyPath::initWithKeyPath(std::string_view keyPath) {
 void MTSKeyPathList::append(MTSKeyPath path) {
     Node* node = others_.emplace_back(std::make_unique<Node>(std::move(path), nullptr)).get();
     last_->next.store(node, std::memory_order_release);
+    isSinglePlainKey_.store(false, std::memory_order_release);
     last_ = node;
 }
 

@@ -58,7 +58,8 @@ public:
         const Node* node_;
     };
 
-    explicit MTSKeyPathList(MTSKeyPath first) : first_{std::move(first), nullptr}, last_(&first_) {}
+    explicit MTSKeyPathList(MTSKeyPath first)
+        : first_{std::move(first), nullptr}, last_(&first_), isSinglePlainKey_(first_.path.isPlain()) {}
     MTSKeyPathList(const MTSKeyPathList&) = delete;
     MTSKeyPathList& operator=(const MTSKeyPathList&) = delete;
 
@@ -68,13 +69,12 @@ public:
     Iterator begin() const { return Iterator(&first_); }
     Iterator end() const { return Iterator(nullptr); }
     /// Whether all there is, so far, is the first component itself.
-    bool isSinglePlainKey() const {
-        return first_.path.isPlain() && first_.next.load(std::memory_order_acquire) == nullptr;
-    }
+    bool isSinglePlainKey() const { return isSinglePlainKey_.load(std::memory_order_acquire); }
 
 private:
     Node first_;
     Node* last_;
+    std::atomic<bool> isSinglePlainKey_;
     std::vector<std::unique_ptr<Node>> others_;
 };
 

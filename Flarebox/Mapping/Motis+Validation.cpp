@@ -2,6 +2,7 @@
 #include <Flarebox/Mapping/MotisPlan.h>
 #include <Flarebox/Mapping/NestingLevel.h>
 #include <Foundation/NSNumberFormatter.h>
+#include <Foundation/Storage.h>
 
 #include <algorithm>
 
@@ -107,6 +108,8 @@ bool MotisObject::convert(const PropertyPlan& property, Value& value) {
 }
 
 bool MotisObject::convertToClass(const PropertyPlan& property, const ClassInfo& cls, ClassKind kind, Value& value) {
+    if (kind == ClassKind::Model && value.kind() == Value::Kind::Dictionary)
+        return makeNestedObject(property, cls, value);
     if (auto array = value.as<NSArray>()) {
         checkElements(property, array);
         return convertArray(kind, array, value);
@@ -114,11 +117,8 @@ bool MotisObject::convertToClass(const PropertyPlan& property, const ClassInfo& 
     if (value && value.isKindOf(cls)) return true;
     if (value.kind() == Value::Kind::String) return convertText(kind, value);
     if (const auto number = value.as<NSNumber>()) return convertNumber(kind, number, value);
-    const auto dictionary = value.as<NSDictionary>();
-    if (!dictionary) return false;
-    if (kind == ClassKind::Model) return makeNestedObject(property, cls, value);
-    if (kind != ClassKind::MutableDictionary) return false;
-    value = dictionary.mutableCopy();
+    if (value.kind() != Value::Kind::Dictionary || kind != ClassKind::MutableDictionary) return false;
+    value = value.as<NSDictionary>().mutableCopy();
     return true;
 }
 
@@ -157,9 +157,10 @@ bool MotisObject::makeNestedObject(const PropertyPlan& property, const ClassInfo
     if (abort) return false;
     if (!object) {
         object = cls.create();
-        if (auto* model = objectCast<MotisObject>(object.get())) model->mts_setValuesForKeysWithDictionary(dictionary);
+        // Objects of a model class are model objects.
+        if (object) static_cast<MotisObject&>(*object).mts_setValuesForKeysWithDictionary(dictionary);
     }
-    value = object ? Value(object) : Value();
+    value = Value(object);
     if (!object) return false;
     mts_didCreateObject(*object, property.name);
     return true;
@@ -170,17 +171,18 @@ void MotisObject::checkElements(const PropertyPlan& property, NSArray& array) {
     if (level.isTooDeep()) return;
     // From the end, as the hooks expect it; what is kept is put in order at last.
     const NSArray original = array.copy();
+    const std::span<const Value> elements = original.elements();
     std::vector<Value> kept;
-    kept.reserve(original.count());
+    kept.reserve(elements.size());
     bool isChanged = false;
-    for (std::size_t index = original.count(); index-- > 0;) {
-        const Value element = original.objectAtIndex(index);
-        Value value = element.isNull() ? Value() : element;
+    for (std::size_t index = elements.size(); index-- > 0;) {
+        const Value& element = elements[index];
+        Value value;
+        if (!element.isNull()) detail::ValueAccess::borrowLike(value, element);
         Ref<NSError> error;
         bool isValid = mts_validateArrayObjectForArrayKey(value, property.name, error);
-        if (isValid && property.elementClass && value.isSameAs(element)) {
-            isValid = convertToClass(property, *property.elementClass, kindOfClass(*property.elementClass), value);
-        }
+        if (isValid && property.elementClass && value.isSameAs(element))
+            isValid = convertToClass(property, *property.elementClass, property.elementKind, value);
         isChanged |= !isValid || !value.isSameAs(element);
         if (!isValid)
             mts_invalidValueForArrayKey(value, property.name, error);

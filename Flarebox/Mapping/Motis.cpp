@@ -32,6 +32,22 @@ Value step(const Value& container, const MTSKeyPath::Component& component) {
     return valueUnderName(container, component.name);
 }
 
+/// What a value mapping says about a value; the value itself when it says nothing.
+Value translated(const Value& value, const NSDictionary& table) {
+    if (table.count() == 0) return value;
+    if (value) {
+        if (Value hit = table.objectForKey(value)) return hit;
+    }
+    if (const auto number = value.as<NSNumber>()) {
+        if (Value hit = table.objectForKey(Value(number.stringValue()))) return hit;
+    } else if (const auto text = value.as<NSString>()) {
+        if (Value hit = table.objectForKey(Value(static_cast<double>(text.floatValue())))) return hit;
+        if (Value hit = table.objectForKey(Value(text.integerValue()))) return hit;
+    }
+    if (Value fallback = table.objectForKey(Value::null())) return fallback;
+    return value;
+}
+
 }  // namespace
 
 const MotisClass& MotisObject::staticClass() {
@@ -45,28 +61,23 @@ const MotisClass& MotisObject::staticClass() {
 
 void MotisObject::mts_setValuesForKeysWithDictionary(const NSDictionary& dictionary) {
     const MotisPlan& plan = classInfo().plan();
+    if (fillFromDocument(plan, dictionary)) return;
     // A hook may let go of the last reference to this very object.
     const Ref<NSObject> self = retained();
     // A hook may change the dictionary, when it is a mutable one, or let go of it.
     const NSDictionary entries = dictionary.copy();
-    if (!document_ && detail::ValueAccess::isInDocument(entries)) document_ = entries;
     for (const auto& [key, value] : entries.entries()) {
         // Read in place: a handle to each key would cost as much as all the rest.
         if (key.kind() == Value::Kind::String)
-            setEntry(plan, detail::ValueAccess::text(key), value);
+            setEntry(plan.key(detail::ValueAccess::text(key)), detail::ValueAccess::text(key), value);
         else
             mts_ignoredSetValueForUndefinedMappingKey(value, key.description());
     }
 }
 
-void MotisObject::setEntry(const MotisPlan& plan, std::string_view key, const Value& value) {
-    const KeyPlan* known = plan.key(key);
+void MotisObject::setEntry(const KeyPlan* known, std::string_view key, const Value& value) {
     if (!known || !known->isPlain()) return setPaths(known, key, value);
-    const PropertyPlan& property = *known->property;
-    if (property.takesAsIs(value))
-        (this->*property.field).assignBorrowing(value, document_);
-    else
-        assign(property, value, key);
+    assign(*known->property, value, key);
 }
 
 void MotisObject::setPaths(const KeyPlan* known, std::string_view key, const Value& value) {
@@ -130,7 +141,7 @@ bool MotisObject::validate(const PropertyPlan& property, Value& value, Ref<NSErr
         error = nullptr;
     }
     if (property.valueMapping) {
-        Value mapped = mts_mapValue(value, property.name);
+        Value mapped = translated(value, property.valueMapping);
         if (!mapped.isSameAs(value)) {
             value = std::move(mapped);
             return true;
@@ -149,20 +160,7 @@ NSString MotisObject::mts_mapKey(std::string_view key) const {
 Value MotisObject::mts_mapValue(const Value& value, std::string_view property) const {
     const MotisPlan& plan = classInfo().plan();
     const PropertyPlan* known = plan.property(property);
-    const NSDictionary table = known ? known->valueMapping : plan.describe(property).valueMapping;
-    if (table.count() == 0) return value;
-
-    if (value) {
-        if (Value hit = table.objectForKey(value)) return hit;
-    }
-    if (const auto number = value.as<NSNumber>()) {
-        if (Value hit = table.objectForKey(Value(number.stringValue()))) return hit;
-    } else if (const auto text = value.as<NSString>()) {
-        if (Value hit = table.objectForKey(Value(static_cast<double>(text.floatValue())))) return hit;
-        if (Value hit = table.objectForKey(Value(text.integerValue()))) return hit;
-    }
-    if (Value fallback = table.objectForKey(Value::null())) return fallback;
-    return value;
+    return translated(value, known ? known->valueMapping : plan.describe(property).valueMapping);
 }
 
 // --- Reading ---
@@ -187,6 +185,22 @@ NSDictionary MotisObject::mts_dictionaryWithValuesForKeys(const NSArray& keys) c
         entries.emplace_back(key, value ? std::move(value) : Value::null());
     }
     return NSDictionary::dictionaryWithEntries(std::move(entries));
+}
+
+NSDictionary MotisObject::mts_dictionaryWithMappedValues() const {
+    const MotisPlan& plan = classInfo().plan();
+    std::vector<NSDictionary::Entry> entries(plan.writtenKeys().size());
+    auto entry = entries.begin();
+    for (const auto& [key, property] : plan.writtenKeys()) {
+        auto& [name, value] = *entry++;
+        detail::ValueAccess::borrowLike(name, key);
+        if (property && property->readableField)
+            detail::ValueAccess::borrowLike(value, this->*property->readableField);
+        else if (key.kind() == Value::Kind::String)
+            value = mts_valueForKey(detail::ValueAccess::text(key));
+        if (!value) value = Value::null();
+    }
+    return detail::ValueAccess::dictionaryOver(std::move(entries), document_, plan.readyKeys());
 }
 
 // --- Hooks' defaults ---

@@ -11,6 +11,9 @@
 
 namespace flarebox {
 
+namespace detail {
+class DocumentStorage;
+}
 class NSNumberFormatter;
 enum class ClassKind : std::uint8_t;
 struct KeyPlan;
@@ -55,6 +58,8 @@ public:
     Value mts_valueForKey(std::string_view key) const;
     /// The values of several keys (texts), with the JSON null for those that have none.
     NSDictionary mts_dictionaryWithValuesForKeys(const NSArray& keys) const;
+    /// The same for all keys of the class's mapping.
+    NSDictionary mts_dictionaryWithMappedValues() const;
     /// The plain description and, on the same line, the values of the mapped properties.
     std::string mts_extendedObjectDescription() const;
     /// An indented block with the values of the mapped properties.
@@ -87,7 +92,13 @@ public:
                                              const Ref<NSError>& error);
 
 private:
-    void setEntry(const MotisPlan& plan, std::string_view key, const Value& value);
+    bool fillFromDocument(const MotisPlan& plan, const NSDictionary& dictionary);
+    bool takeFromDocument(const PropertyPlan* property, const detail::DocumentStorage& document, std::uint32_t index);
+    void setEntryFromDocument(const MotisPlan& plan, const KeyPlan* key, const detail::DocumentStorage& document,
+                              std::uint32_t index);
+    void setPathFromDocument(const MotisPlan& plan, const MTSKeyPath& path, const detail::DocumentStorage& document,
+                             std::uint32_t start);
+    void setEntry(const KeyPlan* known, std::string_view key, const Value& value);
     void setPaths(const KeyPlan* known, std::string_view key, const Value& value);
     void walkKeyPath(const MTSKeyPath& path, const Value& start);
     void assign(const PropertyPlan& property, const Value& incoming, std::string_view key);

@@ -69,8 +69,11 @@ const MotisClass* MotisClass::modelSuperclass() const {
 
 NSDictionary MotisClass::mappingOfLines() const {
     std::vector<NSDictionary::Entry> entries;
+    entries.reserve(lines().size());
     for (const MotisProperty& line : lines()) {
-        if (!line.jsonKey.empty()) entries.emplace_back(Value(line.jsonKey), Value(line.property.name));
+        if (line.jsonKey.empty()) continue;
+        entries.emplace_back(NSString::stringWithConstant(line.jsonKey),
+                             NSString::stringWithConstant(line.property.name));
     }
     return NSDictionary::dictionaryWithEntries(std::move(entries));
 }
@@ -80,12 +83,23 @@ NSDictionary MotisClass::readDeclaredMapping() const {
     return mappingOfLines();
 }
 
-NSDictionary MotisClass::mts_mapping() const {
+const MotisClass* MotisClass::mappingClass() const {
     const auto hasKey = [](const MotisProperty& line) { return !line.jsonKey.empty(); };
-    if (declarations_.mapping) return declarations_.mapping();
-    if (std::ranges::any_of(lines(), hasKey)) return declaredMapping();
-    const MotisClass* inherited = modelSuperclass();
-    return inherited ? inherited->mts_mapping() : emptyTable();
+    const MotisClass* cls = this;
+    while (cls && !cls->declarations_.mapping && !std::ranges::any_of(cls->lines(), hasKey))
+        cls = cls->modelSuperclass();
+    return cls;
+}
+
+NSDictionary MotisClass::mts_mapping() const {
+    const MotisClass* cls = mappingClass();
+    if (!cls) return emptyTable();
+    return cls->declarations_.mapping ? cls->declarations_.mapping() : cls->declaredMapping();
+}
+
+NSDictionary MotisClass::writtenMapping() const {
+    const MotisClass* cls = mappingClass();
+    return cls ? cls->declaredMapping() : emptyTable();
 }
 
 bool MotisClass::mts_shouldSetUndefinedKeys() const {

@@ -33,6 +33,7 @@ struct OverriddenHooks {
     bool checksEquality = false;
     bool readsByName = false;
     bool writesByName = false;
+    bool hearsUndefinedKeys = false;
 };
 
 /// What a model class declares about itself as static members; null where neither it nor a superclass declares
@@ -95,6 +96,8 @@ public:
 
     /// The mapping that this very class declares, without what it inherits; empty when it declares none.
     NSDictionary declaredMapping() const;
+    /// `mts_mapping` as it was when it was first read.
+    NSDictionary writtenMapping() const;
     /// The class's own property lines.
     const std::vector<MotisProperty>& lines() const { return MotisTable::lines; }
     /// The line of that property, the class's own or inherited; null when there is none.
@@ -113,6 +116,8 @@ public:
 private:
     struct MappingTables;
     const MappingTables& mappingTables() const;
+    /// The class that declares the mapping of this one: itself or the next superclass that does; null for none.
+    const MotisClass* mappingClass() const;
     NSDictionary mappingOfLines() const;
     NSDictionary readDeclaredMapping() const;
     const MotisPlan& buildPlan() const;

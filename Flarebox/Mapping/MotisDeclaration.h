@@ -98,7 +98,7 @@ private:
     // One that cannot be named from here is taken for an override.
     template <class C>
     static constexpr OverriddenHooks hooks() {
-        OverriddenHooks found{true, true, true, true};
+        OverriddenHooks found{true, true, true, true, true};
         if constexpr (
             requires { &C::mts_validateValue; } && requires { &C::validateValue; }) {
             found.validatesValues =
@@ -108,6 +108,10 @@ private:
         if constexpr (requires { &C::mts_checkValueEqualityBeforeAssignmentForKey; }) {
             found.checksEquality = !std::same_as<decltype(&C::mts_checkValueEqualityBeforeAssignmentForKey),
                                                  decltype(&MotisObject::mts_checkValueEqualityBeforeAssignmentForKey)>;
+        }
+        if constexpr (requires { &C::mts_ignoredSetValueForUndefinedMappingKey; }) {
+            found.hearsUndefinedKeys = !std::same_as<decltype(&C::mts_ignoredSetValueForUndefinedMappingKey),
+                                                     decltype(&MotisObject::mts_ignoredSetValueForUndefinedMappingKey)>;
         }
         if constexpr (requires { &C::valueForKey; }) {
             found.readsByName = !std::same_as<decltype(&C::valueForKey), decltype(&NSObject::valueForKey)>;

@@ -1,5 +1,6 @@
 #include <Flarebox/Mapping/MotisPlan.h>
 
+#include <algorithm>
 #include <bit>
 #include <cstring>
 
@@ -92,11 +93,13 @@ MotisPlan::MotisPlan(const MotisClass& cls)
     : class_(cls),
       setsUndefinedKeys_(cls.mts_shouldSetUndefinedKeys()),
       dateFormatter_(cls.mts_validationDateFormatter()),
+      elementClasses_(cls.mts_cachedArrayClassMapping()),
       propertyTable_(propertyCount(cls)),
       keyTable_(cls.mts_cachedMapping().count() + cls.mts_keyPaths().size()) {
     const NSDictionary mapping = cls.mts_cachedMapping();
     planProperties(mapping);
     planKeys(mapping);
+    planWrittenKeys();
 }
 
 const PropertyPlan* MotisPlan::planProperty(std::string_view name) {
@@ -135,24 +138,45 @@ void MotisPlan::planKeys(const NSDictionary& mapping) {
     for (const auto& [component, paths] : index) add(component).paths = paths.get();
 }
 
+void MotisPlan::planWrittenKeys() {
+    const NSDictionary mapping = class_.writtenMapping();
+    writtenKeys_.reserve(mapping.count());
+    for (const auto& [name, property] : mapping.entries()) {
+        const auto text = name.as<NSString>();
+        const KeyPlan* known = text ? key(text.text()) : nullptr;
+        // Plans live as long as the process, and so do their texts.
+        const Value written = known ? NSString::stringWithConstant(known->key) : name;
+        writtenKeys_.push_back({written, known ? known->property : nullptr});
+    }
+    readyKeys_ = detail::JSONKeys(mapping.allKeys().elements());
+}
+
+TypeRule MotisPlan::ruleOf(std::string_view typeAttribute) const {
+    // Most properties of a class have the type of one of the last.
+    const auto same = std::find_if(properties_.rbegin(), properties_.rend(),
+                                   [&](const PropertyPlan& other) { return other.typeAttribute == typeAttribute; });
+    return same == properties_.rend() ? typeRule(typeAttribute) : same->rule;
+}
+
 PropertyPlan MotisPlan::describe(std::string_view name) const {
+    const MotisProperty* line = class_.line(name);
     PropertyPlan plan;
     plan.name = name;
-    plan.property = class_.property(name);
-    plan.rule = typeRule(class_.mts_typeAttributeForKey(name));
+    plan.property = line ? &line->property : class_.property(name);
+    if (line) plan.typeAttribute = line->property.typeAttribute.substr(0, line->property.typeAttribute.find(','));
+    plan.rule = ruleOf(plan.typeAttribute);
     plan.validator = class_.validator(name);
     plan.hooks = class_.hooks();
     if (class_.hasValueMappings()) {
         const NSDictionary mapping = class_.mts_cachedValueMappingForKey(name);
         if (mapping.count() > 0) plan.valueMapping = mapping;
     }
-    const ArrayClassMapping& elementClasses = class_.mts_cachedArrayClassMapping();
-    if (const auto found = elementClasses.find(name); found != elementClasses.end()) plan.elementClass = found->second;
-
-    const bool asksAnybody = plan.hooks.validatesValues || plan.hooks.checksEquality || plan.hooks.writesByName ||
-                             plan.validator || plan.valueMapping;
-    const MotisProperty* line = class_.line(name);
-    if (line && !asksAnybody) {
+    if (const auto found = elementClasses_.find(name); found != elementClasses_.end()) {
+        plan.elementClass = found->second;
+        plan.elementKind = kindOfClass(*plan.elementClass);
+    }
+    if (line && !plan.hooks.readsByName) plan.readableField = line->field;
+    if (line && !plan.asksAnybody()) {
         plan.field = line->field;
         plan.fittingKind = fittingKind(plan.rule);
         plan.takesAnything = plan.rule.kind == TypeRule::Kind::Anything;

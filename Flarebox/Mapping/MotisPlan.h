@@ -1,7 +1,9 @@
 #pragma once
 
+#include <Flarebox/Mapping/KeySequence.h>
 #include <Flarebox/Mapping/Motis.h>
 #include <Flarebox/Mapping/TypeAttribute.h>
+#include <Foundation/JSONWriter.h>
 #include <Foundation/NSDateFormatter.h>
 
 #include <deque>
@@ -16,6 +18,8 @@ struct PropertyPlan {
     std::string name;
     /// Null for a name of the mapping that is no property.
     const Property* property = nullptr;
+    /// Cut at its first comma; empty for a name that is no property.
+    std::string_view typeAttribute;
     TypeRule rule;
     /// The check that the class lists for the property; null for none.
     const PropertyValidator* validator = nullptr;
@@ -23,13 +27,19 @@ struct PropertyPlan {
     NSDictionary valueMapping;
     /// The class of the elements when the property is an array; null for "any".
     Class elementClass = nullptr;
+    ClassKind elementKind = ClassKind::Other;
     OverriddenHooks hooks;
     /// Where an object property keeps its value, when it may be written without asking anybody; null otherwise.
     Value MotisObject::*field = nullptr;
+    /// The same for reading; null when the value has to be asked for.
+    Value MotisObject::*readableField = nullptr;
     /// With `field`: values of this kind fit as they are, and so does every value when `takesAnything`.
     Value::Kind fittingKind = Value::Kind::Absent;
     bool takesAnything = false;
 
+    bool asksAnybody() const {
+        return hooks.validatesValues || hooks.checksEquality || hooks.writesByName || validator || valueMapping;
+    }
     /// Whether a value is assigned unchanged, with no hook, translation or conversion in between.
     bool takesAsIs(const Value& value) const {
         return field && (value.kind() == fittingKind || value.isAbsent() || (takesAnything && !value.isNull()));
@@ -45,6 +55,13 @@ struct KeyPlan {
     const MTSKeyPathList* paths = nullptr;
 
     bool isPlain() const { return property && paths && paths->isSinglePlainKey(); }
+};
+
+/// One entry of the JSON object that an object is written as.
+struct WrittenKey {
+    Value key;
+    /// Null for a key that maps to no property.
+    const PropertyPlan* property = nullptr;
 };
 
 /// Everything about a class that filling and reading its objects needs, decided on the class's first use. Immutable.
@@ -64,6 +81,13 @@ public:
     /// The property names of the merged mapping in its order, duplicates included.
     const std::vector<std::string>& mappedNames() const { return mappedNames_; }
     bool setsUndefinedKeys() const { return setsUndefinedKeys_; }
+    /// Whether anything happens on account of a key that is neither mapped nor part of a key path.
+    bool heedsUnknownKeys() const { return setsUndefinedKeys_ || class_.hooks().hearsUndefinedKeys; }
+    const KeySequences& sequences() const { return sequences_; }
+    /// The keys of the class's mapping in its order.
+    const std::vector<WrittenKey>& writtenKeys() const { return writtenKeys_; }
+    /// The same as they stand in JSON.
+    const detail::JSONKeys& readyKeys() const { return readyKeys_; }
     NSDateFormatter* dateFormatter() const { return dateFormatter_.get(); }
 
 private:
@@ -88,16 +112,22 @@ private:
 
     void planProperties(const NSDictionary& mapping);
     void planKeys(const NSDictionary& mapping);
+    void planWrittenKeys();
     const PropertyPlan* planProperty(std::string_view name);
+    TypeRule ruleOf(std::string_view typeAttribute) const;
 
     const MotisClass& class_;
     bool setsUndefinedKeys_;
     Ref<NSDateFormatter> dateFormatter_;
+    const ArrayClassMapping& elementClasses_;
     std::vector<std::string> mappedNames_;
     std::deque<PropertyPlan> properties_;
     std::vector<KeyPlan> keys_;
+    std::vector<WrittenKey> writtenKeys_;
+    detail::JSONKeys readyKeys_;
     NameTable propertyTable_;
     NameTable keyTable_;
+    KeySequences sequences_{*this};
 };
 
 }  // namespace flarebox

@@ -18,7 +18,7 @@ class MotisObject;
 /// Whether the other side may leave a property out.
 enum class Presence : std::uint8_t { Required, Optional };
 
-/// One line of a model class's property table.
+/// One line of a model class's property table. Its texts live as long as the process.
 struct MotisProperty {
     Property property;
     /// The JSON key or dotted key path of the property; empty when the line names none.

@@ -24,7 +24,7 @@ NSArray FXBaseObject::motisKeys(const MotisClass& cls) {
 }
 
 NSDictionary FXBaseObject::toDictionary() const {
-    return mts_dictionaryWithValuesForKeys(classInfo().mts_mapping().allKeys());
+    return mts_dictionaryWithMappedValues();
 }
 
 Ref<FXBaseObject> FXBaseObject::copyWithZone() const {

@@ -45,6 +45,7 @@ std::span<const Value> NSArray::elements() const noexcept {
 }
 
 Value NSArray::objectAtIndex(std::size_t index) const noexcept {
+    if (ValueAccess::isInDocument(*this)) return ValueAccess::document(*this).elementAt(extra_, index);
     const auto all = elements();
     return index < all.size() ? all[index] : Value();
 }

@@ -34,18 +34,7 @@ Value find(const Value& dictionary, std::string_view key) {
             storage.find(key, storage.entries.size() > detail::smallCollection ? detail::hashText(key) : 0);
         return at == HashSlots::notFound ? Value() : storage.entries[at].second;
     }
-    const auto& document = ValueAccess::document(dictionary);
-    const std::uint32_t place = ValueAccess::place(dictionary);
-    const auto entries = document.elementsAt<Entry>(place);
-    auto matches = [&](std::size_t at) { return DictionaryStorage::matchesKey(entries[at].first, key); };
-    if (const auto slots = document.slotsAt(place); !slots.empty()) {
-        const std::size_t at = HashSlots::find(slots, detail::hashText(key), matches);
-        return at == HashSlots::notFound ? Value() : entries[at].second;
-    }
-    for (std::size_t at = 0; at < entries.size(); ++at) {
-        if (matches(at)) return entries[at].second;
-    }
-    return {};
+    return ValueAccess::document(dictionary).valueForKey(ValueAccess::place(dictionary), key);
 }
 
 }  // namespace
@@ -58,7 +47,7 @@ NSDictionary NSDictionary::dictionaryWithEntries(std::vector<Entry> entries) {
 
 std::span<const Entry> NSDictionary::entries() const noexcept {
     if (!*this) return {};
-    if (ValueAccess::isInDocument(*this)) return ValueAccess::document(*this).elementsAt<Entry>(extra_);
+    if (ValueAccess::isInDocument(*this)) return ValueAccess::document(*this).entriesAt(extra_);
     return ValueAccess::storage<DictionaryStorage>(*this).entries;
 }
 

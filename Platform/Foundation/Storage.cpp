@@ -1,3 +1,4 @@
+#include <Foundation/JSONWriter.h>
 #include <Foundation/Storage.h>
 
 #include <new>
@@ -20,6 +21,12 @@ void Storage::destroy() noexcept {
         delete storage;
     }
     isDestroying = false;
+}
+
+const JSONKeys* ValueAccess::readyKeys(const NSDictionary& dictionary) noexcept {
+    if (isInDocument(dictionary)) return nullptr;
+    const auto& entries = storage<DictionaryStorage>(dictionary);
+    return entries.readyKeys && entries.readyKeys->count() == entries.entries.size() ? entries.readyKeys : nullptr;
 }
 
 TextStorage* TextStorage::create(std::string_view text) {

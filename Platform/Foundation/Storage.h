@@ -1,12 +1,12 @@
 #pragma once
 
-// What the handles of Value.h and Values.h keep alive. For the sources of this folder only.
+// What the handles of Value.h and Values.h keep alive. For the sources of this folder and of the mapping only.
 
+#include <Foundation/DocumentStorage.h>
 #include <Foundation/Hash.h>
 #include <Foundation/Values.h>
 
-#include <cstdlib>
-#include <cstring>
+#include <bit>
 #include <memory>
 #include <new>
 #include <string>
@@ -31,6 +31,7 @@ class DataStorage final : public Storage {
 public:
     explicit DataStorage(std::string bytes) : bytes_(std::move(bytes)) {}
     const std::string& bytes() const noexcept { return bytes_; }
+    std::size_t readableBehind() const noexcept { return bytes_.capacity() - bytes_.size(); }
 
 private:
     std::string bytes_;
@@ -106,51 +107,13 @@ public:
     static bool matchesKey(const Value& candidate, std::string_view key) noexcept;
 
     std::vector<Entry> entries;
+    /// The document that values among the entries borrow from.
+    Value document;
+    /// The keys as they are written, when they are known beforehand; null otherwise.
+    const class JSONKeys* readyKeys = nullptr;
 
 private:
     LazyIndex index_;
-};
-
-/// A decoded document: all of its texts in one block, all of its collections in another. The elements of collections
-/// refer to the document without counting it, so it is let go as a whole, however deep and large it is.
-class DocumentStorage final : public Storage {
-public:
-    /// What stands before the elements of a collection. Places are counted in units of 8 bytes.
-    struct Node {
-        std::uint32_t count;
-        /// Place of the key index: the number of slots, then the slots. 0 when the dictionary is small.
-        std::uint32_t index;
-    };
-    static constexpr std::size_t unit = 8;
-
-    std::string_view textAt(std::uint32_t offset) const noexcept {
-        std::uint32_t length;
-        std::memcpy(&length, texts.get() + offset, sizeof length);
-        return {reinterpret_cast<const char*>(texts.get()) + offset + sizeof length, length};
-    }
-    const Node& nodeAt(std::uint32_t place) const noexcept {
-        return *reinterpret_cast<const Node*>(nodes.get() + place * unit);
-    }
-    template <class Element>
-    std::span<const Element> elementsAt(std::uint32_t place) const noexcept {
-        const Node& node = nodeAt(place);
-        return {reinterpret_cast<const Element*>(&node + 1), node.count};
-    }
-    std::span<const std::uint32_t> slotsAt(std::uint32_t place) const noexcept {
-        const Node& node = nodeAt(place);
-        if (node.index == 0) return {};
-        const auto* slots = reinterpret_cast<const std::uint32_t*>(nodes.get() + node.index * unit);
-        return {slots + 1, *slots};
-    }
-
-    /// Memory that grew by realloc.
-    struct Free {
-        void operator()(std::byte* memory) const noexcept { std::free(memory); }
-    };
-    using Nodes = std::unique_ptr<std::byte, Free>;
-
-    std::unique_ptr<std::uint8_t[]> texts;
-    Nodes nodes;
 };
 
 /// The way into a Value for the sources of this folder.
@@ -168,13 +131,25 @@ struct ValueAccess {
         value.payload_.storage = storage;
         return value;
     }
-    /// Makes, in raw memory of the document, a value that does not count the document.
-    static void borrow(void* memory, Kind kind, DocumentStorage* document, std::uint32_t place) noexcept {
-        auto* value = ::new (memory) Value();
-        value->kind_ = kind;
-        value->holding_ = Holding::Borrowed;
-        value->extra_ = place;
-        value->payload_.storage = document;
+    /// Overwrites a value with the other one; what borrows from a document goes on doing so.
+    static void borrowLike(Value& value, const Value& other) noexcept {
+        if (other.holding_ > Holding::Borrowed) {
+            value = other;
+            return;
+        }
+        setBits(value, other.kind_, other.numberKind_, other.payload_.bits);
+        value.holding_ = other.holding_;
+        value.extra_ = other.extra_;
+    }
+    /// A dictionary of entries that are known to be distinct, some of which may borrow from the document. The ready
+    /// keys, of which there may be none, outlive the process.
+    static NSDictionary dictionaryOver(std::vector<NSDictionary::Entry> entries, const Value& document,
+                                       const JSONKeys& keys) {
+        auto storage = std::make_unique<DictionaryStorage>();
+        storage->entries = std::move(entries);
+        storage->document = document;
+        storage->readyKeys = &keys;
+        return NSDictionary(adopt(Kind::Dictionary, storage.release()), NSDictionary::Checked{});
     }
     static Value constant(std::string_view text) noexcept {
         Value value;
@@ -200,14 +175,36 @@ struct ValueAccess {
     static bool isInDocument(const Value& value) noexcept {
         return value.holding_ == Holding::Document || value.holding_ == Holding::Borrowed;
     }
+    /// Where in its document a value is: the place of a text, the tape index of a collection.
     static std::uint32_t place(const Value& value) noexcept { return value.extra_; }
     static const DocumentStorage& document(const Value& value) noexcept {
         return *static_cast<const DocumentStorage*>(value.payload_.storage);
     }
+
+    // The following overwrite a value with part of a document, which they do not count.
+
+    static void borrow(Value& value, Kind kind, const DocumentStorage& document, std::uint32_t place) noexcept {
+        if (value.holding_ > Holding::Borrowed) value.release();
+        value.payload_.storage = const_cast<DocumentStorage*>(&document);
+        value.kind_ = kind;
+        value.numberKind_ = NumberKind::Boolean;
+        value.isMutable_ = false;
+        value.holding_ = Holding::Borrowed;
+        value.extra_ = place;
+    }
+    static void setNumber(Value& value, NumberKind numberKind, std::uint64_t bits) noexcept {
+        setBits(value, Kind::Number, numberKind, bits);
+    }
+    static void setDate(Value& value, double seconds) noexcept {
+        setBits(value, Kind::Date, NumberKind::Boolean, std::bit_cast<std::uint64_t>(seconds));
+    }
+    static void setEmpty(Value& value, Kind kind) noexcept { setBits(value, kind, NumberKind::Boolean, 0); }
+
     template <class T>
     static T& storage(const Value& value) noexcept {
         return *static_cast<T*>(value.payload_.storage);
     }
+    static std::uint64_t numberBits(const Value& value) noexcept { return value.payload_.bits; }
     static double seconds(const Value& value) noexcept { return value.payload_.floating; }
 
     /// The bytes of a text or of a link.
@@ -216,10 +213,28 @@ struct ValueAccess {
         if (value.holding_ == Holding::Block) return storage<TextStorage>(value).text();
         return {value.payload_.text, value.extra_};
     }
+    /// Null when there are none for these very entries.
+    static const JSONKeys* readyKeys(const NSDictionary& dictionary) noexcept;
+
+    /// How many bytes behind those of the data may be read, whatever they are.
+    static std::size_t readableBehind(const NSData& data) noexcept {
+        return data ? storage<DataStorage>(data).readableBehind() : 0;
+    }
     /// The elements of an array or of a set.
     static std::span<const Value> list(const Value& value) noexcept {
-        if (isInDocument(value)) return document(value).elementsAt<Value>(value.extra_);
+        if (isInDocument(value)) return document(value).elementsAt(value.extra_);
         return storage<ListStorage>(value).values;
+    }
+
+private:
+    static void setBits(Value& value, Kind kind, NumberKind numberKind, std::uint64_t bits) noexcept {
+        if (value.holding_ > Holding::Borrowed) value.release();
+        value.payload_.bits = bits;
+        value.kind_ = kind;
+        value.numberKind_ = numberKind;
+        value.isMutable_ = false;
+        value.holding_ = Holding::Nothing;
+        value.extra_ = 0;
     }
 };
 

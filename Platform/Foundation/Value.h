@@ -116,11 +116,6 @@ public:
     /// The JSON null.
     static Value null() noexcept;
 
-    /// Takes `element` over without counting the decoded document that it shares with `owner`, which the caller keeps
-    /// for as long as this handle: one count for a whole record instead of one for each of its values. Copies made of
-    /// this handle count again. Where the two share no document this is a plain assignment.
-    void assignBorrowing(const Value& element, const Value& owner) noexcept;
-
     Kind kind() const noexcept { return kind_; }
     bool isAbsent() const noexcept { return kind_ == Kind::Absent; }
     bool isNull() const noexcept { return kind_ == Kind::Null; }
@@ -196,7 +191,6 @@ protected:
     std::uint32_t extra_ = 0;
 
 private:
-    bool isInDocument() const noexcept { return holding_ == Holding::Document || holding_ == Holding::Borrowed; }
     void retain() noexcept {
         if (holding_ == Holding::Object) return detail::retain(payload_.object);
         payload_.storage->retain();
@@ -217,22 +211,6 @@ inline void Value::swap(Value& other) noexcept {
     std::swap(isMutable_, other.isMutable_);
     std::swap(holding_, other.holding_);
     std::swap(extra_, other.extra_);
-}
-
-inline void Value::assignBorrowing(const Value& element, const Value& owner) noexcept {
-    const bool isShared =
-        element.isInDocument() && owner.isInDocument() && element.payload_.storage == owner.payload_.storage;
-    if (!isShared) {
-        *this = element;
-        return;
-    }
-    const Value previous = std::move(*this);
-    payload_ = element.payload_;
-    kind_ = element.kind_;
-    numberKind_ = element.numberKind_;
-    isMutable_ = element.isMutable_;
-    holding_ = Holding::Borrowed;
-    extra_ = element.extra_;
 }
 
 }  // namespace flarebox

@@ -1,4 +1,5 @@
 #include <Foundation/NSJSONSerialization.h>
+#include <Foundation/Storage.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -251,25 +252,25 @@ TEST(JsonTests, PartsOutliveTheirDocumentAndItsThread) {
 }
 
 TEST(JsonTests, BorrowedValuesLeaveTheirOwnerAsCountedCopies) {
-    Value copy, element;
+    using detail::ValueAccess;
+    Value copy, element, replaced;
     {
-        Value owner = decode(sample);
-        Value field;
-        field.assignBorrowing(owner.as<NSDictionary>().objectForKey("name"), owner);
-        Value list = "replaced";
-        list.assignBorrowing(owner.as<NSDictionary>().objectForKey("flags"), owner);
-        EXPECT_EQ(field, Value("Café \"😀\""));
+        const auto owner = decode(sample).as<NSDictionary>();
+        Value field = "replaced";
+        ValueAccess::borrowLike(field, owner.entries()[0].second);
+        Value list;
+        ValueAccess::borrowLike(list, owner.objectForKey("flags"));
+        EXPECT_EQ(field, owner.entries()[0].second);
         copy = field;
         element = std::move(list);
-        Value foreign;
-        foreign.assignBorrowing("own text", owner);
-        foreign.assignBorrowing(foreign, owner);
-        EXPECT_EQ(foreign, Value("own text"));
-        field.assignBorrowing(5, owner);
+        ValueAccess::borrowLike(field, Value(std::string("own text")));
+        replaced = field;
+        ValueAccess::borrowLike(field, 5);
         EXPECT_EQ(field, Value(5));
     }
-    EXPECT_EQ(copy, Value("Café \"😀\""));
+    EXPECT_EQ(copy, decode(sample).as<NSDictionary>().entries()[0].second);
     EXPECT_EQ(element.description(), "[1, 0, <null>]");
+    EXPECT_EQ(replaced, Value("own text"));
 }
 
 // Large documents become values in place instead of being copied.

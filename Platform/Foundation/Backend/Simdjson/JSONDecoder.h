@@ -14,8 +14,14 @@ struct JSONDecoding {
     std::string failure;
 };
 
+/// A document to decode and how many bytes behind it may be read, whatever they are.
+struct JSONSource {
+    std::string_view text;
+    std::size_t readableBehind = 0;
+};
+
 /// Decodes one document of any kind. Parsers are kept for reuse, one a thread.
-JSONDecoding decodeJSON(std::string_view text, bool allowFragments, int maximumDepth);
+JSONDecoding decodeJSON(JSONSource source, bool allowFragments, int maximumDepth);
 
 bool isWellFormedUTF8(std::string_view text) noexcept;
 
