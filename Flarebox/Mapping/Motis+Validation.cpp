@@ -160,10 +160,10 @@ bool MotisObject::makeNestedObject(const PropertyPlan& property, const ClassInfo
         // Objects of a model class are model objects.
         if (object) static_cast<MotisObject&>(*object).mts_setValuesForKeysWithDictionary(dictionary);
     }
-    value = Value(object);
-    if (!object) return false;
-    mts_didCreateObject(*object, property.name);
-    return true;
+    NSObject* const made = object.get();
+    value = Value(std::move(object));
+    if (made) mts_didCreateObject(*made, property.name);
+    return made != nullptr;
 }
 
 void MotisObject::checkElements(const PropertyPlan& property, NSArray& array) {

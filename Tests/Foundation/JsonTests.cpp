@@ -273,6 +273,15 @@ TEST(JsonTests, BorrowedValuesLeaveTheirOwnerAsCountedCopies) {
     EXPECT_EQ(replaced, Value("own text"));
 }
 
+// A number's bits may look like a text on the parser's tape.
+TEST(JsonTests, NumbersThatLookLikeTexts) {
+    EXPECT_EQ(decode(R"(["text",2449958197289549824,7782220156096217088])").description(),
+              "[text, 2449958197289549824, 7782220156096217088]");
+    EXPECT_EQ(decode("[2449958197289549824]").description(), "[2449958197289549824]");
+    EXPECT_EQ(decode(R"({"a":["text",7782220156096217088,2449958197289549825]})").description(),
+              "{a: [text, 7782220156096217088, 2449958197289549825]}");
+}
+
 // Large documents become values in place instead of being copied.
 TEST(JsonTests, LargeDocumentsAreReadLikeSmallOnes) {
     const std::string record = sample;
