@@ -1,0 +1,60 @@
+#pragma once
+
+#include <Benchmarks/Wire/Client.h>
+
+#include <curl/curl.h>
+
+#include <cstdio>
+#include <memory>
+
+namespace flarebox::benchmarks {
+
+/// The peer: the library used directly, by hand, as its own examples do, on the caller's thread. What it sends is made
+/// beforehand and what it receives is not decoded.
+class CurlClient : public Client {
+public:
+    CurlClient(std::string baseURL, std::string event);
+    ~CurlClient() override;
+
+    std::vector<double> reportEvents(int count) override;
+    void reportEventsAtOnce(int count, int inFlight) override;
+    void downloadModels(int count, int inFlight, const std::string& folder) override;
+
+private:
+    template <auto Function>
+    struct Calling {
+        template <class T>
+        void operator()(T* handle) const {
+            Function(handle);
+        }
+    };
+    using Easy = std::unique_ptr<CURL, Calling<curl_easy_cleanup>>;
+    using Multi = std::unique_ptr<CURLM, Calling<curl_multi_cleanup>>;
+    using Lines = std::unique_ptr<curl_slist, Calling<curl_slist_free_all>>;
+    using File = std::unique_ptr<std::FILE, Calling<std::fclose>>;
+
+    /// A handle and what its transfer receives.
+    struct Transfer {
+        Easy easy;
+        std::string answer;
+        File file;
+    };
+
+    static std::vector<std::unique_ptr<Transfer>> makeTransfers(int count);
+    void prepareEvent(Transfer& transfer) const;
+    void downloadOneByOne(int count, const std::string& folder);
+    void prepareDownload(Transfer& transfer, int number, const std::string& folder) const;
+    /// Runs `count` transfers on as many handles as there are in `transfers`; `next(transfer, n)` prepares the nth.
+    template <class Next>
+    void runAtOnce(Multi& multi, std::vector<std::unique_ptr<Transfer>>& transfers, int count, const Next& next);
+
+    std::string baseURL_;
+    std::string event_;
+    Lines fields_;
+    /// For one transfer after the other: it keeps its connection.
+    Transfer sequential_;
+    Multi events_;
+    Multi models_;
+};
+
+}  // namespace flarebox::benchmarks

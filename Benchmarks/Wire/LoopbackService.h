@@ -1,0 +1,62 @@
+#pragma once
+
+#include <sys/epoll.h>
+
+#include <atomic>
+#include <cstddef>
+#include <span>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <unordered_map>
+
+namespace flarebox::benchmarks {
+
+/// A service on a loopback port with next to no cost of its own: one thread, keep-alive, answers made beforehand.
+/// GET is answered with `modelLength` bytes, everything else with a short JSON object.
+class LoopbackService {
+public:
+    static constexpr std::size_t modelLength = std::size_t{1} << 20;
+
+    /// Serves from now on; ends the process when there is no port to be had.
+    LoopbackService();
+    ~LoopbackService();
+    LoopbackService(const LoopbackService&) = delete;
+    LoopbackService& operator=(const LoopbackService&) = delete;
+
+    /// Without a slash at the end.
+    std::string baseURL() const { return "http://127.0.0.1:" + std::to_string(port_); }
+    /// Any thread.
+    int acceptedConnections() const { return accepted_; }
+
+private:
+    struct Connection {
+        std::string received;
+        std::string_view unsent;
+        bool waitsToWrite = false;
+    };
+
+    void listen();
+    void run();
+    void serve(const epoll_event& event);
+    void acceptWaiting();
+    void read(int socket);
+    /// False when there is no whole request yet.
+    bool answerNext(Connection& connection) const;
+    void write(int socket);
+    void waitToWrite(int socket, Connection& connection, bool waits) const;
+    void watch(int socket, std::uint32_t events, int operation) const;
+    void drop(int socket);
+
+    int listener_ = -1;
+    int wakeUp_ = -1;
+    int events_ = -1;
+    int port_ = 0;
+    std::string shortAnswer_;
+    std::string modelAnswer_;
+    std::unordered_map<int, Connection> connections_;
+    std::atomic<int> accepted_ = 0;
+    std::thread thread_;
+};
+
+}  // namespace flarebox::benchmarks
