@@ -18,12 +18,32 @@ std::size_t appendBytes(char* bytes, std::size_t size, std::size_t count, void* 
     return size * count;
 }
 
+void appendQuoted(std::string& json, const std::string& text) {
+    json += '"';
+    for (const char letter : text) {
+        if (letter == '"' || letter == '\\') json += '\\';
+        json += letter;
+    }
+    json += '"';
+}
+
+void encode(const PlainEvent& event, std::string& json) {
+    json.clear();
+    for (const auto& [name, value] : event) {
+        json += json.empty() ? '{' : ',';
+        appendQuoted(json, name);
+        json += ':';
+        appendQuoted(json, value);
+    }
+    json += '}';
+}
+
 }  // namespace
 
-CurlClient::CurlClient(std::string baseURL, std::string event)
+CurlClient::CurlClient(std::string baseURL, PlainEvent event)
     : baseURL_(std::move(baseURL)),
       event_(std::move(event)),
-      sequential_{Easy(curl_easy_init()), {}, {}},
+      sequential_{Easy(curl_easy_init()), {}, {}, {}},
       events_(curl_multi_init()),
       models_(curl_multi_init()) {
     for (const char* line : {"Content-Type: application/json", "Accept: application/json"}) {
@@ -48,10 +68,11 @@ std::vector<std::unique_ptr<CurlClient::Transfer>> CurlClient::makeTransfers(int
 void CurlClient::prepareEvent(Transfer& transfer) const {
     CURL* easy = transfer.easy.get();
     transfer.answer.clear();
+    encode(event_, transfer.body);
     curl_easy_setopt(easy, CURLOPT_URL, (baseURL_ + "/kafka/engagement/").c_str());
     curl_easy_setopt(easy, CURLOPT_HTTPHEADER, fields_.get());
-    curl_easy_setopt(easy, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(event_.size()));
-    curl_easy_setopt(easy, CURLOPT_POSTFIELDS, event_.data());
+    curl_easy_setopt(easy, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(transfer.body.size()));
+    curl_easy_setopt(easy, CURLOPT_POSTFIELDS, transfer.body.data());
     curl_easy_setopt(easy, CURLOPT_WRITEFUNCTION, appendBytes);
     curl_easy_setopt(easy, CURLOPT_WRITEDATA, &transfer.answer);
     // Spares it five system calls a transfer.

@@ -6,14 +6,18 @@
 
 #include <cstdio>
 #include <memory>
+#include <utility>
 
 namespace flarebox::benchmarks {
 
-/// The peer: the library used directly, by hand, as its own examples do, on the caller's thread. What it sends is made
-/// beforehand and what it receives is not decoded.
+/// An event as names and values.
+using PlainEvent = std::vector<std::pair<std::string, std::string>>;
+
+/// The peer: the library used directly, by hand, as its own examples do, on the caller's thread. Each event is written
+/// as JSON by code made for it alone; what it receives is not decoded.
 class CurlClient : public Client {
 public:
-    CurlClient(std::string baseURL, std::string event);
+    CurlClient(std::string baseURL, PlainEvent event);
     ~CurlClient() override;
 
     std::vector<double> reportEvents(int count) override;
@@ -36,6 +40,7 @@ private:
     /// A handle and what its transfer receives.
     struct Transfer {
         Easy easy;
+        std::string body;
         std::string answer;
         File file;
     };
@@ -49,7 +54,7 @@ private:
     void runAtOnce(Multi& multi, std::vector<std::unique_ptr<Transfer>>& transfers, int count, const Next& next);
 
     std::string baseURL_;
-    std::string event_;
+    PlainEvent event_;
     Lines fields_;
     /// For one transfer after the other: it keeps its connection.
     Transfer sequential_;

@@ -3,7 +3,6 @@
 #include <Flarebox/Managers/FlareboxManager.h>
 #include <Foundation/Clock.h>
 #include <Foundation/MainQueue.h>
-#include <Foundation/NSJSONSerialization.h>
 
 #include <utility>
 
@@ -26,10 +25,6 @@ Ref<FXEngagementData> sampleEvent() {
     event->setSession("b52f6a0c-6c59-4f5d-a1a5-7f0f3f1f9e10");
     event->setVersion("1.4.2");
     return event;
-}
-
-std::string encodedEvent() {
-    return std::string(NSJSONSerialization::dataWithJSONObject(sampleEvent()->toDictionary(), nullptr).text());
 }
 
 KitClient::KitClient(const std::string& baseURL, Host host) : baseURL_(baseURL), kind_(host), host_({1366, 1024}, 1) {

@@ -12,8 +12,6 @@ namespace flarebox::benchmarks {
 
 /// The event that both clients report.
 Ref<FXEngagementData> sampleEvent();
-/// As it goes over the wire.
-std::string encodedEvent();
 
 /// The product: the service client for events, its session manager for models, under a host.
 class KitClient : public Client {

@@ -23,8 +23,16 @@ enum class Which { Libcurl, Flarebox, FlareboxAsleep };
 
 LoopbackService* service = nullptr;
 
+PlainEvent plainEvent() {
+    PlainEvent event;
+    for (const auto& [name, value] : sampleEvent()->toDictionary().entries()) {
+        event.emplace_back(name.as<NSString>().string(), value.as<NSString>().string());
+    }
+    return event;
+}
+
 std::unique_ptr<Client> makeClient(Which which, const std::string& baseURL) {
-    if (which == Which::Libcurl) return std::make_unique<CurlClient>(baseURL, encodedEvent());
+    if (which == Which::Libcurl) return std::make_unique<CurlClient>(baseURL, plainEvent());
     return std::make_unique<KitClient>(
         baseURL, which == Which::Flarebox ? KitClient::Host::CallsAgainAtOnce : KitClient::Host::SleepsUntilWoken);
 }

@@ -1,4 +1,5 @@
 #include <Flarebox/Core/FlareboxConfig.h>
+#include <Flarebox/Core/TurnLog.h>
 
 namespace flarebox {
 
@@ -21,6 +22,7 @@ FlareboxConfig& FlareboxConfig::defaultConfig() {
     static FlareboxConfig* const shared = [] {
         Ref<FlareboxConfig> config = make<FlareboxConfig>();
         config->setupDefaultConfig();
+        logLongTurns();
         return config.leak();
     }();
     return *shared;

@@ -2,6 +2,7 @@
 
 #include <Foundation/Clock.h>
 #include <Foundation/Immortal.h>
+#include <Foundation/TurnMeter.h>
 
 #include <atomic>
 #include <cmath>
@@ -55,13 +56,19 @@ MainQueue::Token MainQueue::after(double delay, Work work) {
 }
 
 MainQueue::Token MainQueue::at(double dueTime, Work work) {
+    if (std::isnan(dueTime)) dueTime = 0;
+    const bool fromElsewhere = !isMainThread();
+    const bool isDue = fromElsewhere && dueTime <= Clock::current().uptime();
     Token token;
+    bool wakes;
     {
         std::lock_guard lock(mutex_);
         token = nextToken_++;
-        pending_.emplace(Key{std::isnan(dueTime) ? 0 : dueTime, token}, std::move(work));
+        pending_.emplace(Key{dueTime, token}, std::move(work));
+        wakes = fromElsewhere && !wakeUpCalled_;
+        if (wakes) wakeUpCalled_ = isDue;
     }
-    if (!isMainThread()) wake();
+    if (wakes) wake();
     return token;
 }
 
@@ -73,6 +80,8 @@ void MainQueue::wake() {
 void MainQueue::setWakeUp(std::function<void()> wakeUp) {
     std::lock_guard lock(wakeUpMutex_);
     wakeUp_ = std::move(wakeUp);
+    std::lock_guard queueLock(mutex_);
+    wakeUpCalled_ = false;
 }
 
 void MainQueue::cancel(Token token) {
@@ -93,6 +102,11 @@ MainQueue::Pending::node_type MainQueue::takeDue(double now, Token end) {
     return {};
 }
 
+void MainQueue::runWork(const Work& work) {
+    TurnMeter::Part part("queued callbacks");
+    if (work) work();
+}
+
 bool MainQueue::run(double budget) {
     claimMainThread();
     Restore restore(currentDueTime_);
@@ -102,11 +116,12 @@ bool MainQueue::run(double budget) {
     {
         std::lock_guard lock(mutex_);
         end = nextToken_;
+        wakeUpCalled_ = false;
     }
     bool ran = false;
     while (auto entry = takeDue(now, end)) {
         currentDueTime_ = entry.key().dueTime;
-        if (entry.mapped()) entry.mapped()();
+        runWork(entry.mapped());
         ran = true;
         if (Clock::real().uptime() - start >= budget) break;
     }

@@ -61,8 +61,9 @@ public:
     /// Nothing due, nothing under way.
     bool isIdle() const;
 
-    /// Called, from any thread, when work is posted from another thread: lets a host that sleeps wake up. Null for
-    /// none. It must return at once and post nothing. Once this returns, the previous one is not called any more.
+    /// Called, from any thread, when work is posted from another thread: lets a host that sleeps wake up. Once work
+    /// that is due has called it, what follows is silent until the next `run`. Null for none. It must return at once
+    /// and post nothing. Once this returns, the previous one is not called any more.
     void setWakeUp(std::function<void()> wakeUp);
     /// Drops all pending work without running it. Main thread.
     void removeAll();
@@ -80,6 +81,7 @@ private:
     MainQueue() = default;
     ~MainQueue() = default;
     Pending::node_type takeDue(double now, Token end);
+    static void runWork(const Work& work);
     void runUntilQuiet();
     std::optional<double> firstDueTimeAfter(double moment) const;
     void wake();
@@ -89,6 +91,8 @@ private:
     mutable std::mutex mutex_;
     Pending pending_;
     Token nextToken_ = 1;
+    /// Whether the host has been told since the last turn that there is something to run.
+    bool wakeUpCalled_ = false;
     double currentDueTime_ = 0;
     std::mutex wakeUpMutex_;
     std::function<void()> wakeUp_;

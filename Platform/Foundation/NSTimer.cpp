@@ -1,6 +1,7 @@
 #include <Foundation/NSTimer.h>
 
 #include <Foundation/Clock.h>
+#include <Foundation/TurnMeter.h>
 
 #include <cmath>
 #include <utility>
@@ -40,6 +41,7 @@ void NSTimer::schedule(double dueTime) {
 }
 
 void NSTimer::becameDue() {
+    TurnMeter::Part part("timers");
     if (repeats_) schedule(nextDueTime(MainQueue::shared().currentDueTime(), interval_, Clock::current().uptime()));
     fire();
 }

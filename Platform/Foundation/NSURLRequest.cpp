@@ -49,7 +49,7 @@ NSString NSURLRequest::valueForHTTPHeaderField(std::string_view field) const {
 Ref<NSMutableURLRequest> NSURLRequest::mutableCopy() const {
     auto copy = make<NSMutableURLRequest>(URL_);
     copy->setHTTPMethod(HTTPMethod_);
-    for (auto& [name, value] : fields_) copy->setValueForHTTPHeaderField(value, name);
+    copy->fields_ = fields_;
     copy->setHTTPBody(HTTPBody_);
     copy->setTimeoutInterval(timeoutInterval_);
     return copy;

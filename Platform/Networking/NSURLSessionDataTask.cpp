@@ -3,6 +3,7 @@
 #include <Foundation/Immortal.h>
 #include <Foundation/MainQueue.h>
 #include <Foundation/Shutdown.h>
+#include <Foundation/TurnMeter.h>
 #include <Networking/NetworkError.h>
 #include <Networking/RequestCheck.h>
 #include <Networking/Transport.h>
@@ -129,10 +130,12 @@ NSURLSessionDataTask::Outcome NSURLSessionDataTask::decode(const AFHTTPResponseS
 }
 
 void NSURLSessionDataTask::finishSoon(Identifier identifier, Outcome outcome) {
-    MainQueue::shared().async([identifier, outcome = std::move(outcome)] { finish(identifier, outcome); });
+    MainQueue::shared().async(
+        [identifier, outcome = std::move(outcome)]() mutable { finish(identifier, std::move(outcome)); });
 }
 
 void NSURLSessionDataTask::finish(Identifier identifier, Outcome outcome) {
+    TurnMeter::Part part("answers");
     // The activity ends last: whoever waits for rest sees what the completion set going.
     if (auto entry = inFlight().entries.extract(identifier)) entry.mapped().task->complete(std::move(outcome));
 }

@@ -45,12 +45,14 @@ struct TransferResult {
     NSData body;
 };
 
-/// The one thread on which everything of the network happens. It starts with the first use, is joined by
-/// Shutdown::run() within milliseconds whatever the servers do, and starts again when used after that.
+/// The one thread on which everything of the network happens, but for a request to a server that answers already: that
+/// one leaves at once, on the main thread, unless the network thread is busy. It starts with the first use, is joined
+/// by Shutdown::run() within milliseconds whatever the servers do, and starts again when used after that.
 class Transport {
 public:
     using Identifier = std::uint64_t;
-    /// Runs on the network thread, once, and never after the shutdown. A transfer that is cancelled at that very moment
+    /// Runs once, on the network thread, or on the main thread within `start` when the transfer fails at once, and
+    /// never after the shutdown. It must not use the transport. A transfer that is cancelled at that very moment
     /// may still complete. Must be quick: every other transfer waits for it.
     using Completion = std::function<void(TransferResult)>;
 

@@ -51,40 +51,71 @@ void UIHost::setOrientation(UIDeviceOrientation orientation) {
 }
 
 InputResult UIHost::pointerDown(int pointer, CGPoint point) {
+    TurnMeter::Part part("input");
     return state_->touches.down(pointer, point);
 }
 InputResult UIHost::pointerMoved(int pointer, CGPoint point) {
+    TurnMeter::Part part("input");
     return state_->touches.moved(pointer, point);
 }
 InputResult UIHost::pointerUp(int pointer, CGPoint point) {
+    TurnMeter::Part part("input");
     return state_->touches.up(pointer, point);
 }
 void UIHost::pointerCancelled(int pointer) {
+    TurnMeter::Part part("input");
     state_->touches.cancelled(pointer);
 }
 InputResult UIHost::pointerHovered(CGPoint point) {
+    TurnMeter::Part part("input");
     return state_->touches.hovered(point);
 }
 void UIHost::pointerLeft() {
+    TurnMeter::Part part("input");
     state_->touches.left();
 }
 InputResult UIHost::scrolled(CGPoint point, CGFloat dx, CGFloat dy) {
+    TurnMeter::Part part("input");
     return state_->touches.scrolled(point, dx, dy);
 }
 
 InputResult UIHost::keyDown(std::string_view name) {
+    TurnMeter::Part part("input");
     return state_->mainWindow->keyDown(name) ? InputResult::Consumed : InputResult::Ignored;
 }
 
 void UIHost::update(double budget) {
+    TurnMeter::Part turn("update");
     MainQueue::shared().run(budget);
     const double now = Clock::current().uptime();
-    CADisplayLink::runFrame(now);
-    ViewAnimations::tick(now);
-    state_->mainWindow->raisePresented();
-    state_->mainWindow->layoutIfNeeded();
+    {
+        TurnMeter::Part part("display links");
+        CADisplayLink::runFrame(now);
+    }
+    {
+        TurnMeter::Part part("animations");
+        ViewAnimations::tick(now);
+    }
+    {
+        TurnMeter::Part part("layout");
+        state_->mainWindow->raisePresented();
+        state_->mainWindow->layoutIfNeeded();
+    }
     // What is under a still pointer changes only together with the picture.
+    TurnMeter::Part part("hovering");
     if (needsDisplay()) state_->touches.refreshHover();
+}
+
+void UIHost::setTurnBudget(double seconds) {
+    TurnMeter::shared().setBudget(seconds);
+}
+
+const TurnMeter::Turn& UIHost::longestTurn() const {
+    return TurnMeter::shared().longestTurn();
+}
+
+void UIHost::resetLongestTurn() {
+    TurnMeter::shared().resetLongestTurn();
 }
 
 bool UIHost::needsDisplay() const {
@@ -92,6 +123,7 @@ bool UIHost::needsDisplay() const {
 }
 
 void UIHost::draw(Compositor& compositor) {
+    TurnMeter::Part part("drawing");
     state_->renderer.draw(compositor, UIScreen::mainScreen().scale());
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Foundation/TurnMeter.h>
 #include <UIKit/Compositor.h>
 #include <UIKit/Geometry.h>
 
@@ -61,6 +62,14 @@ public:
     void draw(Compositor& compositor);
     /// Gives back every texture made with that compositor; call before it goes away.
     void releaseTextures(Compositor& compositor);
+
+    /// Seconds for which one call of the above may hold the main thread; the kit's log tells at info level of one that
+    /// takes longer, and what took the time. 0, the default: nothing is measured, which costs nothing. Infinity:
+    /// everything is measured for `longestTurn`, nothing logged.
+    void setTurnBudget(double seconds);
+    /// The longest call since the last reset, of those that were measured.
+    const TurnMeter::Turn& longestTurn() const;
+    void resetLongestTurn();
 
 private:
     struct State;

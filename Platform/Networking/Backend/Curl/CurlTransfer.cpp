@@ -54,20 +54,9 @@ bool isSecure(CURL* handle) {
 
 }  // namespace
 
-CurlTransfer::CurlTransfer(EasyHandle handle, TransferRequest request, Transport::Completion completion,
-                           const std::string& noProxy)
-    : handle_(std::move(handle)),
-      request_(std::move(request)),
-      completion_(std::move(completion)),
-      idleTimeout_(usableTimeout(request_.idleTimeout)),
-      lastActivity_(Clock::real().uptime()) {
-    setUp(noProxy);
-}
-
-void CurlTransfer::setUp(const std::string& noProxy) {
-    CURL* curl = handle();
-    curl_easy_setopt(curl, CURLOPT_PRIVATE, this);
-    curl_easy_setopt(curl, CURLOPT_URL, request_.url.c_str());
+EasyHandle CurlTransfer::makeHandle(const std::string& noProxy) {
+    EasyHandle handle(curl_easy_init());
+    CURL* curl = handle.get();
     curl_easy_setopt(curl, CURLOPT_PATH_AS_IS, 1L);
     curl_easy_setopt(curl, CURLOPT_ACCEPT_ENCODING, "gzip");
     curl_easy_setopt(curl, CURLOPT_USERAGENT, userAgent);
@@ -76,39 +65,24 @@ void CurlTransfer::setUp(const std::string& noProxy) {
     curl_easy_setopt(curl, CURLOPT_NOSIGNAL, 1L);
     // A name server that hangs must hold up neither an idle time-out nor the shutdown.
     curl_easy_setopt(curl, CURLOPT_QUICK_EXIT, 1L);
-    setUpLimits();
-    setUpMethod();
-    setUpFields();
-    setUpCallbacks();
-}
-
-void CurlTransfer::setUpLimits() {
-    CURL* curl = handle();
     curl_easy_setopt(curl, CURLOPT_PROTOCOLS_STR, "http,https");
-    curl_easy_setopt(curl, CURLOPT_REDIR_PROTOCOLS_STR, "http,https");
     curl_easy_setopt(curl, CURLOPT_FOLLOWLOCATION, 1L);
     curl_easy_setopt(curl, CURLOPT_MAXREDIRS, static_cast<long>(Transport::maximumRedirects));
-    curl_easy_setopt(curl, CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(request_.maximumBodyLength));
     curl_easy_setopt(curl, CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
-    if (!request_.certificateAuthorityFile.empty()) {
-        curl_easy_setopt(curl, CURLOPT_CAINFO, request_.certificateAuthorityFile.c_str());
-    }
+    setUpCallbacks(curl);
+    return handle;
 }
 
-void CurlTransfer::setUpCallbacks() {
-    CURL* curl = handle();
-    curl_easy_setopt(curl, CURLOPT_HEADERDATA, this);
+void CurlTransfer::setUpCallbacks(CURL* curl) {
     curl_easy_setopt(
         curl, CURLOPT_HEADERFUNCTION, +[](char* bytes, std::size_t size, std::size_t count, void* self) -> std::size_t {
             return static_cast<CurlTransfer*>(self)->receiveHeader({bytes, size * count});
         });
-    curl_easy_setopt(curl, CURLOPT_WRITEDATA, this);
     curl_easy_setopt(
         curl, CURLOPT_WRITEFUNCTION, +[](char* bytes, std::size_t size, std::size_t count, void* self) -> std::size_t {
             return static_cast<CurlTransfer*>(self)->receiveBody({bytes, size * count});
         });
     curl_easy_setopt(curl, CURLOPT_NOPROGRESS, 0L);
-    curl_easy_setopt(curl, CURLOPT_XFERINFODATA, this);
     curl_easy_setopt(
         curl, CURLOPT_XFERINFOFUNCTION,
         +[](void* self, curl_off_t, curl_off_t received, curl_off_t, curl_off_t sent) -> int {
@@ -116,16 +90,39 @@ void CurlTransfer::setUpCallbacks() {
         });
 }
 
+CurlTransfer::CurlTransfer(EasyHandle handle, TransferRequest request, Transport::Completion completion)
+    : handle_(std::move(handle)),
+      request_(std::move(request)),
+      completion_(std::move(completion)),
+      idleTimeout_(usableTimeout(request_.idleTimeout)),
+      lastActivity_(Clock::real().uptime()) {
+    setUp();
+    setUpMethod();
+    setUpFields();
+}
+
+void CurlTransfer::setUp() {
+    CURL* curl = handle();
+    for (const CURLoption option : {CURLOPT_PRIVATE, CURLOPT_HEADERDATA, CURLOPT_WRITEDATA, CURLOPT_XFERINFODATA}) {
+        curl_easy_setopt(curl, option, this);
+    }
+    curl_easy_setopt(curl, CURLOPT_URL, request_.url.c_str());
+    curl_easy_setopt(curl, CURLOPT_REDIR_PROTOCOLS_STR, "http,https");
+    curl_easy_setopt(curl, CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(request_.maximumBodyLength));
+    if (!request_.certificateAuthorityFile.empty()) {
+        curl_easy_setopt(curl, CURLOPT_CAINFO, request_.certificateAuthorityFile.c_str());
+    }
+}
+
 void CurlTransfer::setUpMethod() {
     CURL* curl = handle();
     const std::string& method = request_.method;
-    std::string_view body = request_.body.text();
+    const std::string_view body = request_.body.text();
+    // The handle may have served another method before; whichever comes last here counts.
+    curl_easy_setopt(curl, CURLOPT_HTTPGET, 1L);
+    curl_easy_setopt(curl, CURLOPT_CUSTOMREQUEST, nullptr);
     if (method == "HEAD") {
         curl_easy_setopt(curl, CURLOPT_NOBODY, 1L);
-        return;
-    }
-    if (method == "GET" && body.empty()) {
-        curl_easy_setopt(curl, CURLOPT_HTTPGET, 1L);
         return;
     }
     if (method == "POST" || !body.empty()) {
@@ -133,7 +130,8 @@ void CurlTransfer::setUpMethod() {
         curl_easy_setopt(curl, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(body.size()));
         curl_easy_setopt(curl, CURLOPT_POSTFIELDS, body.empty() ? "" : body.data());
     }
-    if (method != "POST") curl_easy_setopt(curl, CURLOPT_CUSTOMREQUEST, method.c_str());
+    const bool isImplied = method == "POST" || (method == "GET" && body.empty());
+    if (!isImplied) curl_easy_setopt(curl, CURLOPT_CUSTOMREQUEST, method.c_str());
 }
 
 void CurlTransfer::addField(const std::string& line) {
@@ -152,6 +150,12 @@ void CurlTransfer::setUpFields() {
         if (!belongsToTransport(name)) addField(value.empty() ? name + ";" : name + ": " + value);
     }
     curl_easy_setopt(handle(), CURLOPT_HTTPHEADER, fields_.get());
+}
+
+bool CurlTransfer::hasAnswer() const {
+    long status = 0;
+    curl_easy_getinfo(handle(), CURLINFO_RESPONSE_CODE, &status);
+    return status > 0;
 }
 
 bool CurlTransfer::isMultiplexed() const {
@@ -287,8 +291,9 @@ void CurlTransfer::completeWith(CURLcode code) {
 }
 
 EasyHandle CurlTransfer::takeHandle() {
-    curl_easy_reset(handle());
-    return std::move(handle_);
+    // Trust and passwords are for this transfer alone.
+    const bool isPrivate = !request_.certificateAuthorityFile.empty() || request_.url.find('@') != std::string::npos;
+    return isPrivate ? nullptr : std::move(handle_);
 }
 
 }  // namespace flarebox

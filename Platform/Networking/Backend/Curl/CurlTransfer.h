@@ -8,12 +8,14 @@
 
 namespace flarebox {
 
-/// One exchange under way on a handle of its own. Network thread only; stays at its address.
+/// One exchange under way on a handle of its own. Whoever holds the library's lock; stays at its address.
 class CurlTransfer {
 public:
-    /// `noProxy` lists the hosts that are reached without a proxy.
-    CurlTransfer(EasyHandle handle, TransferRequest request, Transport::Completion completion,
-                 const std::string& noProxy);
+    /// A handle with all that is the same for every transfer, and that it keeps from one to the next. `noProxy` lists
+    /// the hosts that are reached without a proxy.
+    static EasyHandle makeHandle(const std::string& noProxy);
+
+    CurlTransfer(EasyHandle handle, TransferRequest request, Transport::Completion completion);
     CurlTransfer(const CurlTransfer&) = delete;
     CurlTransfer& operator=(const CurlTransfer&) = delete;
 
@@ -21,22 +23,23 @@ public:
     const std::string& url() const { return request_.url; }
     /// Uptime at which the transfer fails unless a byte moves before.
     double deadline() const { return lastActivity_ + idleTimeout_; }
+    /// Whether anything was answered so far.
+    bool hasAnswer() const;
     /// Whether the answer came over HTTP/2 or later.
     bool isMultiplexed() const;
 
     void completeWith(CURLcode code);
-    /// The handle, cleared for another transfer; this one is over.
+    /// The handle, for another transfer; this one is over. Null when no other may have it.
     EasyHandle takeHandle();
 
 private:
     /// Why one of our own functions ended the transfer.
     enum class Refusal { None, BodyTooLong, HeaderTooLong, FileFailed };
 
-    void setUp(const std::string& noProxy);
-    void setUpLimits();
+    static void setUpCallbacks(CURL* curl);
+    void setUp();
     void setUpMethod();
     void setUpFields();
-    void setUpCallbacks();
     void addField(const std::string& line);
 
     std::size_t receiveHeader(std::string_view line);

@@ -5,9 +5,9 @@
 
 #include <pthread.h>
 #include <signal.h>
+#include <sys/epoll.h>
 
 #include <algorithm>
-#include <cmath>
 #include <cstdlib>
 #include <utility>
 
@@ -15,9 +15,8 @@ namespace flarebox {
 
 namespace {
 
-constexpr long keptConnections = 16;
-constexpr std::size_t keptHandles = 16;
-constexpr double longestWait = 60;
+constexpr long keptConnections = 64;
+constexpr std::size_t keptHandles = 64;
 
 /// A service on the same machine is never asked through a proxy, whatever the environment says.
 std::string hostsWithoutProxy() {
@@ -39,6 +38,7 @@ TransferLoop::TransferLoop() : noProxy_(hostsWithoutProxy()) {
     initialiseLibrary();
     multi_.reset(curl_multi_init());
     curl_multi_setopt(multi_.get(), CURLMOPT_MAXCONNECTS, keptConnections);
+    sockets_.attachToMulti(multi_.get());
     thread_ = std::thread([this] { run(); });
 }
 
@@ -49,15 +49,23 @@ TransferLoop::~TransferLoop() {
 
 template <class Change>
 void TransferLoop::order(Change change) {
+    bool wasAsleep;
     {
-        std::lock_guard lock(mutex_);
+        std::lock_guard lock(ordersMutex_);
         change(orders_);
+        wasAsleep = std::exchange(asleep_, false);
     }
-    curl_multi_wakeup(multi_.get());
+    if (wasAsleep) events_.wake();
 }
 
 void TransferLoop::start(Identifier identifier, TransferRequest request, Transport::Completion completion) {
-    order([&](Orders& orders) { orders.transfers.push_back({identifier, std::move(request), std::move(completion)}); });
+    TransferQueue::Entry entry{identifier, std::move(request), std::move(completion)};
+    // A first connection takes name look-ups and handshakes, which are not for the caller's thread.
+    if (std::unique_lock lock(mutex_, std::try_to_lock); lock && queue_.hasAnswered(entry.request.url)) {
+        queue_.add(std::move(entry));
+        return proceed();
+    }
+    order([&](Orders& orders) { orders.transfers.push_back(std::move(entry)); });
 }
 
 void TransferLoop::watch(Identifier identifier, std::unique_ptr<Transport::Watch> watch) {
@@ -68,6 +76,23 @@ void TransferLoop::end(Identifier identifier) {
     order([&](Orders& orders) { orders.ends.push_back(identifier); });
 }
 
+TransferLoop::Orders TransferLoop::takeOrders() {
+    std::lock_guard lock(ordersMutex_);
+    return std::exchange(orders_, {});
+}
+
+const std::vector<EventSet::Event>& TransferLoop::waitForEvents() {
+    {
+        std::lock_guard lock(ordersMutex_);
+        asleep_ = orders_.areEmpty();
+        if (!asleep_) return events_.look();
+    }
+    const auto& events = events_.wait();
+    std::lock_guard lock(ordersMutex_);
+    asleep_ = false;
+    return events;
+}
+
 void TransferLoop::run() {
     pthread_setname_np(pthread_self(), "flarebox-net");
     sigset_t brokenPipe;
@@ -75,28 +100,29 @@ void TransferLoop::run() {
     sigaddset(&brokenPipe, SIGPIPE);
     pthread_sigmask(SIG_BLOCK, &brokenPipe, nullptr);
 
-    for (Orders orders = takeOrders(); !orders.stop; orders = takeOrders()) {
-        follow(std::move(orders));
-        beginWaiting();
-        int running = 0;
-        curl_multi_perform(multi_.get(), &running);
-        const bool ended = finishEnded();
-        const bool timedOut = finishIdle();
-        if (!ended && !timedOut) waitForEvents();
+    while (work(waitForEvents())) {
     }
+    std::lock_guard lock(mutex_);
     for (auto& [identifier, transfer] : transfers_) curl_multi_remove_handle(multi_.get(), transfer->handle());
     transfers_.clear();
     watches_.clear();
 }
 
-TransferLoop::Orders TransferLoop::takeOrders() {
+bool TransferLoop::work(const std::vector<EventSet::Event>& events) {
     std::lock_guard lock(mutex_);
-    return std::exchange(orders_, {});
+    Orders orders = takeOrders();
+    if (orders.stop) return false;
+    for (const EventSet::Event& event : events) handle(event);
+    follow(std::move(orders));
+    proceed();
+    finishIdle();
+    return true;
 }
 
 void TransferLoop::follow(Orders orders) {
     for (auto& transfer : orders.transfers) queue_.add(std::move(transfer));
     for (auto& [identifier, watch] : orders.watches) {
+        events_.watch(watch->descriptor(), EPOLLIN);
         watch->readable();
         watches_.emplace(identifier, std::move(watch));
     }
@@ -107,13 +133,23 @@ void TransferLoop::follow(Orders orders) {
     }
 }
 
-void TransferLoop::beginWaiting() {
-    while (auto entry = queue_.takeNext()) begin(std::move(*entry));
+void TransferLoop::handle(const EventSet::Event& event) {
+    for (auto& [identifier, watch] : watches_) {
+        if (watch->descriptor() == event.descriptor) return watch->readable();
+    }
+    sockets_.handle(event);
+}
+
+void TransferLoop::proceed() {
+    do {
+        while (auto entry = queue_.takeNext()) begin(std::move(*entry));
+        sockets_.runTimer();
+    } while (finishEnded());
+    setAlarm();
 }
 
 void TransferLoop::begin(TransferQueue::Entry entry) {
-    auto transfer = std::make_unique<CurlTransfer>(takeSpareHandle(), std::move(entry.request),
-                                                   std::move(entry.completion), noProxy_);
+    auto transfer = std::make_unique<CurlTransfer>(takeHandle(), std::move(entry.request), std::move(entry.completion));
     CURL* handle = transfer->handle();
     identifiers_[handle] = entry.identifier;
     transfers_[entry.identifier] = std::move(transfer);
@@ -139,49 +175,41 @@ bool TransferLoop::finishEnded() {
     return any;
 }
 
-bool TransferLoop::finishIdle() {
+void TransferLoop::finishIdle() {
     const double now = Clock::real().uptime();
     std::vector<Identifier> idle;
     for (auto& [identifier, transfer] : transfers_) {
         if (transfer->deadline() <= now) idle.push_back(identifier);
     }
     for (Identifier identifier : idle) finish(identifier, CURLE_OPERATION_TIMEDOUT);
-    return !idle.empty();
+    if (!idle.empty()) proceed();
 }
 
-int TransferLoop::millisecondsToWait() const {
-    double wait = longestWait;
-    const double now = Clock::real().uptime();
-    for (auto& [identifier, transfer] : transfers_) wait = std::min(wait, transfer->deadline() - now);
-    return static_cast<int>(std::ceil(std::max(wait, 0.0) * 1000));
-}
-
-void TransferLoop::waitForEvents() {
-    descriptors_.clear();
-    for (auto& [identifier, watch] : watches_) {
-        descriptors_.push_back({watch->descriptor(), CURL_WAIT_POLLIN, 0});
-    }
-    curl_multi_poll(multi_.get(), descriptors_.data(), static_cast<unsigned>(descriptors_.size()), millisecondsToWait(),
-                    nullptr);
-    for (auto& descriptor : descriptors_) {
-        if (!descriptor.revents) continue;
-        for (auto& [identifier, watch] : watches_) {
-            if (watch->descriptor() == descriptor.fd) watch->readable();
-        }
-    }
+void TransferLoop::setAlarm() {
+    double next = sockets_.timer();
+    for (auto& [identifier, transfer] : transfers_) next = std::min(next, transfer->deadline());
+    events_.wakeBy(next);
 }
 
 void TransferLoop::release(std::unique_ptr<CurlTransfer> transfer) {
-    queue_.ended(transfer->url(), transfer->isMultiplexed());
+    using End = TransferQueue::End;
+    const End answered = transfer->isMultiplexed() ? End::AnsweredMultiplexed : End::Answered;
+    queue_.ended(transfer->url(), transfer->hasAnswer() ? answered : End::Failed);
     curl_multi_remove_handle(multi_.get(), transfer->handle());
     identifiers_.erase(transfer->handle());
-    if (spareHandles_.size() < keptHandles) spareHandles_.push_back(transfer->takeHandle());
+    if (spareHandles_.size() == keptHandles) return;
+    if (EasyHandle handle = transfer->takeHandle()) spareHandles_.push_back(std::move(handle));
 }
 
-EasyHandle TransferLoop::takeSpareHandle() {
-    if (spareHandles_.empty()) return EasyHandle(curl_easy_init());
-    EasyHandle handle = std::move(spareHandles_.back());
-    spareHandles_.pop_back();
+EasyHandle TransferLoop::takeHandle() {
+    EasyHandle handle;
+    if (spareHandles_.empty()) {
+        handle = CurlTransfer::makeHandle(noProxy_);
+        sockets_.attachToEasy(handle.get());
+    } else {
+        handle = std::move(spareHandles_.back());
+        spareHandles_.pop_back();
+    }
     return handle;
 }
 

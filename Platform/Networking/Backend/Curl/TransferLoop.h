@@ -1,7 +1,9 @@
 #pragma once
 
 #include <Networking/Backend/Curl/CurlHandles.h>
+#include <Networking/Backend/Curl/CurlSockets.h>
 #include <Networking/Backend/Curl/TransferQueue.h>
+#include <Networking/Backend/Epoll/EventSet.h>
 #include <Networking/Transport.h>
 
 #include <mutex>
@@ -14,8 +16,10 @@ namespace flarebox {
 
 class CurlTransfer;
 
-/// The network thread: from its construction to its destruction, which joins it.
-/// The public operations may be called on any thread, everything else belongs to the network thread.
+/// The transfers and the thread that carries them on: from its construction to its destruction, which joins it.
+/// The public operations may be called on any thread. What the library is told and tells happens under one lock, which
+/// the thread lets go of while it sleeps: so a request that needs no preparation leaves at once on the caller's thread,
+/// without waiting for another one to be woken.
 class TransferLoop {
 public:
     using Identifier = Transport::Identifier;
@@ -25,6 +29,7 @@ public:
     TransferLoop(const TransferLoop&) = delete;
     TransferLoop& operator=(const TransferLoop&) = delete;
 
+    /// Never waits for the network thread.
     void start(Identifier identifier, TransferRequest request, Transport::Completion completion);
     void watch(Identifier identifier, std::unique_ptr<Transport::Watch> watch);
     /// Ends a transfer or a watch.
@@ -41,35 +46,46 @@ private:
         std::vector<NewWatch> watches;
         std::vector<Identifier> ends;
         bool stop = false;
+
+        bool areEmpty() const { return transfers.empty() && watches.empty() && ends.empty() && !stop; }
     };
     using Transfers = std::unordered_map<Identifier, std::unique_ptr<CurlTransfer>>;
 
     template <class Change>
     void order(Change change);
-    void run();
     Orders takeOrders();
+
+    void run();
+    const std::vector<EventSet::Event>& waitForEvents();
+    bool work(const std::vector<EventSet::Event>& events);
     void follow(Orders orders);
-    void beginWaiting();
+    void handle(const EventSet::Event& event);
+    /// Begins what may begin and finishes what has ended, until neither is left.
+    void proceed();
     void begin(TransferQueue::Entry entry);
     void finish(Identifier identifier, CURLcode code);
-    /// Both tell whether there were any.
+    /// Whether there were any.
     bool finishEnded();
-    bool finishIdle();
-    void waitForEvents();
-    int millisecondsToWait() const;
+    void finishIdle();
+    void setAlarm();
     void release(std::unique_ptr<CurlTransfer> transfer);
-    EasyHandle takeSpareHandle();
+    EasyHandle takeHandle();
 
-    std::mutex mutex_;
+    std::mutex ordersMutex_;
     Orders orders_;
+    /// Whether the network thread has to be woken to see an order.
+    bool asleep_ = false;
+    EventSet events_;
 
+    /// Guards everything from here on, except against the thread's beginning and end.
+    std::mutex mutex_;
+    CurlSockets sockets_{events_};
     MultiHandle multi_;
     std::string noProxy_;
     TransferQueue queue_;
     Transfers transfers_;
     std::unordered_map<CURL*, Identifier> identifiers_;
     std::unordered_map<Identifier, std::unique_ptr<Transport::Watch>> watches_;
-    std::vector<curl_waitfd> descriptors_;
     std::vector<EasyHandle> spareHandles_;
     std::thread thread_;
 };

@@ -9,16 +9,25 @@ namespace {
 
 /// What HTTP/2 servers usually allow on one connection.
 constexpr int multiplexedTransfers = 100;
+constexpr std::size_t knownServers = 32;
 
-std::string serverOf(const std::string& url) {
+std::string_view serverOf(std::string_view url) {
     auto host = url.find("://");
-    return host == std::string::npos ? url : url.substr(0, url.find_first_of("/?#", host + 3));
+    return host == url.npos ? url : url.substr(0, url.find_first_of("/?#", host + 3));
 }
 
 }  // namespace
 
+bool TransferQueue::hasAnswered(std::string_view url) const {
+    const auto found = servers_.find(serverOf(url));
+    return found != servers_.end() && found->second.hasAnswered;
+}
+
 void TransferQueue::add(Entry entry) {
-    servers_[serverOf(entry.request.url)].waiting.push_back(std::move(entry));
+    const std::string_view name = serverOf(entry.request.url);
+    auto found = servers_.find(name);
+    if (found == servers_.end()) found = servers_.emplace(name, Server()).first;
+    found->second.waiting.push_back(std::move(entry));
 }
 
 std::optional<TransferQueue::Entry> TransferQueue::takeNext() {
@@ -32,15 +41,14 @@ std::optional<TransferQueue::Entry> TransferQueue::takeNext() {
     return std::nullopt;
 }
 
-void TransferQueue::ended(const std::string& url, bool multiplexes) {
+void TransferQueue::ended(std::string_view url, End end) {
     auto found = servers_.find(serverOf(url));
     if (found == servers_.end()) return;
     Server& server = found->second;
     --server.running;
-    if (multiplexes) server.limit = multiplexedTransfers;
-    if (server.running == 0 && server.waiting.empty() && server.limit == Transport::connectionsPerHost) {
-        servers_.erase(found);
-    }
+    server.hasAnswered = end != End::Failed;
+    if (end == End::AnsweredMultiplexed) server.limit = multiplexedTransfers;
+    if (server.running == 0 && server.waiting.empty() && servers_.size() > knownServers) servers_.erase(found);
 }
 
 void TransferQueue::remove(Transport::Identifier identifier) {

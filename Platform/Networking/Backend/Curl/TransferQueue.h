@@ -6,6 +6,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace flarebox {
 
@@ -23,19 +24,24 @@ public:
     void add(Entry entry);
     /// A transfer that may start now; its server counts it until `ended`.
     std::optional<Entry> takeNext();
-    /// `url` is the address of the request; `multiplexes` tells that its server takes many transfers on one connection.
-    void ended(const std::string& url, bool multiplexes);
+    /// How a transfer went: answered over HTTP/2 or later, one connection takes many at once.
+    enum class End { Failed, Answered, AnsweredMultiplexed };
+    /// `url` is the address of the request.
+    void ended(std::string_view url, End end);
+    /// Whether the server of that address answered the transfer to it that ended last.
+    bool hasAnswered(std::string_view url) const;
     /// Takes a waiting transfer out, if there is one of that number.
     void remove(Transport::Identifier identifier);
 
 private:
     struct Server {
         int running = 0;
+        bool hasAnswered = false;
         int limit = Transport::connectionsPerHost;
         std::deque<Entry> waiting;
     };
     /// By scheme, host and port.
-    std::map<std::string, Server> servers_;
+    std::map<std::string, Server, std::less<>> servers_;
 };
 
 }  // namespace flarebox
