@@ -15,8 +15,10 @@ namespace flarebox {
 
 namespace {
 
-constexpr long keptConnections = 64;
-constexpr std::size_t keptHandles = 64;
+constexpr long keptConnections = 16;
+/// Copied into the kernel in some microseconds.
+constexpr std::size_t quickBodyLength = 16 * 1024;
+constexpr std::size_t keptHandles = 16;
 
 /// A service on the same machine is never asked through a proxy, whatever the environment says.
 std::string hostsWithoutProxy() {
@@ -60,12 +62,16 @@ void TransferLoop::order(Change change) {
 
 void TransferLoop::start(Identifier identifier, TransferRequest request, Transport::Completion completion) {
     TransferQueue::Entry entry{identifier, std::move(request), std::move(completion)};
-    // A first connection takes name look-ups and handshakes, which are not for the caller's thread.
-    if (std::unique_lock lock(mutex_, std::try_to_lock); lock && queue_.hasAnswered(entry.request.url)) {
+    if (std::unique_lock lock(mutex_, std::try_to_lock); lock && leavesQuickly(entry.request)) {
         queue_.add(std::move(entry));
         return proceed();
     }
     order([&](Orders& orders) { orders.transfers.push_back(std::move(entry)); });
+}
+
+bool TransferLoop::leavesQuickly(const TransferRequest& request) const {
+    // A first connection takes name look-ups and handshakes, which are not for the caller's thread.
+    return request.body.length() <= quickBodyLength && queue_.hasAnswered(request.url);
 }
 
 void TransferLoop::watch(Identifier identifier, std::unique_ptr<Transport::Watch> watch) {

@@ -54,6 +54,7 @@ private:
     template <class Change>
     void order(Change change);
     Orders takeOrders();
+    bool leavesQuickly(const TransferRequest& request) const;
 
     void run();
     const std::vector<EventSet::Event>& waitForEvents();

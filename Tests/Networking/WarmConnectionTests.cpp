@@ -1,0 +1,115 @@
+// Requests after the first one, which leave at once, on a connection and a handle that have served before.
+
+#include "NetworkTest.h"
+#include "ScriptedServer.h"
+
+#include <gmock/gmock.h>
+
+#include <atomic>
+#include <ctime>
+
+namespace flarebox::testing {
+
+namespace {
+
+using ::testing::Contains;
+using ::testing::Not;
+using ::testing::StartsWith;
+using Connection = ScriptedServer::Connection;
+
+class WarmConnectionTest : public NetworkTest {
+protected:
+    std::atomic<bool> silent_ = false;
+    std::atomic<bool> clientLeft_ = false;
+    /// Answers the first request, and hangs upon the second.
+    ScriptedServer fallingSilent_{[this](Connection& connection) {
+        if (!connection.readRequest()) return;
+        connection.answerJSON("[]");
+        if (!connection.readRequest()) return;
+        silent_ = true;
+        connection.hang();
+        clientLeft_ = true;
+    }};
+};
+
+double processorSeconds() {
+    timespec time = {};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / 1e9;
+}
+
+}  // namespace
+
+TEST_F(WarmConnectionTest, ATimeOutEarlierThanThoseBeforeCounts) {
+    EXPECT_EQ(load(fallingSilent_.url()).code(), 0);
+    auto request = get(fallingSilent_.url());
+    request->setTimeoutInterval(0.2);
+    EXPECT_EQ(load(request).code(), NSURLErrorTimedOut);
+    EXPECT_EQ(fallingSilent_.acceptedConnections(), 1);
+}
+
+TEST_F(WarmConnectionTest, CancellingEndsTheExchange) {
+    EXPECT_EQ(load(fallingSilent_.url()).code(), 0);
+    Outcome outcome;
+    auto task = manager_->dataTaskWithRequest(get(fallingSilent_.url()), outcome.recorder());
+    task->resume();
+    EXPECT_TRUE(pumpUntil([&] { return silent_.load(); }));
+    task->cancel();
+    EXPECT_TRUE(pumpUntil([&] { return clientLeft_.load(); }));
+    EXPECT_EQ(outcome.code(), NSURLErrorCancelled);
+}
+
+TEST_F(WarmConnectionTest, OneThatTheServerClosesWhileItRestsCostsNothing) {
+    ScriptedServer server([](Connection& connection) {
+        if (connection.readRequest()) connection.answerJSON("[]");
+    });
+    EXPECT_EQ(load(server.url()).code(), 0);
+    const double before = processorSeconds();
+    pumpFor(0.3);
+    EXPECT_LT(processorSeconds() - before, 0.15) << "something is going round in circles";
+    EXPECT_EQ(load(server.url()).code(), 0);
+}
+
+TEST_F(WarmConnectionTest, NothingOfARequestIsLeftForTheNext) {
+    ScriptedServer server(answering([](Connection& connection, auto& request) {
+        if (request.starts_with("HEAD"))
+            connection.send("HTTP/1.1 200 OK\r\nContent-Type: application/json\r\nContent-Length: 2\r\n\r\n");
+        else
+            connection.answerJSON("[]");
+    }));
+    struct Case {
+        const char* method;
+        const char* body;
+    };
+    const Case cases[] = {{"HEAD", ""},    {"GET", ""},   {"PUT", "put"},   {"POST", ""},    {"GET", "odd"},
+                          {"GET", ""},     {"POST", "p"}, {"DELETE", ""},   {"HEAD", ""},    {"POST", "after"},
+                          {"OPTIONS", ""}, {"GET", ""},   {"PATCH", "new"}, {"DELETE", "d"}, {"GET", ""}};
+    for (const auto& [method, body] : cases) {
+        auto request = get(server.url());
+        request->setHTTPMethod(method);
+        if (*body) request->setHTTPBody(NSData::dataWithBytes(std::string_view(body)));
+        EXPECT_EQ(load(request).code(), 0) << method << ' ' << body;
+    }
+    const auto requests = server.requests();
+    ASSERT_EQ(requests.size(), std::size(cases));
+    for (std::size_t index = 0; index < requests.size(); ++index) {
+        EXPECT_EQ(firstLine(requests[index]), cases[index].method + std::string(" / HTTP/1.1"));
+        EXPECT_EQ(bodyOf(requests[index]), cases[index].body) << index;
+        EXPECT_THAT(headerLines(requests[index]), Not(Contains(StartsWith("Content-Type"))));
+    }
+    EXPECT_EQ(server.acceptedConnections(), 1);
+}
+
+TEST_F(WarmConnectionTest, PasswordsStayWithTheRequestThatHasThem) {
+    ScriptedServer server(answering([](Connection& connection, auto&) { connection.answerJSON("[]"); }));
+    const std::string address = server.url();
+    EXPECT_EQ(load(address).code(), 0);
+    EXPECT_EQ(load("http://user:word@" + address.substr(7)).code(), 0);
+    EXPECT_EQ(load(address).code(), 0);
+    const auto requests = server.requests();
+    ASSERT_EQ(requests.size(), 3u);
+    EXPECT_THAT(headerLines(requests[1]), Contains(StartsWith("Authorization: Basic")));
+    EXPECT_THAT(headerLines(requests[2]), Not(Contains(StartsWith("Authorization"))));
+}
+
+}  // namespace flarebox::testing
