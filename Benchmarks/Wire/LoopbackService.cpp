@@ -2,6 +2,8 @@
 
 #include <arpa/inet.h>
 #include <netinet/tcp.h>
+#include <pthread.h>
+#include <sched.h>
 #include <sys/eventfd.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -30,6 +32,25 @@ std::size_t announcedLength(std::string_view head) {
     return length;
 }
 
+cpu_set_t everyProcessor() {
+    cpu_set_t set;
+    CPU_ZERO(&set);
+    sched_getaffinity(0, sizeof set, &set);
+    return set;
+}
+
+/// The set without its last processor, or that one alone.
+cpu_set_t part(const cpu_set_t& all, bool last) {
+    cpu_set_t part;
+    CPU_ZERO(&part);
+    for (int number = 0, left = CPU_COUNT(&all); left > 0; ++number) {
+        if (!CPU_ISSET(number, &all)) continue;
+        --left;
+        if ((left == 0) == last) CPU_SET(number, &part);
+    }
+    return part;
+}
+
 [[noreturn]] void giveUp(const char* what) {
     std::perror(what);
     std::exit(1);
@@ -53,6 +74,14 @@ LoopbackService::~LoopbackService() {
     thread_.join();
     for (const auto& [socket, connection] : connections_) close(socket);
     for (const int descriptor : {listener_, wakeUp_, events_}) close(descriptor);
+}
+
+void LoopbackService::setHasOwnProcessor(bool own) {
+    static const cpu_set_t all = everyProcessor();
+    if (CPU_COUNT(&all) < 2) return;
+    const cpu_set_t ours = own ? part(all, true) : all, others = own ? part(all, false) : all;
+    pthread_setaffinity_np(thread_.native_handle(), sizeof ours, &ours);
+    pthread_setaffinity_np(pthread_self(), sizeof others, &others);
 }
 
 void LoopbackService::listen() {

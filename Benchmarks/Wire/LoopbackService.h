@@ -24,6 +24,10 @@ public:
     LoopbackService(const LoopbackService&) = delete;
     LoopbackService& operator=(const LoopbackService&) = delete;
 
+    /// Gives the service a processor of its own, where there are two, as one elsewhere has: the calling thread, and
+    /// those that it starts from now on, keep off it. Who shares one with whom is then not left to chance.
+    void setHasOwnProcessor(bool own);
+
     /// Without a slash at the end.
     std::string baseURL() const { return "http://127.0.0.1:" + std::to_string(port_); }
     /// Any thread.

@@ -19,6 +19,8 @@ constexpr int maximumMomentsOfOneAdvance = 1000000;
 
 std::atomic<int> activities = 0;
 
+thread_local constinit MainQueue::Batch* batch = nullptr;
+
 // Static initialisation runs on the process's first thread.
 std::atomic<std::thread::id> mainThread = std::this_thread::get_id();
 std::atomic<bool> mainThreadClaimed = false;
@@ -73,6 +75,10 @@ MainQueue::Token MainQueue::at(double dueTime, Work work) {
 }
 
 void MainQueue::wake() {
+    if (batch) {
+        batch->wakes_ = true;
+        return;
+    }
     std::lock_guard lock(wakeUpMutex_);
     if (wakeUp_) wakeUp_();
 }
@@ -184,6 +190,13 @@ void MainQueue::shiftDueTimes(double seconds) {
         shifted.insert(std::move(entry));
     }
     pending_.swap(shifted);
+}
+
+MainQueue::Batch::Batch() : outer_(std::exchange(batch, this)) {}
+
+MainQueue::Batch::~Batch() {
+    batch = outer_;
+    if (wakes_) shared().wake();
 }
 
 MainQueue::Activity::Activity() {

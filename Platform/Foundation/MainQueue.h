@@ -58,6 +58,19 @@ public:
         Activity(const Activity&) = delete;
         Activity& operator=(const Activity&) = delete;
     };
+    /// As long as one lives, posts from its thread do not wake the host; its end does, once, if one would have.
+    class Batch {
+    public:
+        Batch();
+        ~Batch();
+        Batch(const Batch&) = delete;
+        Batch& operator=(const Batch&) = delete;
+
+    private:
+        friend class MainQueue;
+        Batch* const outer_;
+        bool wakes_ = false;
+    };
     /// Nothing due, nothing under way.
     bool isIdle() const;
 

@@ -221,6 +221,17 @@ TEST_F(ServicesTime, HostIsWokenOnceForWhatIsDueAndForEveryNewDelay) {
     queue.run();
     elsewhere([&] { queue.async([] {}); });
     EXPECT_EQ(wakeUps, 4);
+    queue.run();
+    elsewhere([&] {
+        MainQueue::Batch outer;
+        {
+            MainQueue::Batch inner;
+            for (const double delay : {60.0, 30.0, 0.0}) queue.after(delay, [] {});
+        }
+        EXPECT_EQ(wakeUps, 4) << "not before the batch has ended";
+        EXPECT_TRUE(queue.hasDueWork());
+    });
+    EXPECT_EQ(wakeUps, 5);
     queue.setWakeUp(nullptr);
     queue.removeAll();
 }

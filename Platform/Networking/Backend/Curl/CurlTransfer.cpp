@@ -275,7 +275,7 @@ Ref<NSError> CurlTransfer::errorFor(CURLcode code) {
     return code == CURLE_OK ? nullptr : errorOfTransfer(code, handle(), request_.url);
 }
 
-void CurlTransfer::completeWith(CURLcode code) {
+CurlTransfer::Ended CurlTransfer::endWith(CURLcode code) {
     result_.error = errorFor(code);
     if (!result_.error) {
         long status = 0, redirects = 0;
@@ -287,7 +287,7 @@ void CurlTransfer::completeWith(CURLcode code) {
         result_.url = redirects > 0 && url ? url : request_.url;
         finishBody();
     }
-    completion_(std::move(result_));
+    return {std::move(completion_), std::move(result_)};
 }
 
 EasyHandle CurlTransfer::takeHandle() {

@@ -28,7 +28,12 @@ public:
     /// Whether the answer came over HTTP/2 or later.
     bool isMultiplexed() const;
 
-    void completeWith(CURLcode code);
+    /// What came of it, and who is to know.
+    struct Ended {
+        Transport::Completion completion;
+        TransferResult result;
+    };
+    Ended endWith(CURLcode code);
     /// The handle, for another transfer; this one is over. Null when no other may have it.
     EasyHandle takeHandle();
 

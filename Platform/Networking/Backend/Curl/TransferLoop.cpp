@@ -1,7 +1,7 @@
 #include <Networking/Backend/Curl/TransferLoop.h>
 
 #include <Foundation/Clock.h>
-#include <Networking/Backend/Curl/CurlTransfer.h>
+#include <Foundation/MainQueue.h>
 
 #include <pthread.h>
 #include <signal.h>
@@ -64,7 +64,10 @@ void TransferLoop::start(Identifier identifier, TransferRequest request, Transpo
     TransferQueue::Entry entry{identifier, std::move(request), std::move(completion)};
     if (std::unique_lock lock(mutex_, std::try_to_lock); lock && leavesQuickly(entry.request)) {
         queue_.add(std::move(entry));
-        return proceed();
+        proceed();
+        auto ended = std::exchange(ended_, {});
+        lock.unlock();
+        return complete(std::move(ended));
     }
     order([&](Orders& orders) { orders.transfers.push_back(std::move(entry)); });
 }
@@ -115,14 +118,22 @@ void TransferLoop::run() {
 }
 
 bool TransferLoop::work(const std::vector<EventSet::Event>& events) {
-    std::lock_guard lock(mutex_);
+    std::unique_lock lock(mutex_);
     Orders orders = takeOrders();
     if (orders.stop) return false;
     for (const EventSet::Event& event : events) handle(event);
     follow(std::move(orders));
     proceed();
     finishIdle();
+    auto ended = std::exchange(ended_, {});
+    lock.unlock();
+    complete(std::move(ended));
     return true;
+}
+
+void TransferLoop::complete(std::vector<CurlTransfer::Ended> ended) {
+    MainQueue::Batch together;
+    for (auto& [completion, result] : ended) completion(std::move(result));
 }
 
 void TransferLoop::follow(Orders orders) {
@@ -165,7 +176,7 @@ void TransferLoop::begin(TransferQueue::Entry entry) {
 void TransferLoop::finish(Identifier identifier, CURLcode code) {
     auto transfer = transfers_.extract(identifier);
     if (!transfer) return;
-    transfer.mapped()->completeWith(code);
+    ended_.push_back(transfer.mapped()->endWith(code));
     release(std::move(transfer.mapped()));
 }
 

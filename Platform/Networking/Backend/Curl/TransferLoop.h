@@ -2,6 +2,7 @@
 
 #include <Networking/Backend/Curl/CurlHandles.h>
 #include <Networking/Backend/Curl/CurlSockets.h>
+#include <Networking/Backend/Curl/CurlTransfer.h>
 #include <Networking/Backend/Curl/TransferQueue.h>
 #include <Networking/Backend/Epoll/EventSet.h>
 #include <Networking/Transport.h>
@@ -13,8 +14,6 @@
 #include <vector>
 
 namespace flarebox {
-
-class CurlTransfer;
 
 /// The transfers and the thread that carries them on: from its construction to its destruction, which joins it.
 /// The public operations may be called on any thread. What the library is told and tells happens under one lock, which
@@ -59,6 +58,7 @@ private:
     void run();
     const std::vector<EventSet::Event>& waitForEvents();
     bool work(const std::vector<EventSet::Event>& events);
+    static void complete(std::vector<CurlTransfer::Ended> ended);
     void follow(Orders orders);
     void handle(const EventSet::Event& event);
     /// Begins what may begin and finishes what has ended, until neither is left.
@@ -88,6 +88,8 @@ private:
     std::unordered_map<CURL*, Identifier> identifiers_;
     std::unordered_map<Identifier, std::unique_ptr<Transport::Watch>> watches_;
     std::vector<EasyHandle> spareHandles_;
+    /// What is completed once the lock is let go of: whoever learns of an answer may want to send again at once.
+    std::vector<CurlTransfer::Ended> ended_;
     std::thread thread_;
 };
 
