@@ -68,8 +68,8 @@ public:
 
     static constexpr double defaultIdleTimeout = 60;
     static constexpr int maximumRedirects = 5;
-    /// Transfers to one host that run at once; more of them wait for their turn.
-    static constexpr int connectionsPerHost = 6;
+    /// Transfers to one host that run at once, and downloads to files beside them; more of them wait for their turn.
+    static constexpr int connectionsPerHost = 6, downloadsPerHost = 64;
 
     static Transport& shared();
 

@@ -102,6 +102,19 @@ TEST_F(DownloadTest, WhatFailsLeavesNoFileAndNoOtherInItsPlace) {
     EXPECT_EQ(folder_.read("kept"), "old");
 }
 
+TEST_F(DownloadTest, SlowOnesHoldUpNobodyElse) {
+    held_ = true;
+    std::vector<Outcome> slow(20);
+    for (std::size_t i = 0; i < slow.size(); ++i) start(server_.url("/model"), "asset" + std::to_string(i), slow[i]);
+    ASSERT_TRUE(pumpUntil([&] { return halves_ == 20; })) << "all of them at once";
+    Outcome coupon;
+    manager_->dataTaskWithRequest(get(server_.url("/missing")), coupon.recorder())->resume();
+    EXPECT_TRUE(pumpUntil([&] { return coupon.calls == 1; }));
+    held_ = false;
+    for (const Outcome& outcome : slow) EXPECT_TRUE(pumpUntil([&] { return outcome.calls == 1; }));
+    EXPECT_EQ(files().size(), slow.size());
+}
+
 TEST_F(DownloadTest, EndsWithItsConnectionItsTaskOrTheProcess) {
     held_ = true;
     Outcome cut, cancelled, dropped;

@@ -20,7 +20,7 @@ public:
     CurlTransfer& operator=(const CurlTransfer&) = delete;
 
     CURL* handle() const { return handle_.get(); }
-    const std::string& url() const { return request_.url; }
+    const TransferRequest& request() const { return request_; }
     /// Uptime at which the transfer fails unless a byte moves before.
     double deadline() const { return lastActivity_ + idleTimeout_; }
     /// Whether anything was answered so far.

@@ -211,7 +211,8 @@ void TransferLoop::setAlarm() {
 void TransferLoop::release(std::unique_ptr<CurlTransfer> transfer) {
     using End = TransferQueue::End;
     const End answered = transfer->isMultiplexed() ? End::AnsweredMultiplexed : End::Answered;
-    queue_.ended(transfer->url(), transfer->hasAnswer() ? answered : End::Failed);
+    const TransferRequest& request = transfer->request();
+    queue_.ended(request.url, TransferQueue::laneOf(request), transfer->hasAnswer() ? answered : End::Failed);
     curl_multi_remove_handle(multi_.get(), transfer->handle());
     identifiers_.erase(transfer->handle());
     if (spareHandles_.size() == keptHandles) return;

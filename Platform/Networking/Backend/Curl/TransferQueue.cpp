@@ -27,33 +27,40 @@ void TransferQueue::add(Entry entry) {
     const std::string_view name = serverOf(entry.request.url);
     auto found = servers_.find(name);
     if (found == servers_.end()) found = servers_.emplace(name, Server()).first;
-    found->second.waiting.push_back(std::move(entry));
+    found->second.line(laneOf(entry.request)).waiting.push_back(std::move(entry));
 }
 
 std::optional<TransferQueue::Entry> TransferQueue::takeNext() {
     for (auto& [name, server] : servers_) {
-        if (server.waiting.empty() || server.running >= server.limit) continue;
-        Entry entry = std::move(server.waiting.front());
-        server.waiting.pop_front();
-        ++server.running;
-        return entry;
+        if (auto entry = takeNext(server.requests)) return entry;
+        if (auto entry = takeNext(server.downloads)) return entry;
     }
     return std::nullopt;
 }
 
-void TransferQueue::ended(std::string_view url, End end) {
+std::optional<TransferQueue::Entry> TransferQueue::takeNext(Line& line) {
+    if (line.waiting.empty() || line.running >= line.limit) return std::nullopt;
+    Entry entry = std::move(line.waiting.front());
+    line.waiting.pop_front();
+    ++line.running;
+    return entry;
+}
+
+void TransferQueue::ended(std::string_view url, Lane lane, End end) {
     auto found = servers_.find(serverOf(url));
     if (found == servers_.end()) return;
     Server& server = found->second;
-    --server.running;
+    --server.line(lane).running;
     server.hasAnswered = end != End::Failed;
-    if (end == End::AnsweredMultiplexed) server.limit = multiplexedTransfers;
-    if (server.running == 0 && server.waiting.empty() && servers_.size() > knownServers) servers_.erase(found);
+    if (end == End::AnsweredMultiplexed) server.requests.limit = multiplexedTransfers;
+    if (server.requests.isEmpty() && server.downloads.isEmpty() && servers_.size() > knownServers)
+        servers_.erase(found);
 }
 
 void TransferQueue::remove(Transport::Identifier identifier) {
     for (auto& [name, server] : servers_) {
-        std::erase_if(server.waiting, [&](const Entry& entry) { return entry.identifier == identifier; });
+        for (Line* line : {&server.requests, &server.downloads})
+            std::erase_if(line->waiting, [&](const Entry& entry) { return entry.identifier == identifier; });
     }
 }
 
