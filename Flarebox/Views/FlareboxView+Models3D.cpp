@@ -112,7 +112,9 @@ void FlareboxView::handleLoad3DAssetCompletion(const std::string& path, const Re
 void FlareboxView::show3DContent(const FXAssetInfo& asset, bool isLoading) {
     using enum SCNContentView::Content;
     if (!scnContent_ || !isCurrentAsset(asset)) return;
-    scnContent_->showContent(nodeOf(asset) ? Model : isLoading ? Loading : None);
+    const Ref<SCNNode> node = nodeOf(asset);
+    const bool isInScene = node && node->parentNode();
+    scnContent_->showContent(isInScene ? Model : isLoading ? Loading : None);
 }
 
 void FlareboxView::create3DAssetNodeWithPath(const std::string& path, const Ref<FXAssetInfo>& asset) {
@@ -170,6 +172,7 @@ void FlareboxView::exitFullScreenMode(SCNContentView& view) {
     view.removeFromSuperview();
     view.setFrame(scnContainer_->bounds());
     addToParent(view, *scnContainer_);
+    scnContainer_->layoutIfNeeded();
     refreshRootNode();
 }
 
