@@ -78,11 +78,13 @@ void UIViewController::dismissViewController(bool animated, std::function<void()
 void UIViewController::dismissPresented(bool animated, std::function<void()> completion) {
     const Ref<UIViewController> controller = std::exchange(presented_, nullptr);
     controller->presenting_ = nullptr;
+    controller->isBeingDismissed_ = true;
     controller->viewWillDisappear(animated);
     // It stays on top of the window until it has faded, so that a second tap reaches nothing below it.
     fade(controller->view(), 1, 0, animated, [controller, animated, after = std::move(completion)] {
         if (UIWindow* window = controller->window()) window->removePresented(*controller);
         controller->view().setAlpha(1);
+        controller->isBeingDismissed_ = false;
         controller->viewDidDisappear(animated);
         if (after) after();
     });

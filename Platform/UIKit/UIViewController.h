@@ -39,6 +39,8 @@ public:
     /// What is shown over this controller, or null.
     UIViewController* presentedViewController() const { return presented_.get(); }
     UIViewController* presentingViewController() const { return presenting_.get(); }
+    /// Whether it fades out after having been dismissed. It takes no input any more.
+    bool isBeingDismissed() const { return isBeingDismissed_; }
 
     // Hooks.
     virtual void viewDidLoad() {}
@@ -63,6 +65,7 @@ private:
     Ref<UIView> view_;
     Ref<UIViewController> presented_;
     Weak<UIViewController> presenting_, parent_;
+    bool isBeingDismissed_ = false;
 };
 
 }  // namespace flarebox

@@ -64,7 +64,7 @@ void UIWindow::removePresented(UIViewController& controller) {
 bool UIWindow::keyDown(std::string_view name) {
     if (presented_.empty()) return false;
     const Ref<UIViewController> topmost = presented_.back();
-    topmost->keyDown(name);
+    if (!topmost->isBeingDismissed()) topmost->keyDown(name);
     return true;
 }
 
@@ -83,6 +83,7 @@ void UIWindow::raisePresented() {
 UIView* UIWindow::hitTest(CGPoint point) {
     if (!presented_.empty()) {
         UIView& topmost = presented_.back()->view();
+        if (presented_.back()->isBeingDismissed()) return &topmost;
         UIView* hit = topmost.hitTest(convertPointFromScreen(point, topmost));
         return hit ? hit : &topmost;
     }

@@ -276,6 +276,39 @@ TEST_F(SDLInputTest, LosingTheFocusEndsATouch) {
     EXPECT_EQ(presses_, 0);
 }
 
+TEST_F(SDLInputTest, HeldKeysStayWithWhoGotThePress) {
+    class Recorder : public UIViewController {
+    public:
+        bool keyDown(std::string_view name) override {
+            keys.append(name).append(" ");
+            return true;
+        }
+        std::string keys;
+    };
+    const auto key = [this](Uint32 type, SDL_Scancode code, bool isRepeat = false) {
+        SDL_Event e = event(type);
+        e.key.windowID = SDL_GetWindowID(window_);
+        e.key.keysym.scancode = code;
+        e.key.keysym.sym = SDL_GetKeyFromScancode(code);
+        e.key.repeat = isRepeat;
+        return host_->handleEvent(e);
+    };
+    UIViewController& root = *UIApplication::sharedApplication().keyWindow()->rootViewController();
+    const auto shown = make<Recorder>();
+    EXPECT_EQ(key(SDL_KEYDOWN, SDL_SCANCODE_W), ignored);
+    root.presentViewController(shown, false, nullptr);
+    EXPECT_EQ(key(SDL_KEYDOWN, SDL_SCANCODE_W, true), ignored) << "the game's";
+    for (const SDL_Scancode code : {SDL_SCANCODE_SPACE, SDL_SCANCODE_LEFT}) {
+        EXPECT_EQ(key(SDL_KEYDOWN, code), consumed);
+        EXPECT_EQ(key(SDL_KEYDOWN, code, true), consumed);
+    }
+    EXPECT_EQ(shown->keys, "space left left ");
+    root.dismissViewController(false, nullptr);
+    EXPECT_EQ(key(SDL_KEYDOWN, SDL_SCANCODE_SPACE, true), consumed) << "it is still held";
+    EXPECT_EQ(key(SDL_KEYUP, SDL_SCANCODE_SPACE), consumed);
+    EXPECT_EQ(key(SDL_KEYUP, SDL_SCANCODE_W), ignored);
+}
+
 TEST_F(SDLInputTest, FingersTouchOnceEvenWhenSDLReportsThemAsAMouseToo) {
     EXPECT_EQ(finger(SDL_FINGERDOWN, 7, 0.1F, 0.5F), consumed);
     EXPECT_EQ(finger(SDL_FINGERDOWN, 8, 0.9F, 0.5F), ignored);

@@ -61,6 +61,11 @@ std::string keyName(SDL_Keycode key) {
     return name;
 }
 
+/// Whether holding the key down does something again and again.
+bool repeats(std::string_view key) {
+    return key == "left" || key == "right";
+}
+
 }  // namespace
 
 SDLHost::SDLHost(SDL_Window* window, SDL_Renderer* renderer)
@@ -178,7 +183,14 @@ InputResult SDLHost::handleFinger(const SDL_Event& event) {
 InputResult SDLHost::handleKey(const SDL_Event& event) {
     const int key = event.key.keysym.scancode;
     if (event.type == SDL_KEYUP) return panelKeys_.erase(key) > 0 ? InputResult::Consumed : InputResult::Ignored;
-    const InputResult result = keyDown(keyName(event.key.keysym.sym));
+    const std::string name = keyName(event.key.keysym.sym);
+    if (event.key.repeat) {
+        // A key that is held belongs to whom its press went, whatever has come up or gone meanwhile.
+        if (!panelKeys_.contains(key)) return InputResult::Ignored;
+        if (repeats(name)) keyDown(name);
+        return InputResult::Consumed;
+    }
+    const InputResult result = keyDown(name);
     if (result == InputResult::Consumed) panelKeys_.insert(key);
     return result;
 }
