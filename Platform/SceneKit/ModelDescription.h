@@ -100,6 +100,10 @@ struct ModelAnimation {
 
 struct ModelImage {
     std::size_t view = 0;
+    /// What it says to be, where that is none of the kinds that can be shown. Files offer such pictures beside others.
+    std::string otherKind;
+    /// Whether a texture is made of it.
+    bool isUsed = false;
 };
 
 /// All that a model file's description says, as far as it matters.

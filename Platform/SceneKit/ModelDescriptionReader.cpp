@@ -14,6 +14,8 @@ constexpr std::size_t mostThings = 65'536, mostNodes = 8'192, mostMeshes = 2'048
                       mostMaterials = 512, mostImages = 256, mostAnimations = 256, mostJoints = 256, mostTargets = 256,
                       mostScenes = 1'024, mostChannels = 16'384;
 constexpr std::size_t mostElements = 1 << 26;
+/// Of a name that goes into the log.
+constexpr std::size_t longestKind = 64;
 
 constexpr std::string_view transformExtension = "KHR_texture_transform";
 constexpr std::string_view unlitExtension = "KHR_materials_unlit";
@@ -190,9 +192,11 @@ void Reader::readImages() {
     root_.objects("images", mostImages, [&](CheckedObject& image, std::size_t) {
         if (image.has("uri")) image.refuse("uri", "lies outside the file");
         const std::size_t view = image.requiredIndex("bufferView", model_.views.size());
-        const std::string_view type = image.text("mimeType", {"", "image/png", "image/jpeg"});
+        const std::string_view type = image.peekText("mimeType");
         if (type.empty()) image.refuse("mimeType", "is missing");
-        model_.images.push_back({view});
+        const bool isKnown = type == "image/png" || type == "image/jpeg";
+        if (isKnown) image.put("mimeType", NSString(type));
+        model_.images.push_back({view, std::string(isKnown ? "" : type.substr(0, longestKind))});
     });
 }
 
@@ -211,7 +215,11 @@ void Reader::readTextures() {
     });
     root_.objects("textures", mostMaterials, [&](CheckedObject& texture, std::size_t) {
         if (!texture.has("source")) texture.refuse("source", "is missing, or in a format that is not supported");
-        texture.requiredIndex("source", model_.images.size());
+        const std::size_t source = texture.requiredIndex("source", model_.images.size());
+        if (refusal_.isRefused()) return;
+        ModelImage& image = model_.images[source];
+        if (!image.otherKind.empty()) texture.refuse("source", "is of " + image.otherKind + ", which is not supported");
+        image.isUsed = true;
         texture.index("sampler", samplers_);
         ++textures_;
     });

@@ -15,10 +15,11 @@ namespace {
 constexpr std::size_t largestDescription = std::size_t{8} << 20;
 constexpr std::uint32_t jsonChunk = 0x4E4F534A, binaryChunk = 0x004E4942;
 
-/// A regular file, read from its start to its end.
+/// A regular file, read from its start to its end. A link is none.
 class File {
 public:
-    explicit File(const std::string& path) : descriptor_(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {}
+    explicit File(const std::string& path)
+        : descriptor_(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW)) {}
     ~File() {
         if (descriptor_ >= 0) close(descriptor_);
     }

@@ -405,6 +405,7 @@ void ModelPacker::checkImages() {
         const auto refuse = [&](std::string_view what) {
             refusal_.refuse("images[" + std::to_string(i) + "] " + std::string(what));
         };
+        if (!model_.images[i].isUsed) continue;
         const ModelBufferView& view = model_.views[model_.images[i].view];
         const auto header = readImageHeader(std::span(data_).subspan(view.offset, view.length));
         if (!header || (header->format != ImageFormat::PNG && header->format != ImageFormat::JPEG))

@@ -73,6 +73,7 @@ TEST_F(ModelFile, IsRefusedWithAReasonThatNamesIt) {
         {requiring("KHR_texture_basisu"), "KHR_texture_basisu"},
         {requiring("EXT_texture_webp"), "EXT_texture_webp"},
         {with("images", R"({"uri":"outside.png"})"), "images[0].uri"},
+        {textureModel(redBluePNG, "image/webp").file(), "textures[0].source is of image/webp, which is not supported"},
         {spoilt("accessors", 0, "24", "25"), "accessors[0] reaches beyond"},
         {spoilt("accessors", 0, "24", "-24"), "accessors[0].count"},
         {spoilt("accessors", 0, "24", "1e99"), "accessors[0].count"},

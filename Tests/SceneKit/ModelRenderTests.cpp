@@ -152,6 +152,16 @@ const Variant variants[] = {
     {"alpha blended", [] { return alpha(R"(,"alphaMode":"BLEND")"); }, {{middle, middle, Hue::Red}}},
     {"single-sided from behind", [] { return backFace(false); }, {{middle, middle, Hue::Nothing}}},
     {"double-sided from behind", [] { return backFace(true); }, redInTheMiddle},
+    {"PNG texture beside another that is only offered",
+     [] {
+         ModelBuilder model = textureModel(redBluePNG, "image/png");
+         const std::string view = std::to_string(model.view(decoded("UklGRgAA")));
+         model.add("images", R"({"bufferView":)" + view + R"(,"mimeType":"image/webp"})");
+         model.replaceIn("textures", 0, "\"source\":0", R"("source":0,"extensions":{"EXT_texture_webp":{"source":1}})");
+         model.set("extensionsUsed", R"(["EXT_texture_webp"])");
+         return model;
+     },
+     redLeftBlueRight},
     {"PNG texture", [] { return textureModel(redBluePNG, "image/png"); }, redLeftBlueRight},
     {"JPEG texture", [] { return textureModel(greenJPEG, "image/jpeg"); }, {{middle, middle, Hue::Green}}},
     {"moved texture",
