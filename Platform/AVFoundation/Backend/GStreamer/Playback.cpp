@@ -89,8 +89,6 @@ void Playback::startSeek(const Seek& seek) {
 
 bool Playback::carryOutSeek() {
     lastProgress_ = now();
-    ++flushes_;
-    hasFrame_ = false;
     const auto flags = static_cast<GstSeekFlags>(GST_SEEK_FLAG_FLUSH | GST_SEEK_FLAG_ACCURATE);
     const auto target = static_cast<gint64>(runningSeek_->seconds * GST_SECOND);
     return gst_element_seek_simple(playbin_, GST_FORMAT_TIME, flags, target);
@@ -112,6 +110,11 @@ void Playback::watch() {
     const double waited = now() - lastProgress_;
     if (hasArrived_ && waited > std::min(longestThought, options_.stallTimeout)) return fail(notAVideo());
     if (waited > options_.stallTimeout) fail({NSURLErrorTimedOut, "The server of the video does not answer."});
+}
+
+void Playback::flushed() {
+    hasFrame_ = false;
+    ++flushes_;
 }
 
 void Playback::frameArrived(std::shared_ptr<const VideoFrame> frame) {

@@ -40,6 +40,8 @@ public:
 
     // Called by threads of the library.
     const VideoOptions& options() const { return options_; }
+    /// A seek has thrown away what was on its way: what arrives from now on is from after it.
+    void flushed();
     /// Null for one that cannot be shown.
     void frameArrived(std::shared_ptr<const VideoFrame> frame);
     void bytesArrived();

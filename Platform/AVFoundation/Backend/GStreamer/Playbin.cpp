@@ -64,6 +64,12 @@ GstFlowReturn sampleArrived(GstAppSink* sink, gpointer playback) {
     return handOver(gst_app_sink_pull_sample(sink), playback);
 }
 
+GstPadProbeReturn picturesFlushed(GstPad*, GstPadProbeInfo* info, gpointer playback) {
+    if (GST_EVENT_TYPE(gst_pad_probe_info_get_event(info)) == GST_EVENT_FLUSH_STOP)
+        tell(playback, [](Playback& told) { told.flushed(); });
+    return GST_PAD_PROBE_OK;
+}
+
 GstElement* makePictureSink(Playback& playback) {
     GstElement* sink = gst_element_factory_make("appsink", nullptr);
     if (!sink) return nullptr;
@@ -77,6 +83,9 @@ GstElement* makePictureSink(Playback& playback) {
     callbacks.new_preroll = prerollArrived;
     callbacks.new_sample = sampleArrived;
     gst_app_sink_set_callbacks(GST_APP_SINK(sink), &callbacks, &playback, nullptr);
+    GstPad* pad = gst_element_get_static_pad(sink, "sink");
+    gst_pad_add_probe(pad, GST_PAD_PROBE_TYPE_EVENT_FLUSH, picturesFlushed, &playback, nullptr);
+    gst_object_unref(pad);
     return sink;
 }
 
