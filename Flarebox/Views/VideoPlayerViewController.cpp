@@ -1,3 +1,6 @@
+#include <AVFoundation/PlayerView.h>
+#include <Flarebox/Core/FlareboxText.h>
+#include <Flarebox/Views/Translation.h>
 #include <Flarebox/Views/VideoPlayerViewController.h>
 
 namespace flarebox {
@@ -6,6 +9,12 @@ const ClassInfo& VideoPlayerViewController::staticClass() {
     static const ClassInfo info("VideoPlayerViewController", &AVPlayerViewController::staticClass(),
                                 createObject<VideoPlayerViewController>);
     return info;
+}
+
+void VideoPlayerViewController::viewDidLoad() {
+    AVPlayerViewController::viewDidLoad();
+    translateTexts(view());
+    playerView().setErrorText([](const NSError& error) { return flareboxText(error.localizedDescription()); });
 }
 
 void VideoPlayerViewController::viewWillAppear(bool animated) {

@@ -14,6 +14,7 @@ public:
     void setWillAppear(std::function<void()> callback) { willAppear_ = std::move(callback); }
     void setWillDismiss(std::function<void()> callback) { willDismiss_ = std::move(callback); }
 
+    void viewDidLoad() override;
     void viewWillAppear(bool animated) override;
     void viewWillDisappear(bool animated) override;
 

@@ -38,11 +38,11 @@ public:
 
 protected:
     Ref<UIView> loadView() override;
+    PlayerView& playerView();
 
 private:
     void playerChanged(AVPlayer& player) override;
     void observe(bool observes);
-    PlayerView& playerView();
     void skip(double seconds);
 
     Ref<AVPlayer> player_;

@@ -169,7 +169,8 @@ void PlayerView::showMessage(const Ref<NSError>& error) {
     title_->setHidden(!error);
     reason_->setHidden(!error);
     layer_->setHidden(error != nullptr);
-    const NSString reason = error ? NSString(error->localizedDescription()) : NSString();
+    NSString reason;
+    if (error) reason = errorText_ ? errorText_(*error) : NSString(error->localizedDescription());
     if (reason_->text() == reason) return;
     reason_->setText(reason);
     setNeedsLayout();

@@ -28,6 +28,9 @@ public:
     void showControls();
     void hideControls();
 
+    /// The words for an error; its own description unless set.
+    void setErrorText(std::function<NSString(const NSError&)> errorText) { errorText_ = std::move(errorText); }
+
     UIButton& doneButton() { return *done_; }
     PlayerControlBar& bar() { return *bar_; }
     const AVPlayerLayer& videoLayer() const { return *layer_; }
@@ -60,6 +63,7 @@ private:
     Ref<UIButton> done_;
     Ref<UIActivityIndicatorView> spinner_;
     Ref<UILabel> title_, reason_;
+    std::function<NSString(const NSError&)> errorText_;
     /// 0 while none is pending.
     MainQueue::Token idleTimer_ = 0, spinnerTimer_ = 0;
     bool showsControls_ = true, wasPlaying_ = false, isTap_ = false;

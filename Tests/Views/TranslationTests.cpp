@@ -1,4 +1,6 @@
+#include <AVFoundation/PlayerView.h>
 #include <Flarebox/Core/FlareboxText.h>
+#include <Flarebox/Views/VideoPlayerViewController.h>
 #include <Tests/Support/TemporaryDirectory.h>
 #include <Tests/Views/TabTesting.h>
 #include <UIKit/UIButton.h>
@@ -24,8 +26,9 @@ protected:
 
 TEST_F(TranslationTest, TheHostsTableCountsBeforeTheKits) {
     std::filesystem::create_directories(folder_.path() + "/de.lproj");
-    folder_.write("de.lproj/Flarebox.strings",
-                  "\"Get coupon\" = \"Gutschein\"; \"Something went wrong\" = \"Das ging schief\";\n");
+    folder_.write(
+        "de.lproj/Flarebox.strings",
+        "\"Get coupon\" = \"Gutschein\"; \"Done\" = \"Fertig\"; \"Something went wrong\" = \"Das ging schief\";\n");
     NSBundle::setMainBundlePath(folder_.path());
     NSBundle::setPreferredLanguages({"de-DE"});
     sharedService().behave("/sessions/", {.status = 500});
@@ -34,6 +37,8 @@ TEST_F(TranslationTest, TheHostsTableCountsBeforeTheKits) {
     EXPECT_EQ(field<UIButton>("btnBuy")->currentTitle(), "Buy") << "what is not translated is English";
     EXPECT_EQ(field<UILabel>("lbEmptyAssets")->text(), "Nothing here yet");
     EXPECT_TRUE(settle([&] { return field<UILabel>("lbErrorMessage")->text() == "Das ging schief"; }));
+    const auto player = make<VideoPlayerViewController>();
+    EXPECT_EQ(static_cast<PlayerView&>(player->view()).doneButton().currentTitle(), "Fertig");
     EXPECT_EQ(flareboxText(""), "");
     EXPECT_EQ(flareboxText("No such text"), "No such text");
 }
