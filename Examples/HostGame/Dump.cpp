@@ -114,8 +114,9 @@ std::uint64_t countSceneChildren(const FlareboxView& tab) {
     return scene ? scene->rootNode().childNodes().size() : 0;
 }
 
-/// Null while the current asset has no player.
+/// Null while the current asset has no video.
 Value dumpVideo(const FlareboxView& tab) {
+    if (!tab.currentAsset() || !NSURL::URLWithString(tab.currentAsset()->videoMobile())) return Value::null();
     const AVPlayer* player = tab.videoView() ? tab.videoView()->avPlayer().get() : nullptr;
     if (!player) return Value::null();
     NSMutableDictionary video = NSMutableDictionary::dictionary();

@@ -107,6 +107,7 @@ void FlareboxView::pressPreviousAssetButton() {
 }
 
 bool FlareboxView::isCurrentAsset(const FXAssetInfo& asset) const {
+    if (&asset == currentAsset_.get()) return true;
     return currentAsset_ && asset._id() && asset._id() == currentAsset_->_id();
 }
 

@@ -238,10 +238,16 @@ void FlareboxView::didMoveToSuperview() {
     toggleFlarebox(false, false);
 }
 
-void FlareboxView::removeFromSuperview() {
-    if (btnOpen_) btnOpen_->removeFromSuperview();
+void FlareboxView::didMoveToWindow() {
+    UIView::didMoveToWindow();
+    if (window()) return;
+    // What is full screen lies in the window itself and would stay behind.
     pauseVideo();
     leaveFullScreen();
+}
+
+void FlareboxView::removeFromSuperview() {
+    if (btnOpen_) btnOpen_->removeFromSuperview();
     UIView::removeFromSuperview();
 }
 

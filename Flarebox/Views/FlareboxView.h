@@ -183,6 +183,7 @@ public:
     // Hooks of the platform.
     void awakeFromNib() override;
     void didMoveToSuperview() override;
+    void didMoveToWindow() override;
     void observeValueForKeyPath(std::string_view keyPath, NSObject& object, const NSKeyValueChange& change,
                                 void* context) override;
 

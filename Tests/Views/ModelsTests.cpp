@@ -229,6 +229,17 @@ TEST_F(FullScreenTest, CoversTheWindowAndComesBack) {
     EXPECT_EQ(shown(), node("P1"));
 }
 
+TEST_F(FullScreenTest, FitsTheModelToEachShape) {
+    host_->setScreen({375, 667}, 1);
+    host_->setOrientation(UIDeviceOrientation::Portrait);
+    pass(0.5);
+    const SCNVector3 fitted = node("P1")->scale();
+    press();
+    EXPECT_NE(node("P1")->scale(), fitted);
+    press();
+    EXPECT_EQ(node("P1")->scale(), fitted);
+}
+
 TEST_F(FullScreenTest, LeavesWithTheTab) {
     press();
     tab_->removeFromSuperview();
@@ -244,6 +255,22 @@ TEST_F(FullScreenTest, LeavesWithTheTab) {
     EXPECT_EQ(content().superview(), &window());
     tab_ = nullptr;
     host_->update();
+}
+
+TEST_F(FullScreenTest, LeavesWithTheViewThatTheTabLiesIn) {
+    tab_->removeFromSuperview();
+    const auto parent = make<UIView>();
+    parent->setFrame(window().bounds());
+    window().addSubview(*parent);
+    tab_->showAtView(*parent);
+    pass(0.2);
+    tab_->open();
+    pass(0.5);
+    press();
+    EXPECT_EQ(content().superview(), &window());
+    parent->removeFromSuperview();
+    EXPECT_EQ(content().superview(), field("scnContainer"));
+    EXPECT_EQ(content().window(), nullptr);
 }
 
 TEST(SCNContentViewTest, PressesFlipItWithoutADelegate) {
