@@ -80,7 +80,7 @@ void SCNContentView::showContent(Content content) {
 
 void SCNContentView::showState() {
     const std::string reason = SCNView::unavailableReason();
-    const bool hasModel = reason.empty() && content_ == Content::Model;
+    const bool hasModel = reason.empty() && content_ == Content::Model && scnView_->hasModel();
     const bool isLoading = reason.empty() && content_ == Content::Loading;
     unavailableView_->setHidden(hasModel);
     scnView_->setHidden(!hasModel);

@@ -25,14 +25,18 @@ constexpr double zoomPerPoint = 0.004;
 /// Sides in pixels; a larger view shows its picture stretched.
 constexpr CGFloat largestSide = 2048;
 
+const detail::ModelSource* modelOf(const SCNNode& node) {
+    return node.model() && !node.model()->isBroken() ? node.model().get() : nullptr;
+}
+
 void collect(const SCNNode& node, const SCNMatrix4& above, std::vector<SceneFrame::Item>& items) {
     const SCNMatrix4 placement = above * node.transform();
-    if (node.model()) items.push_back({node.model(), placement});
+    if (modelOf(node)) items.push_back({node.model(), placement});
     for (const auto& child : node.childNodes()) collect(*child, placement, items);
 }
 
 const detail::ModelSource* firstModel(const SCNNode& node) {
-    if (node.model()) return node.model().get();
+    if (const auto* model = modelOf(node)) return model;
     for (const auto& child : node.childNodes()) {
         if (const auto* model = firstModel(*child)) return model;
     }
@@ -40,7 +44,8 @@ const detail::ModelSource* firstModel(const SCNNode& node) {
 }
 
 bool hasAnimatedModel(const SCNNode& node) {
-    return (node.model() && node.model()->isAnimated()) ||
+    const detail::ModelSource* model = modelOf(node);
+    return (model && model->isAnimated()) ||
            std::ranges::any_of(node.childNodes(), [](const auto& child) { return hasAnimatedModel(*child); });
 }
 
@@ -156,7 +161,7 @@ void SCNView::advance(double now) {
         return;
     }
     turntable_.advance(now);
-    const bool isChanging = (turntable_.isMoving() && scene_ && firstModel(scene_->rootNode())) || isAnimated();
+    const bool isChanging = (turntable_.isMoving() && hasModel()) || isAnimated();
     if (takePicture()) {
         isUnseen_ = true;
         setNeedsDisplay();
@@ -173,6 +178,8 @@ void SCNView::advance(double now) {
 bool SCNView::takePicture() {
     detail::SceneCanvas::Result result;
     if (!canvas_->takeResult(result)) return false;
+    // What stands for the broken model, its floor for example, is to go.
+    if (!result.failures.empty()) isOutOfDate_ = true;
     for (const std::string& failure : result.failures) report(failure);
     if (result.picture.pixels.empty()) {
         if (!std::exchange(saidUnavailable_, true)) report(unavailableReason());
@@ -196,6 +203,10 @@ CGSize SCNView::pixelSize() const {
     return {std::max(1.0, std::round(size.width * shrink)), std::max(1.0, std::round(size.height * shrink))};
 }
 
+bool SCNView::hasModel() const {
+    return scene_ && firstModel(scene_->rootNode());
+}
+
 bool SCNView::isAnimated() const {
     return scene_ && hasAnimatedModel(scene_->rootNode());
 }
@@ -211,7 +222,7 @@ SceneFrame SCNView::makeFrame() const {
     frame.hasStudioLight = scene_->hasStudioLight();
     collect(scene_->rootNode(), {}, frame.items);
     const SCNBoundingBox box = scene_->rootNode().boundingBox();
-    frame.hasFloorGlow = scene_->hasFloorGlow() && !box.isEmpty();
+    frame.hasFloorGlow = scene_->hasFloorGlow() && !frame.items.empty() && !box.isEmpty();
     frame.floor = frame.hasFloorGlow ? box.min.y : 0;
     return frame;
 }

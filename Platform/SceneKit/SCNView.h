@@ -39,6 +39,9 @@ public:
     CGFloat yaw() const { return turntable_.yaw(); }
     CGFloat pitch() const { return turntable_.pitch(); }
 
+    /// Whether there is anything to be seen in the scene: a model, and not one that turned out broken.
+    bool hasModel() const;
+
     /// How often a new picture has arrived so far.
     std::size_t pictureCount() const { return pictureCount_; }
     /// Whether the view asks for frames at all at this moment.

@@ -1,4 +1,5 @@
 #include <Flarebox/Views/SCNContentView.h>
+#include <Host/Headless/SoftwareCompositor.h>
 #include <SceneKit/SCNView.h>
 #include <SceneKit/ZorbRenderer.h>
 #include <Tests/SceneKit/ModelBuilder.h>
@@ -238,6 +239,25 @@ TEST_F(FullScreenTest, FitsTheModelToEachShape) {
     EXPECT_NE(node("P1")->scale(), fitted);
     press();
     EXPECT_EQ(node("P1")->scale(), fitted);
+}
+
+TEST_F(FullScreenTest, IsNotOfferedForAModelThatTurnsOutBroken) {
+    documents_.write("P1", cubeFile().substr(0, 200));
+    SoftwareCompositor picture(1366, 1024);
+    const std::string log = loggedBy([&] {
+        ASSERT_TRUE(settle([&] {
+            pass(0.02);
+            host_->draw(picture);
+            return content().scnView().isHidden();
+        }));
+    });
+    host_->releaseTextures(picture);
+    EXPECT_EQ(countOf(log, " Error: "), 1U) << log;
+    EXPECT_TRUE(button().isHidden());
+    EXPECT_TRUE(content().scnView().isHidden());
+    tab_->changeAssetMode(AssetMode2D);
+    tab_->changeAssetMode(AssetMode3D);
+    EXPECT_TRUE(content().scnView().isHidden());
 }
 
 TEST_F(FullScreenTest, LeavesWithTheTab) {

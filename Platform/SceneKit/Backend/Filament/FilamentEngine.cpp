@@ -184,7 +184,10 @@ FilamentModel* FilamentEngine::modelFor(const SceneFrame::Item& item, std::vecto
     std::string failure;
     if (const auto contents = readModelContents(item.model->path(), failure))
         entry.model = FilamentModel::load(*engine_, *loader_, *contents, failure);
-    if (!entry.model) failures.push_back(item.model->path() + ": " + failure);
+    if (!entry.model) {
+        item.model->setBroken();
+        failures.push_back(item.model->path() + ": " + failure);
+    }
     return entry.model.get();
 }
 
