@@ -51,6 +51,11 @@ Playback::~Playback() = default;
 
 void Playback::open() {
     thread_.add(shared_from_this());
+    start();
+}
+
+void Playback::start() {
+    ++pipeline_;
     if (initializeLibrary()) playbin_ = makePlaybin(url_, options_, *this);
     if (!playbin_) return fail({NSURLErrorUnknown, "This machine lacks what is needed for playing videos."});
     lastProgress_ = now();
@@ -142,15 +147,16 @@ void Playback::tooLarge() {
 void Playback::messageArrived(GstMessage* message) {
     const std::shared_ptr<GstMessage> owned(message, gst_message_unref);
     if (!isOfInterest(*message) && !isMissingPlugin(*message)) return;
-    thread_.async([self = shared_from_this(), owned, flushes = flushes_.load()] { self->handle(*owned, flushes); });
+    const Moment posted{pipeline_, flushes_};
+    thread_.async([self = shared_from_this(), owned, posted] { self->handle(*owned, posted); });
 }
 
-void Playback::handle(GstMessage& message, unsigned flushes) {
-    if (!playbin_) return;
-    const bool isOld = flushes != flushes_;
+void Playback::handle(GstMessage& message, Moment posted) {
+    if (!playbin_ || posted.pipeline != pipeline_) return;
+    const bool isOld = posted.flushes != flushes_;
     switch (GST_MESSAGE_TYPE(&message)) {
         case GST_MESSAGE_ERROR:
-            return fail(failureOfMessage(message, lacksDecoder_));
+            return failed(message);
         case GST_MESSAGE_EOS:
             return isOld ? void() : reachedEnd();
         case GST_MESSAGE_ASYNC_DONE:
@@ -175,6 +181,25 @@ void Playback::handle(GstMessage& message, unsigned flushes) {
             lacksDecoder_ = lacksDecoder_ || isAboutMedia(message);
             return;
     }
+}
+
+void Playback::failed(GstMessage& message) {
+    if (options_.hasSound && isAboutSoundOutput(message)) return loseSound();
+    fail(failureOfMessage(message, lacksDecoder_));
+}
+
+void Playback::loseSound() {
+    gint64 position = 0;
+    gst_element_query_position(playbin_, GST_FORMAT_TIME, &position);
+    if (runningSeek_ && !nextSeek_) nextSeek_ = runningSeek_;
+    if (!nextSeek_) nextSeek_ = Seek{.number = lastSeek_, .seconds = static_cast<double>(position) / GST_SECOND};
+    close();
+    options_.hasSound = false;
+    runningSeek_.reset();
+    isReady_ = isPlaying_ = isBuffering_ = false;
+    hasFrame_ = false;
+    start();
+    publish();
 }
 
 void Playback::arrived() {

@@ -59,7 +59,15 @@ private:
         double stepBack = 0.1;
     };
 
-    void handle(GstMessage& message, unsigned flushes);
+    void start();
+    /// When a message was posted, by the counts of what makes it an old one.
+    struct Moment {
+        unsigned pipeline, flushes;
+    };
+    void handle(GstMessage& message, Moment posted);
+    void failed(GstMessage& message);
+    /// Goes on, silently, from where it is.
+    void loseSound();
     /// What was asked for last, loading or seeking, is done: the frame is there.
     void arrived();
     void becameReady();
@@ -78,7 +86,7 @@ private:
     VideoThread& thread_;
     const std::shared_ptr<PlaybackBoard> board_;
     const std::string url_;
-    const VideoOptions options_;
+    VideoOptions options_;
 
     GstElement* playbin_ = nullptr;
     bool wantsPlaying_ = false, isPlaying_ = false, isReady_ = false, isBuffering_ = false, hasEnded_ = false,
@@ -96,6 +104,7 @@ private:
     std::atomic<bool> hasFrame_ = false;
     /// How many seeks have thrown away what was on its way; tells a message from before a seek from one after it.
     std::atomic<unsigned> flushes_ = 0;
+    std::atomic<unsigned> pipeline_ = 0;
 };
 
 }  // namespace flarebox

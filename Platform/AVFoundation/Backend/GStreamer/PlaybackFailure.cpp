@@ -59,6 +59,16 @@ bool isAboutMedia(GstMessage& missingPlugin) {
     return kind.starts_with("video/") || kind.starts_with("audio/");
 }
 
+bool isAboutSoundOutput(GstMessage& error) {
+    for (GstObject* object = GST_MESSAGE_SRC(&error); object; object = GST_OBJECT_PARENT(object)) {
+        if (!GST_IS_ELEMENT(object)) continue;
+        GstElementFactory* factory = gst_element_get_factory(GST_ELEMENT(object));
+        const GstElementFactoryListType kind = GST_ELEMENT_FACTORY_TYPE_SINK | GST_ELEMENT_FACTORY_TYPE_MEDIA_AUDIO;
+        if (factory && gst_element_factory_list_is_type(factory, kind)) return true;
+    }
+    return false;
+}
+
 VideoFailure failureOfMessage(GstMessage& message, bool lacksDecoder) {
     GError* parsed = nullptr;
     gst_message_parse_error(&message, &parsed, nullptr);

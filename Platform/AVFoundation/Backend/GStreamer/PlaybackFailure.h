@@ -12,6 +12,9 @@ bool isMissingPlugin(GstMessage& message);
 /// Whether that would read sound or moving pictures; whatever else was sent is no video.
 bool isAboutMedia(GstMessage& missingPlugin);
 
+/// Whether an error is that of the machine's sound, a device that was pulled out for example.
+bool isAboutSoundOutput(GstMessage& error);
+
 /// What an error message of the library means to people.
 VideoFailure failureOfMessage(GstMessage& message, bool lacksDecoder);
 

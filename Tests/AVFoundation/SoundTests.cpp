@@ -1,0 +1,60 @@
+#ifdef FLAREBOX_VIDEO
+
+#include <gst/base/gstbasesink.h>
+#include <gst/gst.h>
+
+#include <atomic>
+
+#include "VideoTesting.h"
+
+namespace flarebox::testing {
+namespace {
+
+std::atomic<int> buffersUntilTheEnd;
+
+GstFlowReturn render(GstBaseSink* sink, GstBuffer*) {
+    if (--buffersUntilTheEnd > 0) return GST_FLOW_OK;
+    GST_ELEMENT_ERROR(sink, RESOURCE, WRITE, ("The device is gone."), (nullptr));
+    return GST_FLOW_ERROR;
+}
+
+void initialize(gpointer type, gpointer) {
+    auto* element = GST_ELEMENT_CLASS(type);
+    gst_element_class_set_static_metadata(element, "Device that is pulled out", "Sink/Audio", "Fails", "Tests");
+    GstCaps* caps = gst_caps_new_empty_simple("audio/x-raw");
+    gst_element_class_add_pad_template(element, gst_pad_template_new("sink", GST_PAD_SINK, GST_PAD_ALWAYS, caps));
+    gst_caps_unref(caps);
+    GST_BASE_SINK_CLASS(type)->render = render;
+}
+
+/// A machine whose only sound device is pulled out after some buffers.
+void installFailingDevice(int buffers) {
+    buffersUntilTheEnd = buffers;
+    gst_init(nullptr, nullptr);
+    const GType type =
+        g_type_register_static_simple(gst_base_sink_get_type(), "TestFailingSink", sizeof(GstBaseSinkClass), initialize,
+                                      sizeof(GstBaseSink), nullptr, static_cast<GTypeFlags>(0));
+    ASSERT_TRUE(gst_element_register(nullptr, "testfailingsink", GST_RANK_PRIMARY + 1000, type));
+}
+
+class Sound : public VideoTest {};
+
+TEST_F(Sound, OfADeviceThatIsPulledOutEndsAloneAndTheVideoGoesOn) {
+    installFailingDevice(20);
+    AVPlayerSettings settings;
+    settings.hasSound = true;
+    AVPlayer::setSettings(settings);
+    ScriptedServer server(serving(media("colors.mp4")));
+    const Ref<AVPlayer> player = playerOf(server);
+    const auto layer = show(player);
+    player->play();
+    EXPECT_TRUE(until([&] { return player->hasEnded(); }));
+    EXPECT_LE(buffersUntilTheEnd, 0) << "the device was in use";
+    EXPECT_EQ(player->error(), nullptr);
+    EXPECT_EQ(shownColor(), 'b');
+}
+
+}  // namespace
+}  // namespace flarebox::testing
+
+#endif
