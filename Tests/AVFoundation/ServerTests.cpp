@@ -57,7 +57,7 @@ ScriptedServer::Script breakingOffAfter(std::size_t bytes, const std::string& fi
 }
 
 TEST_F(VideoServer, RefusalsAreErrors) {
-    setStallTimeout(2 * slowness());
+    setStallTimeout(4 * slowness());
     struct Case {
         const char* name;
         ScriptedServer::Script script;
@@ -149,7 +149,7 @@ TEST_F(VideoServer, AStallFailsAfterTheTimeOut) {
 }
 
 TEST_F(VideoServer, SlownessIsNoStall) {
-    setStallTimeout(0.8);
+    setStallTimeout(2);
     const std::string video = media("colors.webm");
     const Ref<NSError> error = outcomeOf([&](ScriptedServer::Connection& connection) {
         if (!connection.readRequest()) return;
@@ -157,7 +157,7 @@ TEST_F(VideoServer, SlownessIsNoStall) {
         const std::size_t part = video.size() / 10 + 1;
         for (std::size_t sent = 0; sent < video.size(); sent += part) {
             connection.send(std::string_view(video).substr(sent, part));
-            if (!connection.pause(0.15)) return;
+            if (!connection.pause(0.3)) return;
         }
         connection.readRequest();
     });

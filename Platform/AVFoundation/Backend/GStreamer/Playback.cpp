@@ -25,7 +25,7 @@ double now() {
 }
 
 /// Seconds that the library gets to make something of a file that has arrived as a whole.
-constexpr double longestThought = 5;
+constexpr double longestThought = 12;
 
 bool isOfInterest(GstMessage& message) {
     switch (GST_MESSAGE_TYPE(&message)) {
