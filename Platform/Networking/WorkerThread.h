@@ -1,10 +1,8 @@
 #pragma once
 
-#include <condition_variable>
-#include <deque>
-#include <functional>
+#include <Foundation/WorkQueue.h>
+
 #include <memory>
-#include <mutex>
 #include <thread>
 
 namespace flarebox {
@@ -12,7 +10,7 @@ namespace flarebox {
 /// A thread that decodes answers, one after the other, so that neither the main thread nor the transfers wait for it.
 class WorkerThread {
 public:
-    using Work = std::function<void()>;
+    using Work = WorkQueue::Work;
 
     /// The shared worker, started if need be; Shutdown::run() joins it. Main thread.
     static std::shared_ptr<WorkerThread> shared();
@@ -24,17 +22,14 @@ public:
     WorkerThread& operator=(const WorkerThread&) = delete;
 
     /// Any thread. After `stop` the work is dropped.
-    void async(Work work);
+    void async(Work work) { queue_.add(std::move(work)); }
     /// Joins the thread. Main thread.
     void stop();
 
 private:
     void run();
 
-    std::mutex mutex_;
-    std::condition_variable changed_;
-    std::deque<Work> pending_;
-    bool stopping_ = false;
+    WorkQueue queue_;
     std::thread thread_;
 };
 

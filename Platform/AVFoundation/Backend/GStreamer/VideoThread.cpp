@@ -34,24 +34,8 @@ VideoThread::~VideoThread() {
     stop();
 }
 
-void VideoThread::async(Work work) {
-    std::unique_lock lock(mutex_);
-    if (stopping_) {
-        lock.unlock();  // what the work holds is let go of without the lock
-        return;
-    }
-    pending_.push_back(std::move(work));
-    changed_.notify_one();
-}
-
 void VideoThread::stop() {
-    std::deque<Work> dropped;
-    {
-        const std::lock_guard lock(mutex_);
-        stopping_ = true;
-        dropped.swap(pending_);
-        changed_.notify_one();
-    }
+    queue_.stop();
     if (thread_.joinable()) thread_.join();
 }
 
@@ -64,28 +48,13 @@ void VideoThread::remove(const std::shared_ptr<Playback>& playback) {
 }
 
 void VideoThread::run() {
+    using Turn = WorkQueue::Turn;
     pthread_setname_np(pthread_self(), "flarebox-video");
-    std::unique_lock lock(mutex_);
-    while (!stopping_) {
-        if (pending_.empty()) {
-            const auto hasNews = [this] { return stopping_ || !pending_.empty(); };
-            if (!hasWaitingPlayback()) {
-                changed_.wait(lock, hasNews);
-            } else if (!changed_.wait_for(lock, watchInterval, hasNews)) {
-                lock.unlock();
-                watchPlaybacks();
-                lock.lock();
-            }
-            continue;
-        }
-        Work work = std::move(pending_.front());
-        pending_.pop_front();
-        lock.unlock();
-        work();
-        work = nullptr;
-        lock.lock();
+    while (true) {
+        const Turn turn = hasWaitingPlayback() ? queue_.runNext(watchInterval) : queue_.runNext();
+        if (turn == Turn::Stopped) break;
+        if (turn == Turn::TimedOut) watchPlaybacks();
     }
-    lock.unlock();
     for (const auto& playback : playbacks_) playback->close();
     playbacks_.clear();
 }

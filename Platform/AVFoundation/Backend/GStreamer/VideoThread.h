@@ -1,10 +1,8 @@
 #pragma once
 
-#include <condition_variable>
-#include <deque>
-#include <functional>
+#include <Foundation/WorkQueue.h>
+
 #include <memory>
-#include <mutex>
 #include <thread>
 #include <vector>
 
@@ -15,7 +13,7 @@ class Playback;
 /// The thread that owns every playback, so that nobody else waits while one is opened, changed or closed.
 class VideoThread {
 public:
-    using Work = std::function<void()>;
+    using Work = WorkQueue::Work;
 
     /// The shared one, started if need be; Shutdown::run() joins it. Main thread.
     static std::shared_ptr<VideoThread> shared();
@@ -26,7 +24,7 @@ public:
     VideoThread& operator=(const VideoThread&) = delete;
 
     /// Any thread. After `stop` the work is dropped.
-    void async(Work work);
+    void async(Work work) { queue_.add(std::move(work)); }
     /// Closes every playback and joins the thread. Main thread.
     void stop();
 
@@ -40,10 +38,7 @@ private:
     bool hasWaitingPlayback() const;
     void watchPlaybacks();
 
-    std::mutex mutex_;
-    std::condition_variable changed_;
-    std::deque<Work> pending_;
-    bool stopping_ = false;
+    WorkQueue queue_;
     /// Of the thread itself.
     std::vector<std::shared_ptr<Playback>> playbacks_;
     std::thread thread_;
