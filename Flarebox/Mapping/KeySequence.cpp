@@ -83,12 +83,18 @@ bool KeySequences::match(const detail::DocumentStorage& document, std::uint32_t 
     return false;
 }
 
-void KeySequences::learn(const NSDictionary& dictionary) const {
+bool KeySequences::find(const detail::DocumentStorage& document, std::uint32_t index, KeyMatches& matches) const {
+    if (match(document, index, matches)) return true;
+    learn(document.entriesAt(index));
+    return match(document, index, matches);
+}
+
+void KeySequences::learn(std::span<const NSDictionary::Entry> entries) const {
     const Node* newest = newest_.load(std::memory_order_acquire);
     const int count = newest ? newest->count : 0;
-    if (count == mostSequences || dictionary.count() > KeyMatches::most) return;
+    if (count == mostSequences || entries.size() > KeyMatches::most) return;
     std::vector<std::string_view> keys;
-    for (const auto& [key, value] : dictionary.entries()) {
+    for (const auto& [key, value] : entries) {
         keys.push_back(detail::ValueAccess::text(key));
         if (keys.back().size() > longestKey) return;
     }

@@ -88,11 +88,14 @@ public:
     KeySequences(const KeySequences&) = delete;
     KeySequences& operator=(const KeySequences&) = delete;
 
-    bool match(const detail::DocumentStorage& document, std::uint32_t index, KeyMatches& matches) const;
-    /// Learns the order of an object that did not match, unless enough has been learned.
-    void learn(const NSDictionary& dictionary) const;
+    /// Finds out what the keys of the object at `index` mean, and learns their order if it is new and not too much has
+    /// been learned. False when they follow no order.
+    bool find(const detail::DocumentStorage& document, std::uint32_t index, KeyMatches& matches) const;
 
 private:
+    bool match(const detail::DocumentStorage& document, std::uint32_t index, KeyMatches& matches) const;
+    void learn(std::span<const NSDictionary::Entry> entries) const;
+
     struct Node {
         KeySequence sequence;
         const Node* older;

@@ -2,7 +2,10 @@
 
 #include <Flarebox/Mapping/Motis.h>
 #include <Flarebox/Mapping/MotisPlan.h>
+#include <Flarebox/Mapping/NestingLevel.h>
 #include <Foundation/Storage.h>
+
+#include <ranges>
 
 namespace flarebox {
 
@@ -83,59 +86,116 @@ Destination destination(const MTSKeyPath& path, const DocumentStorage& document,
 
 }  // namespace
 
-bool MotisObject::fillFromDocument(const MotisPlan& plan, const NSDictionary& dictionary) {
-    if (!ValueAccess::isInDocument(dictionary)) return false;
-    const DocumentStorage& document = ValueAccess::document(dictionary);
+void MotisObject::fillFromDocument(const DocumentStorage& document, std::uint32_t index) {
+    const MotisPlan& plan = classInfo().plan();
+    if (fillInOrder(plan, document, index)) return;
+    Value dictionary;
+    document.borrow(dictionary, index);
+    fillFromEntries(plan, dictionary.as<NSDictionary>());
+}
+
+bool MotisObject::fillInOrder(const MotisPlan& plan, const DocumentStorage& document, std::uint32_t index) {
     // The fields count one document for all of them.
     if (document_ && &ValueAccess::document(document_) != &document) return false;
-
     KeyMatches matches;
-    if (!plan.sequences().match(document, ValueAccess::place(dictionary), matches)) {
-        plan.sequences().learn(dictionary);
-        if (!plan.sequences().match(document, ValueAccess::place(dictionary), matches)) return false;
+    if (!plan.sequences().find(document, index, matches)) return false;
+    if (!document_) {
+        Value root;
+        document.borrow(root, index);
+        document_ = static_cast<const Value&>(root);
     }
-    if (!document_) document_ = dictionary;
     Ref<NSObject> self;
-    for (const auto& [key, index] : matches) {
-        if (key && key->isPlain() && takeFromDocument(key->property, document, index + 1)) continue;
+    for (const auto& [key, at] : matches) {
+        if (key && key->isPlain() && takeFromDocument(*key->property, document, at + 1)) continue;
         // Hooks may run from here on, and let go of the last reference to this very object.
         if (!self) self = retained();
-        setEntryFromDocument(plan, key, document, index);
+        setEntryFromDocument(plan, key, document, at);
     }
     return true;
 }
 
-bool MotisObject::takeFromDocument(const PropertyPlan* property, const DocumentStorage& document, std::uint32_t index) {
-    return property && property->field && take(*property, this->*property->field, document, index);
+bool MotisObject::takeFromDocument(const PropertyPlan& property, const DocumentStorage& document, std::uint32_t index) {
+    return property.field && take(property, this->*property.field, document, index);
+}
+
+bool MotisObject::takeModels(const PropertyPlan& property, const DocumentStorage& document, std::uint32_t index) {
+    const NestingLevel level;
+    if (!property.modelClass || level.isTooDeep()) return false;
+    const auto model = [&](std::uint32_t at) {
+        Ref<NSObject> made = property.modelClass->create();
+        // Objects of a model class are model objects.
+        if (made) static_cast<MotisObject&>(*made).fillFromDocument(document, at);
+        return Value(std::move(made));
+    };
+    const char sort = document.word(index).sort();
+    if (property.rule.classKind == ClassKind::Model) {
+        if (sort != '{') return false;
+        Value made = model(index);
+        if (made)
+            this->*property.field = std::move(made);
+        else
+            mts_invalidValueForKey(made, property.name, nullptr);
+        return true;
+    }
+    if (sort != '[') return false;
+    std::vector<Value> elements(document.elementCount(index));
+    std::uint32_t at = index + 1;
+    for (Value& element : elements) {
+        document.borrow(element, at);
+        if (element.isNull()) element = nullptr;
+        if (element && element.kind() != Value::Kind::Dictionary) return false;
+        at = document.after(at);
+    }
+    // From the end, as hooks expect it.
+    for (Value& element : std::views::reverse(elements)) {
+        if (!element) continue;
+        element = model(ValueAccess::place(element));
+        if (!element) mts_invalidValueForArrayKey(element, property.name, nullptr);
+    }
+    this->*property.field = NSArray::arrayWithValues(std::move(elements));
+    return true;
 }
 
 void MotisObject::setEntryFromDocument(const MotisPlan& plan, const KeyPlan* key, const DocumentStorage& document,
                                        std::uint32_t index) {
-    Value value;
-    document.borrow(value, index + 1);
     const std::string_view name = document.textAt(document.word(index).textPlace());
-    if (!key || !key->paths || key->isPlain()) return setEntry(key, name, value);
+    if (key && key->isPlain()) return setFromDocument(*key->property, name, document, index + 1);
 
     bool isSetDirectly = false;
-    for (const MTSKeyPath& path : *key->paths) {
-        if (path.isPlain()) isSetDirectly = true;
-        setPathFromDocument(plan, path, document, index + 1);
+    if (key && key->paths) {
+        for (const MTSKeyPath& path : *key->paths) {
+            if (path.isPlain()) isSetDirectly = true;
+            setPathFromDocument(plan, path, document, index + 1);
+        }
     }
-    if (!isSetDirectly && (key->property || plan.heedsUnknownKeys())) mts_setValue(value, name);
+    if (isSetDirectly || !(plan.heedsUnknownKeys() || (key && key->property))) return;
+    Value value;
+    document.borrow(value, index + 1);
+    mts_setValue(value, name);
 }
 
 void MotisObject::setPathFromDocument(const MotisPlan& plan, const MTSKeyPath& path, const DocumentStorage& document,
                                       std::uint32_t start) {
     const Destination found = destination(path, document, start);
     const KeyPlan* key = plan.key(path.key());
-    if (found.index == 0 && !found.needsValues) return;
-    if (!found.needsValues && key && takeFromDocument(key->property, document, found.index)) return;
+    if (found.needsValues) {
+        Value value;
+        document.borrow(value, start);
+        return walkKeyPath(path, value);
+    }
+    if (found.index == 0) return;
+    if (key && key->property) return setFromDocument(*key->property, path.key(), document, found.index);
     Value value;
-    document.borrow(value, found.needsValues ? start : found.index);
-    if (found.needsValues)
-        walkKeyPath(path, value);
-    else
-        mts_setValue(value, path.key());
+    document.borrow(value, found.index);
+    mts_setValue(value, path.key());
+}
+
+void MotisObject::setFromDocument(const PropertyPlan& property, std::string_view key, const DocumentStorage& document,
+                                  std::uint32_t index) {
+    if (takeFromDocument(property, document, index) || takeModels(property, document, index)) return;
+    Value value;
+    document.borrow(value, index);
+    assign(property, value, key);
 }
 
 }  // namespace flarebox

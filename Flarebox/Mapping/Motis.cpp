@@ -60,8 +60,12 @@ const MotisClass& MotisObject::staticClass() {
 // --- Filling ---
 
 void MotisObject::mts_setValuesForKeysWithDictionary(const NSDictionary& dictionary) {
-    const MotisPlan& plan = classInfo().plan();
-    if (fillFromDocument(plan, dictionary)) return;
+    if (detail::ValueAccess::isInDocument(dictionary))
+        return fillFromDocument(detail::ValueAccess::document(dictionary), detail::ValueAccess::place(dictionary));
+    fillFromEntries(classInfo().plan(), dictionary);
+}
+
+void MotisObject::fillFromEntries(const MotisPlan& plan, const NSDictionary& dictionary) {
     // A hook may let go of the last reference to this very object.
     const Ref<NSObject> self = retained();
     // A hook may change the dictionary, when it is a mutable one, or let go of it.
@@ -77,7 +81,8 @@ void MotisObject::mts_setValuesForKeysWithDictionary(const NSDictionary& diction
 
 void MotisObject::setEntry(const KeyPlan* known, std::string_view key, const Value& value) {
     if (!known || !known->isPlain()) return setPaths(known, key, value);
-    assign(*known->property, value, key);
+    Value incoming = value;
+    assign(*known->property, incoming, key);
 }
 
 void MotisObject::setPaths(const KeyPlan* known, std::string_view key, const Value& value) {
@@ -103,14 +108,16 @@ void MotisObject::walkKeyPath(const MTSKeyPath& path, const Value& start) {
 void MotisObject::mts_setValue(const Value& value, std::string_view key) {
     const MotisPlan& plan = classInfo().plan();
     const KeyPlan* known = plan.key(key);
-    if (known && known->property) return assign(*known->property, value, key);
-    if (!plan.setsUndefinedKeys()) return mts_ignoredSetValueForUndefinedMappingKey(value, key);
-    if (const PropertyPlan* property = plan.property(key)) return assign(*property, value, key);
-    assign(plan.describe(key), value, key);
+    const bool hasProperty = known && known->property;
+    if (!hasProperty && !plan.setsUndefinedKeys()) return mts_ignoredSetValueForUndefinedMappingKey(value, key);
+    Value incoming = value;
+    if (hasProperty) return assign(*known->property, incoming, key);
+    if (const PropertyPlan* property = plan.property(key)) return assign(*property, incoming, key);
+    assign(plan.describe(key), incoming, key);
 }
 
-void MotisObject::assign(const PropertyPlan& property, const Value& incoming, std::string_view key) {
-    Value value = incoming.isNull() ? Value() : incoming;
+void MotisObject::assign(const PropertyPlan& property, Value& value, std::string_view key) {
+    if (value.isNull()) value = nullptr;
     if (property.takesAsIs(value)) {
         this->*property.field = std::move(value);
         return;

@@ -92,8 +92,13 @@ public:
                                              const Ref<NSError>& error);
 
 private:
-    bool fillFromDocument(const MotisPlan& plan, const NSDictionary& dictionary);
-    bool takeFromDocument(const PropertyPlan* property, const detail::DocumentStorage& document, std::uint32_t index);
+    void fillFromEntries(const MotisPlan& plan, const NSDictionary& dictionary);
+    void fillFromDocument(const detail::DocumentStorage& document, std::uint32_t index);
+    bool fillInOrder(const MotisPlan& plan, const detail::DocumentStorage& document, std::uint32_t index);
+    bool takeFromDocument(const PropertyPlan& property, const detail::DocumentStorage& document, std::uint32_t index);
+    bool takeModels(const PropertyPlan& property, const detail::DocumentStorage& document, std::uint32_t index);
+    void setFromDocument(const PropertyPlan& property, std::string_view key, const detail::DocumentStorage& document,
+                         std::uint32_t index);
     void setEntryFromDocument(const MotisPlan& plan, const KeyPlan* key, const detail::DocumentStorage& document,
                               std::uint32_t index);
     void setPathFromDocument(const MotisPlan& plan, const MTSKeyPath& path, const detail::DocumentStorage& document,
@@ -101,7 +106,7 @@ private:
     void setEntry(const KeyPlan* known, std::string_view key, const Value& value);
     void setPaths(const KeyPlan* known, std::string_view key, const Value& value);
     void walkKeyPath(const MTSKeyPath& path, const Value& start);
-    void assign(const PropertyPlan& property, const Value& incoming, std::string_view key);
+    void assign(const PropertyPlan& property, Value& value, std::string_view key);
     void store(const PropertyPlan& property, const Value& value);
     bool validate(const PropertyPlan& property, Value& value, Ref<NSError>& error);
     bool convert(const PropertyPlan& property, Value& value);

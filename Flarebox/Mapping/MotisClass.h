@@ -27,13 +27,15 @@ struct PropertyValidator {
     bool (*validate)(MotisObject& object, Value& value, Ref<NSError>& error);
 };
 
-/// Which hooks a class or one of its superclasses overrides, of those that would be called for every value.
+/// Which hooks a class or one of its superclasses overrides, of those that would be called for every value or element.
 struct OverriddenHooks {
     bool validatesValues = false;
     bool checksEquality = false;
     bool readsByName = false;
     bool writesByName = false;
     bool hearsUndefinedKeys = false;
+    bool checksElements = false;
+    bool tendsNestedObjects = false;
 };
 
 /// What a model class declares about itself as static members; null where neither it nor a superclass declares

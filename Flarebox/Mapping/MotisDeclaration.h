@@ -96,31 +96,28 @@ private:
 
     // A member function keeps the type of the class that last defined it, which tells an override without calling it.
     // One that cannot be named from here is taken for an override.
+#define FLAREBOX_OVERRIDES(Root, Hook)                                       \
+    [] {                                                                     \
+        if constexpr (requires { &C::Hook; })                                \
+            return !std::same_as<decltype(&C::Hook), decltype(&Root::Hook)>; \
+        else                                                                 \
+            return true;                                                     \
+    }()
     template <class C>
     static constexpr OverriddenHooks hooks() {
-        OverriddenHooks found{true, true, true, true, true};
-        if constexpr (
-            requires { &C::mts_validateValue; } && requires { &C::validateValue; }) {
-            found.validatesValues =
-                !std::same_as<decltype(&C::mts_validateValue), decltype(&MotisObject::mts_validateValue)> ||
-                !std::same_as<decltype(&C::validateValue), decltype(&MotisObject::validateValue)>;
-        }
-        if constexpr (requires { &C::mts_checkValueEqualityBeforeAssignmentForKey; }) {
-            found.checksEquality = !std::same_as<decltype(&C::mts_checkValueEqualityBeforeAssignmentForKey),
-                                                 decltype(&MotisObject::mts_checkValueEqualityBeforeAssignmentForKey)>;
-        }
-        if constexpr (requires { &C::mts_ignoredSetValueForUndefinedMappingKey; }) {
-            found.hearsUndefinedKeys = !std::same_as<decltype(&C::mts_ignoredSetValueForUndefinedMappingKey),
-                                                     decltype(&MotisObject::mts_ignoredSetValueForUndefinedMappingKey)>;
-        }
-        if constexpr (requires { &C::valueForKey; }) {
-            found.readsByName = !std::same_as<decltype(&C::valueForKey), decltype(&NSObject::valueForKey)>;
-        }
-        if constexpr (requires { &C::setValue; }) {
-            found.writesByName = !std::same_as<decltype(&C::setValue), decltype(&NSObject::setValue)>;
-        }
+        OverriddenHooks found;
+        found.validatesValues =
+            FLAREBOX_OVERRIDES(MotisObject, mts_validateValue) || FLAREBOX_OVERRIDES(MotisObject, validateValue);
+        found.checksEquality = FLAREBOX_OVERRIDES(MotisObject, mts_checkValueEqualityBeforeAssignmentForKey);
+        found.hearsUndefinedKeys = FLAREBOX_OVERRIDES(MotisObject, mts_ignoredSetValueForUndefinedMappingKey);
+        found.readsByName = FLAREBOX_OVERRIDES(NSObject, valueForKey);
+        found.writesByName = FLAREBOX_OVERRIDES(NSObject, setValue);
+        found.checksElements = FLAREBOX_OVERRIDES(MotisObject, mts_validateArrayObjectForArrayKey);
+        found.tendsNestedObjects = FLAREBOX_OVERRIDES(MotisObject, mts_willCreateObjectOfClass) ||
+                                   FLAREBOX_OVERRIDES(MotisObject, mts_didCreateObject);
         return found;
     }
+#undef FLAREBOX_OVERRIDES
 };
 
 }  // namespace detail

@@ -8,6 +8,14 @@ namespace flarebox {
 
 namespace {
 
+/// The class of the models that a property is filled with, when no hook has a say in it; null otherwise.
+Class modelClass(const PropertyPlan& plan) {
+    if (plan.hooks.tendsNestedObjects || plan.rule.kind != TypeRule::Kind::Object) return nullptr;
+    if (plan.rule.classKind == ClassKind::Model) return plan.rule.targetClass;
+    const bool isModelArray = plan.rule.classKind == ClassKind::Array && plan.elementKind == ClassKind::Model;
+    return isModelArray && !plan.hooks.checksElements ? plan.elementClass : nullptr;
+}
+
 /// The kind of value that a property of the class takes unchanged; Absent when each value has to be looked at.
 Value::Kind fittingKind(const TypeRule& rule) {
     if (rule.kind != TypeRule::Kind::Object) return Value::Kind::Absent;
@@ -180,6 +188,7 @@ PropertyPlan MotisPlan::describe(std::string_view name) const {
         plan.field = line->field;
         plan.fittingKind = fittingKind(plan.rule);
         plan.takesAnything = plan.rule.kind == TypeRule::Kind::Anything;
+        plan.modelClass = modelClass(plan);
     }
     return plan;
 }

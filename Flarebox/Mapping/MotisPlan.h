@@ -36,6 +36,9 @@ struct PropertyPlan {
     /// With `field`: values of this kind fit as they are, and so does every value when `takesAnything`.
     Value::Kind fittingKind = Value::Kind::Absent;
     bool takesAnything = false;
+    /// With `field`: the class of which a model is made of a JSON object, or of each one in a JSON array, when no hook
+    /// has a say in it; null otherwise.
+    Class modelClass = nullptr;
 
     bool asksAnybody() const {
         return hooks.validatesValues || hooks.checksEquality || hooks.writesByName || validator || valueMapping;

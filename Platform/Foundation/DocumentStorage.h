@@ -71,6 +71,8 @@ public:
     /// The index of the value of a dictionary's key, or of an element of an array; 0 when there is none.
     std::uint32_t indexOfKey(std::uint32_t index, std::string_view key) const noexcept;
     std::uint32_t indexOfElement(std::uint32_t index, std::size_t position) const noexcept;
+    /// The number of elements or entries of a collection, equal keys included.
+    std::size_t elementCount(std::uint32_t index) const;
     /// Overwrites a value with the element at `index`, without counting the document.
     void borrow(Value& value, std::uint32_t index) const noexcept;
 
@@ -99,7 +101,6 @@ private:
     const Collection& collectionAt(std::uint32_t index) const;
     std::unique_ptr<Collection> makeArray(std::uint32_t index) const;
     std::unique_ptr<Collection> makeDictionary(std::uint32_t index) const;
-    std::size_t elementCount(std::uint32_t index) const;
     /// A value that counts the document; absent at 0.
     Value valueAt(std::uint32_t index) const;
 
