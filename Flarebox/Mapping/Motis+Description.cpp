@@ -1,5 +1,5 @@
 #include <Flarebox/Mapping/Motis.h>
-#include <Flarebox/Mapping/MotisPlan.h>
+#include <Foundation/Storage.h>
 
 namespace flarebox {
 
@@ -84,13 +84,24 @@ void appendValue(std::string& text, const Value& value, int level) {
     }
 }
 
+/// The property names of the merged mapping in its order, duplicates included.
+std::vector<std::string_view> mappedNames(const MotisClass& cls) {
+    std::vector<std::string_view> names;
+    // The texts stay when the handle goes: the table of a class is kept.
+    const NSDictionary mapping = cls.mts_cachedMapping();
+    for (const auto& [key, name] : mapping.entries()) {
+        if (name.kind() == Value::Kind::String) names.push_back(detail::ValueAccess::text(name));
+    }
+    return names;
+}
+
 }  // namespace
 
 std::string MotisObject::mts_extendedObjectDescription() const {
-    const std::vector<std::string>& names = classInfo().plan().mappedNames();
+    const std::vector<std::string_view> names = mappedNames(classInfo());
     if (names.empty()) return description();
     std::vector<NSDictionary::Entry> entries;
-    for (const std::string& name : names) {
+    for (const std::string_view name : names) {
         const Value value = valueForKey(name);
         entries.emplace_back(Value(name), value ? value : Value::null());
     }
@@ -98,13 +109,14 @@ std::string MotisObject::mts_extendedObjectDescription() const {
 }
 
 std::string MotisObject::mts_descriptionWithIndentation(int level) const {
-    const std::vector<std::string>& names = classInfo().plan().mappedNames();
+    const std::vector<std::string_view> names = mappedNames(classInfo());
     std::string text = description();
     const DescribedObject object;
     if (names.empty() || object.isTooMuch()) return text;
     text += ":{\n";
     for (std::size_t position = 0; position < names.size(); ++position) {
-        text += indentation(level + 1) + names[position] + "=";
+        text += indentation(level + 1);
+        text.append(names[position]).append("=");
         appendValue(text, valueForKey(names[position]), level);
         text += position + 1 < names.size() ? ",\n" : "\n";
     }

@@ -72,7 +72,7 @@ struct Destination {
 };
 
 Destination destination(const MTSKeyPath& path, const DocumentStorage& document, std::uint32_t index) {
-    for (const MTSKeyPath::Component& component : path.components().subspan(1)) {
+    for (const MTSKeyPath::Component& component : path.furtherComponents()) {
         const char sort = document.word(index).sort();
         if (sort == '[' && component.index < 0) return {0, true};
         if (sort == '[')

@@ -98,7 +98,7 @@ void MotisObject::setPaths(const KeyPlan* known, std::string_view key, const Val
 
 void MotisObject::walkKeyPath(const MTSKeyPath& path, const Value& start) {
     Value value = start;
-    for (const MTSKeyPath::Component& component : path.components().subspan(1)) {
+    for (const MTSKeyPath::Component& component : path.furtherComponents()) {
         value = step(value, component);
         if (!value) return;
     }

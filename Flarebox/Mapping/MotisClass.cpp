@@ -190,20 +190,7 @@ const MTSKeyPathIndex& MotisClass::mts_keyPaths() const {
     const NSDictionary declared = declaredMapping();
     const MotisClass* base = modelSuperclass();
     const MTSKeyPathIndex& inherited = base ? base->mts_keyPaths() : *none;
-    return sharedCache<KeyPaths, MTSKeyPathIndex>().entry(name(), [&] {
-        // A shallow copy: what is appended below is seen by the superclasses too.
-        MTSKeyPathIndex index = inherited;
-        for (const auto& [key, property] : declared.entries()) {
-            if (!key.as<NSString>()) continue;
-            MTSKeyPath path = MTSKeyPath::initWithKeyPath(key.as<NSString>().text());
-            auto& list = index[path.components().front().name];
-            if (list)
-                list->append(std::move(path));
-            else
-                list = std::make_shared<MTSKeyPathList>(std::move(path));
-        }
-        return index;
-    });
+    return sharedCache<KeyPaths, MTSKeyPathIndex>().entry(name(), [&] { return MTSKeyPathIndex(inherited, declared); });
 }
 
 // --- Properties ---

@@ -1,10 +1,15 @@
 #include <Flarebox/Mapping/MotisPlan.h>
 
+#include <Foundation/Hash.h>
+#include <Foundation/Storage.h>
+
 #include <algorithm>
-#include <bit>
-#include <cstring>
 
 namespace flarebox {
+
+using detail::HashSlots;
+using detail::hashText;
+using detail::ValueAccess;
 
 namespace {
 
@@ -46,117 +51,52 @@ Value::Kind fittingKind(const TypeRule& rule) {
 
 }  // namespace
 
-MotisPlan::NameTable::NameTable(std::size_t count) : mask_(std::bit_ceil(2 * count + 2) - 1), slots_(mask_ + 1) {}
-
-// The first and last eight bytes and the length tell the names of a class apart; the rare rest costs a comparison.
-std::uint32_t MotisPlan::NameTable::hashOf(std::string_view name) {
-    constexpr std::uint64_t multiplier = 0x9E3779B97F4A7C15;
-    std::uint64_t first = 0;
-    std::uint64_t last = 0;
-    if (name.size() >= 8) {
-        std::memcpy(&first, name.data(), 8);
-        std::memcpy(&last, name.data() + name.size() - 8, 8);
-    } else if (name.size() >= 4) {
-        std::memcpy(&first, name.data(), 4);
-        std::memcpy(&last, name.data() + name.size() - 4, 4);
-    } else if (!name.empty()) {
-        first = static_cast<unsigned char>(name.front());
-        last = static_cast<std::uint64_t>(static_cast<unsigned char>(name[name.size() / 2])) << 8 |
-               static_cast<unsigned char>(name.back());
-    }
-    std::uint64_t mixed = (first ^ name.size()) * multiplier;
-    mixed = (mixed ^ (mixed >> 32) ^ last) * multiplier;
-    return static_cast<std::uint32_t>(mixed >> 32);
-}
-
-void MotisPlan::NameTable::insert(std::string_view name, std::uint32_t position) {
-    const std::uint32_t hash = hashOf(name);
-    std::size_t place = hash & mask_;
-    while (slots_[place].positionPlusOne) place = (place + 1) & mask_;
-    slots_[place] = {hash, position + 1};
-}
-
-template <class Matches>
-std::int64_t MotisPlan::NameTable::find(std::string_view name, Matches matches) const {
-    const std::uint32_t hash = hashOf(name);
-    for (std::size_t place = hash & mask_; slots_[place].positionPlusOne; place = (place + 1) & mask_) {
-        const Slot& slot = slots_[place];
-        if (slot.hash == hash && matches(slot.positionPlusOne - 1)) return slot.positionPlusOne - 1;
-    }
-    return -1;
-}
-
-namespace {
-
-std::size_t propertyCount(const MotisClass& cls) {
-    std::size_t count = cls.mts_cachedMapping().count();
-    for (const MotisClass* ancestor = &cls; ancestor; ancestor = ancestor->modelSuperclass())
-        count += ancestor->lines().size();
-    return count;
-}
-
-}  // namespace
-
 MotisPlan::MotisPlan(const MotisClass& cls)
     : class_(cls),
       setsUndefinedKeys_(cls.mts_shouldSetUndefinedKeys()),
       dateFormatter_(cls.mts_validationDateFormatter()),
-      elementClasses_(cls.mts_cachedArrayClassMapping()),
-      propertyTable_(propertyCount(cls)),
-      keyTable_(cls.mts_cachedMapping().count() + cls.mts_keyPaths().size()) {
+      elementClasses_(cls.mts_cachedArrayClassMapping()) {
     const NSDictionary mapping = cls.mts_cachedMapping();
-    planProperties(mapping);
-    planKeys(mapping);
+    const MTSKeyPathIndex& paths = cls.mts_keyPaths();
+    std::size_t mostProperties = mapping.count();
+    for (const MotisClass* at = &cls; at; at = at->modelSuperclass()) mostProperties += at->lines().size();
+    propertySlots_.resize(HashSlots::slotsFor(mostProperties));
+    keys_.reserve(mapping.count() + paths.lists().size());
+    keySlots_.resize(HashSlots::slotsFor(keys_.capacity()));
+
+    // A line of a class goes before one of the same name of its superclass.
+    for (const MotisClass* at = &cls; at; at = at->modelSuperclass()) {
+        for (const MotisProperty& line : at->lines()) planProperty(line.property.name, &line);
+    }
+    for (const auto& [key, name] : mapping.entries()) {
+        if (key.kind() == Value::Kind::String && name.kind() == Value::Kind::String)
+            planKey(ValueAccess::text(key)).property = &planProperty(ValueAccess::text(name), nullptr);
+    }
+    for (const MTSKeyPathList* list : paths.lists()) planKey(list->firstComponent()).paths = list;
     planWrittenKeys();
 }
 
-const PropertyPlan* MotisPlan::planProperty(std::string_view name) {
-    if (const PropertyPlan* known = property(name)) return known;
-    propertyTable_.insert(name, static_cast<std::uint32_t>(properties_.size()));
-    return &properties_.emplace_back(describe(name));
+const PropertyPlan& MotisPlan::planProperty(std::string_view name, const MotisProperty* line) {
+    const std::size_t known = HashSlots::findOrInsert(propertySlots_, hashText(name), properties_.size(),
+                                                      [&](std::size_t at) { return properties_[at].name == name; });
+    return known == HashSlots::notFound ? properties_.emplace_back(describe(name, line)) : properties_[known];
 }
 
-void MotisPlan::planProperties(const NSDictionary& mapping) {
-    for (const auto& [key, name] : mapping.entries()) {
-        if (const auto text = name.as<NSString>()) {
-            mappedNames_.push_back(text.string());
-            planProperty(text.text());
-        }
-    }
-    for (const MotisClass* cls = &class_; cls; cls = cls->modelSuperclass()) {
-        for (const MotisProperty& line : cls->lines()) planProperty(line.property.name);
-    }
-}
-
-void MotisPlan::planKeys(const NSDictionary& mapping) {
-    const MTSKeyPathIndex& index = class_.mts_keyPaths();
-    keys_.reserve(mapping.count() + index.size());
-    const auto add = [&](std::string_view name) -> KeyPlan& {
-        const auto position =
-            keyTable_.find(name, [&](std::uint32_t candidate) { return keys_[candidate].key == name; });
-        if (position >= 0) return keys_[static_cast<std::size_t>(position)];
-        keyTable_.insert(name, static_cast<std::uint32_t>(keys_.size()));
-        return keys_.emplace_back(KeyPlan{std::string(name), nullptr, nullptr});
-    };
-    for (const auto& [key, name] : mapping.entries()) {
-        if (key.as<NSString>() && name.as<NSString>()) {
-            add(key.as<NSString>().text()).property = property(name.as<NSString>().text());
-        }
-    }
-    for (const auto& [component, paths] : index) add(component).paths = paths.get();
+KeyPlan& MotisPlan::planKey(std::string_view name) {
+    const std::size_t known = HashSlots::findOrInsert(keySlots_, hashText(name), keys_.size(),
+                                                      [&](std::size_t at) { return keys_[at].key == name; });
+    return known == HashSlots::notFound ? keys_.emplace_back(KeyPlan{.key = name}) : keys_[known];
 }
 
 void MotisPlan::planWrittenKeys() {
     const NSDictionary mapping = class_.writtenMapping();
     writtenKeys_.reserve(mapping.count());
     for (const auto& [name, property] : mapping.entries()) {
-        const auto text = name.as<NSString>();
-        const KeyPlan* known = text ? key(text.text()) : nullptr;
-        // Plans live as long as the process, and so do their texts.
+        const KeyPlan* known = name.kind() == Value::Kind::String ? key(ValueAccess::text(name)) : nullptr;
         const Value written = known ? NSString::stringWithConstant(known->key) : name;
         writtenKeys_.push_back({written, known ? known->property : nullptr});
     }
-    readyKeys_ = detail::JSONKeys(mapping.allKeys().elements());
+    readyKeys_ = detail::JSONKeys(mapping);
 }
 
 TypeRule MotisPlan::ruleOf(std::string_view typeAttribute) const {
@@ -167,7 +107,10 @@ TypeRule MotisPlan::ruleOf(std::string_view typeAttribute) const {
 }
 
 PropertyPlan MotisPlan::describe(std::string_view name) const {
-    const MotisProperty* line = class_.line(name);
+    return describe(name, class_.line(name));
+}
+
+PropertyPlan MotisPlan::describe(std::string_view name, const MotisProperty* line) const {
     PropertyPlan plan;
     plan.name = name;
     plan.property = line ? &line->property : class_.property(name);
@@ -194,14 +137,15 @@ PropertyPlan MotisPlan::describe(std::string_view name) const {
 }
 
 const KeyPlan* MotisPlan::key(std::string_view key) const {
-    const auto position = keyTable_.find(key, [&](std::uint32_t candidate) { return keys_[candidate].key == key; });
-    return position < 0 ? nullptr : &keys_[static_cast<std::size_t>(position)];
+    const std::size_t at =
+        HashSlots::find(keySlots_, hashText(key), [&](std::size_t position) { return keys_[position].key == key; });
+    return at == HashSlots::notFound ? nullptr : &keys_[at];
 }
 
 const PropertyPlan* MotisPlan::property(std::string_view name) const {
-    const auto position =
-        propertyTable_.find(name, [&](std::uint32_t candidate) { return properties_[candidate].name == name; });
-    return position < 0 ? nullptr : &properties_[static_cast<std::size_t>(position)];
+    const std::size_t at = HashSlots::find(propertySlots_, hashText(name),
+                                           [&](std::size_t position) { return properties_[position].name == name; });
+    return at == HashSlots::notFound ? nullptr : &properties_[at];
 }
 
 }  // namespace flarebox

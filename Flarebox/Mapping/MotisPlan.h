@@ -7,15 +7,14 @@
 #include <Foundation/NSDateFormatter.h>
 
 #include <deque>
-#include <string>
 #include <string_view>
 #include <vector>
 
 namespace flarebox {
 
-/// What filling needs to know about one property.
+/// What filling needs to know about one property. All texts of a plan live as long as the process.
 struct PropertyPlan {
-    std::string name;
+    std::string_view name;
     /// Null for a name of the mapping that is no property.
     const Property* property = nullptr;
     /// Cut at its first comma; empty for a name that is no property.
@@ -51,7 +50,7 @@ struct PropertyPlan {
 
 /// What is to be done with one JSON key.
 struct KeyPlan {
-    std::string key;
+    std::string_view key;
     /// The property that the key itself maps to; null when it maps to none.
     const PropertyPlan* property = nullptr;
     /// The key paths that start with the key; null when there are none.
@@ -78,11 +77,9 @@ public:
     const KeyPlan* key(std::string_view key) const;
     /// Null for a name that the class neither maps nor declares.
     const PropertyPlan* property(std::string_view name) const;
-    /// The plan of any property name, which need not be known.
+    /// The plan of any property name, which need not be known and has to outlive the plan.
     PropertyPlan describe(std::string_view name) const;
 
-    /// The property names of the merged mapping in its order, duplicates included.
-    const std::vector<std::string>& mappedNames() const { return mappedNames_; }
     bool setsUndefinedKeys() const { return setsUndefinedKeys_; }
     /// Whether anything happens on account of a key that is neither mapped nor part of a key path.
     bool heedsUnknownKeys() const { return setsUndefinedKeys_ || class_.hooks().hearsUndefinedKeys; }
@@ -94,42 +91,23 @@ public:
     NSDateFormatter* dateFormatter() const { return dateFormatter_.get(); }
 
 private:
-    /// Finds texts in constant time without allocating.
-    class NameTable {
-    public:
-        explicit NameTable(std::size_t count);
-        void insert(std::string_view name, std::uint32_t position);
-        /// The position of the entry for which `matches(position)`; negative when there is none.
-        template <class Matches>
-        std::int64_t find(std::string_view name, Matches matches) const;
-
-    private:
-        struct Slot {
-            std::uint32_t hash = 0;
-            std::uint32_t positionPlusOne = 0;
-        };
-        static std::uint32_t hashOf(std::string_view name);
-        std::size_t mask_;
-        std::vector<Slot> slots_;
-    };
-
-    void planProperties(const NSDictionary& mapping);
-    void planKeys(const NSDictionary& mapping);
     void planWrittenKeys();
-    const PropertyPlan* planProperty(std::string_view name);
+    const PropertyPlan& planProperty(std::string_view name, const MotisProperty* line);
+    KeyPlan& planKey(std::string_view name);
+    PropertyPlan describe(std::string_view name, const MotisProperty* line) const;
     TypeRule ruleOf(std::string_view typeAttribute) const;
 
     const MotisClass& class_;
     bool setsUndefinedKeys_;
     Ref<NSDateFormatter> dateFormatter_;
     const ArrayClassMapping& elementClasses_;
-    std::vector<std::string> mappedNames_;
     std::deque<PropertyPlan> properties_;
     std::vector<KeyPlan> keys_;
     std::vector<WrittenKey> writtenKeys_;
     detail::JSONKeys readyKeys_;
-    NameTable propertyTable_;
-    NameTable keyTable_;
+    /// Where in these lists a name stands.
+    std::vector<std::uint32_t> propertySlots_;
+    std::vector<std::uint32_t> keySlots_;
     KeySequences sequences_{*this};
 };
 

@@ -47,8 +47,9 @@ public:
     void buildIndex() {
         slots_.assign(detail::HashSlots::slotsFor(members_.size()), 0);
         for (std::size_t i = 0; i < members_.size(); ++i) {
-            if (find(members_[i]->name)) continue;
-            detail::HashSlots::insert(slots_, detail::hashText(members_[i]->name), i);
+            const std::string_view name = members_[i]->name;
+            detail::HashSlots::findOrInsert(slots_, detail::hashText(name), i,
+                                            [&](std::size_t at) { return members_[at]->name == name; });
         }
     }
 

@@ -34,6 +34,15 @@ public:
         return notFound;
     }
 
+    /// The position that was found; inserts `position` and answers `notFound` when there was none.
+    template <class Matches>
+    static std::size_t findOrInsert(std::span<std::uint32_t> slots, std::size_t hash, std::size_t position,
+                                    const Matches& matches) {
+        const std::size_t found = find(slots, hash, matches);
+        if (found == notFound) insert(slots, hash, position);
+        return found;
+    }
+
     static void insert(std::span<std::uint32_t> slots, std::size_t hash, std::size_t position) noexcept {
         const std::size_t mask = slots.size() - 1;
         std::size_t at = hash & mask;

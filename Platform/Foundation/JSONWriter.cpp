@@ -293,9 +293,10 @@ bool JSONWriter::key(const Value& key, bool isFirst) {
     return string(key, isFirst ? '\0' : ',', ':') || failInside("a key");
 }
 
-JSONKeys::JSONKeys(std::span<const Value> keys) {
+JSONKeys::JSONKeys(const NSDictionary& dictionary) {
     JSONWriter writer(texts_, 0);
-    for (const Value& key : keys) {
+    ends_.reserve(dictionary.count());
+    for (const auto& [key, value] : dictionary.entries()) {
         if (!writer.key(key, false)) {
             ends_.clear();
             break;

@@ -52,8 +52,8 @@ private:
 class JSONKeys {
 public:
     JSONKeys() = default;
-    /// Stays empty when not all of the keys are well-formed texts.
-    explicit JSONKeys(std::span<const Value> keys);
+    /// The keys of a dictionary. Stays empty when not all of them are well-formed texts.
+    explicit JSONKeys(const NSDictionary& dictionary);
 
     std::size_t count() const { return ends_.size(); }
     void append(std::size_t position, GrowingText& text) const {

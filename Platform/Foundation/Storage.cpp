@@ -45,7 +45,7 @@ std::size_t ListStorage::find(const Value& value) const {
         return HashSlots::notFound;
     }
     auto hashAt = [this](std::size_t at) { return values[at].hash(); };
-    return HashSlots::find(index_.slots(values.size(), hashAt), value.hash(), matches);
+    return HashSlots::find(index_.slots(values.size(), values.capacity(), hashAt), value.hash(), matches);
 }
 
 void ListStorage::addDistinct(Value value) {

@@ -46,10 +46,10 @@ public:
     ~LazyIndex() { drop(); }
 
     template <class HashAt>
-    std::span<const std::uint32_t> slots(std::size_t count, const HashAt& hashAt) const {
+    std::span<const std::uint32_t> slots(std::size_t count, std::size_t capacity, const HashAt& hashAt) const {
         const Slots* current = slots_.load(std::memory_order_acquire);
         if (current) return *current;
-        auto built = std::make_unique<Slots>(HashSlots::slotsFor(count), 0);
+        auto built = std::make_unique<Slots>(HashSlots::slotsFor(capacity), 0);
         for (std::size_t i = 0; i < count; ++i) HashSlots::insert(*built, hashAt(i), i);
         Slots* expected = nullptr;
         if (slots_.compare_exchange_strong(expected, built.get(), std::memory_order_acq_rel)) return *built.release();
@@ -97,8 +97,9 @@ public:
             }
             return HashSlots::notFound;
         }
-        return HashSlots::find(
-            index_.slots(entries.size(), [this](std::size_t at) { return entries[at].first.hash(); }), hash, matches);
+        return HashSlots::find(index_.slots(entries.size(), entries.capacity(),
+                                            [this](std::size_t at) { return entries[at].first.hash(); }),
+                               hash, matches);
     }
     void set(Value value, const Value& key);
     void remove(const Value& key);

@@ -16,9 +16,9 @@ using Events = std::vector<std::string>;
 
 Events keysUnder(const MotisClass& cls, std::string_view component) {
     Events keys;
-    const auto found = cls.mts_keyPaths().find(component);
-    if (found == cls.mts_keyPaths().end()) return keys;
-    for (const MTSKeyPath& path : *found->second) keys.push_back(path.key());
+    const MTSKeyPathList* found = cls.mts_keyPaths().find(component);
+    if (!found) return keys;
+    for (const MTSKeyPath& path : *found) keys.emplace_back(path.key());
     return keys;
 }
 
@@ -68,8 +68,7 @@ TEST(KeyPathSharing, FollowsTheOrderOfFirstUse) {
     EXPECT_THAT(keysUnder(UpTop::staticClass(), "user"), ElementsAre("user.a", "user.c"));
     UpLeft::staticClass().mts_keyPaths();
     EXPECT_THAT(keysUnder(UpTop::staticClass(), "user"), ElementsAre("user.a", "user.c", "user.b"));
-    EXPECT_EQ(UpTop::staticClass().mts_keyPaths().find("user")->second,
-              UpLeft::staticClass().mts_keyPaths().find("user")->second);
+    EXPECT_EQ(UpTop::staticClass().mts_keyPaths().find("user"), UpLeft::staticClass().mts_keyPaths().find("user"));
 }
 
 class OpenTopSettingAll : public OpenTop {

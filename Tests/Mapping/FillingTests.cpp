@@ -89,7 +89,7 @@ TEST(Filling, KeyPaths) {
 }
 
 TEST(Filling, AnEndlessIndexIsPastTheEnd) {
-    EXPECT_EQ(MTSKeyPath::initWithKeyPath("a.99999999999999999999.b").components()[1].index, INT64_MAX);
+    EXPECT_EQ(MTSKeyPath::initWithKeyPath("a.99999999999999999999.b").furtherComponents()[0].index, INT64_MAX);
 }
 
 TEST(KeyPath, SplitsAtEveryDot) {
@@ -100,8 +100,8 @@ TEST(KeyPath, SplitsAtEveryDot) {
     for (const Case& test :
          {Case{"a", {"a"}}, {"a.b", {"a", "b"}}, {"a..b", {"a", "", "b"}}, {".", {"", ""}}, {"", {""}}}) {
         const MTSKeyPath path = MTSKeyPath::initWithKeyPath(test.key);
-        Events names;
-        for (const auto& component : path.components()) names.push_back(component.name);
+        Events names{std::string(path.firstComponent())};
+        for (const auto& component : path.furtherComponents()) names.emplace_back(component.name);
         EXPECT_EQ(names, test.components);
         EXPECT_EQ(path.key(), test.key);
     }

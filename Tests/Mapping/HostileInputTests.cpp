@@ -105,7 +105,7 @@ TEST(Hostile, ADeclaredTableThatChangesLaterHasNoEffect) {
     Shifting::table().setObject("a", "a");
     Shifting::staticClass().mts_cachedMapping();
     Shifting::table().setObject("b", "b.c");
-    EXPECT_EQ(Shifting::staticClass().mts_keyPaths().size(), 1U);
+    EXPECT_EQ(Shifting::staticClass().mts_keyPaths().lists().size(), 1U);
     EXPECT_EQ(Shifting::staticClass().mts_cachedMapping().count(), 1U);
 }
 
