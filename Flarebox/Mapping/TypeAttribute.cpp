@@ -27,6 +27,13 @@ std::vector<std::string> protocolsIn(std::string_view firstGroup) {
     return splitAtCommas(names);
 }
 
+/// What stands between the quotes; empty when there is no room for a name between them.
+std::string_view quotedType(std::string_view typeAttribute) {
+    constexpr std::string_view empty = "T@\"\"";
+    return typeAttribute.size() < empty.size() ? std::string_view()
+                                               : typeAttribute.substr(3, typeAttribute.size() - empty.size());
+}
+
 }  // namespace
 
 bool mts_isClassTypeTypeAttribute(std::string_view typeAttribute) {
@@ -35,9 +42,8 @@ bool mts_isClassTypeTypeAttribute(std::string_view typeAttribute) {
 
 MTSClassType mts_getClassName(std::string_view typeAttribute) {
     if (!mts_isClassTypeTypeAttribute(typeAttribute)) return {};
-    // Shorter than `T@""` there is no room for a name between the quotes.
     if (typeAttribute.size() < 4) return {std::string(), std::nullopt};
-    const std::string_view inner = typeAttribute.substr(3, typeAttribute.size() - 4);
+    const std::string_view inner = quotedType(typeAttribute);
     const std::size_t bracket = std::min(inner.find('<'), inner.size());
     const std::string_view rest = inner.substr(bracket);
     return {std::string(inner.substr(0, bracket)), protocolsIn(rest.substr(0, rest.find('>')))};
@@ -75,7 +81,8 @@ TypeRule typeRule(std::string_view typeAttribute) {
         rule.scalarCode = typeAttribute.size() > 1 ? typeAttribute[1] : '\0';
         return rule;
     }
-    const std::string className = *mts_getClassName(typeAttribute).className;
+    const std::string_view quoted = quotedType(typeAttribute);
+    const std::string_view className = quoted.substr(0, quoted.find('<'));
     if (className.empty()) return rule;
     rule.targetClass = classFromName(className);
     rule.kind = rule.targetClass ? TypeRule::Kind::Object : TypeRule::Kind::Nothing;
