@@ -22,6 +22,8 @@ bool copy(const draco::PointAttribute& from, std::size_t count, PackedAttribute&
 }
 
 bool copy(const draco::PointAttribute& from, std::size_t count, PackedAttribute& to) {
+    // Models know no truth values, and the library takes any byte of the file for one.
+    if (from.data_type() == draco::DT_BOOL) return false;
     switch (to.component) {
         case ComponentType::Byte:
             return copy<std::int8_t>(from, count, to);
