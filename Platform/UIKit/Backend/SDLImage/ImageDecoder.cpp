@@ -1,4 +1,5 @@
 #include <UIKit/AreaAverager.h>
+#include <UIKit/ByteReader.h>
 #include <UIKit/GIFDecoder.h>
 #include <UIKit/ImageHeader.h>
 #include <UIKit/UIImage.h>
@@ -38,6 +39,19 @@ const char* faultOfJPEG(std::span<const std::byte> data) {
     int scans = 0;
     for (auto at = text.find("\xFF\xDA"); at != std::string_view::npos; at = text.find("\xFF\xDA", at + 2)) ++scans;
     return scans > mostScans ? "The picture has too many scans" : nullptr;
+}
+
+/// The library reads on, for minutes or for ever, where a chunk is longer than the data or the last one is missing.
+const char* faultOfPNG(std::span<const std::byte> data) {
+    constexpr std::uint32_t lastChunk = 0x49454E44;
+    ByteReader bytes(data);
+    bytes.skip(8);
+    for (bool isLast = false; bytes.ok() && !isLast;) {
+        const std::size_t length = bytes.bigEndian(4);
+        isLast = bytes.bigEndian(4) == lastChunk;
+        bytes.skip(length + 4);
+    }
+    return bytes.ok() ? nullptr : "The picture is cut off";
 }
 
 Surface decode(ImageFormat format, std::span<const std::byte> data) {
@@ -126,8 +140,10 @@ Ref<UIImage> UIImage::imageWithData(std::span<const std::byte> data, Ref<NSError
         return fail(error, NSURLErrorDataLengthExceedsMaximum,
                     "The picture is too large: " + std::to_string(header->width) + " x " +
                         std::to_string(header->height) + " pixels");
-    if (header->format == ImageFormat::JPEG)
-        if (const char* fault = faultOfJPEG(data)) return fail(error, NSURLErrorCannotDecodeContentData, fault);
+    const char* fault = header->format == ImageFormat::JPEG  ? faultOfJPEG(data)
+                        : header->format == ImageFormat::PNG ? faultOfPNG(data)
+                                                             : nullptr;
+    if (fault) return fail(error, NSURLErrorCannotDecodeContentData, fault);
     if (header->format == ImageFormat::GIF) {
         const Ref<UIImage> frame = decodeGIF(data);
         if (!frame) return fail(error, NSURLErrorCannotDecodeContentData, "The picture is damaged");
