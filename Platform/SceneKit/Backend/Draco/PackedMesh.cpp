@@ -1,9 +1,13 @@
 #include <SceneKit/PackedMesh.h>
 
 #include <draco/compression/decode.h>
+#include <draco/compression/point_cloud/point_cloud_decoder.h>
+#include <draco/core/varint_decoding.h>
+#include <draco/metadata/metadata_decoder.h>
 
 #include <exception>
 #include <memory>
+#include <optional>
 
 namespace flarebox::detail {
 namespace {
@@ -41,6 +45,26 @@ bool copy(const draco::PointAttribute& from, std::size_t count, PackedAttribute&
     return false;
 }
 
+/// What the mesh says of its faces, for which the library makes room before it looks for them. Nothing for any release
+/// of the format but the one that models use.
+std::optional<std::uint32_t> announcedFaceCount(draco::DecoderBuffer buffer) {
+    draco::DracoHeader header{};
+    if (!draco::PointCloudDecoder::DecodeHeader(&buffer, &header).ok()) return std::nullopt;
+    if (header.version_major != 2 || header.version_minor != 2) return std::nullopt;
+    buffer.set_bitstream_version(DRACO_BITSTREAM_VERSION(2, 2));
+    draco::GeometryMetadata metadata;
+    const bool hasMetadata = header.flags & METADATA_FLAG_MASK;
+    if (hasMetadata && !draco::MetadataDecoder().DecodeGeometryMetadata(&buffer, &metadata)) return std::nullopt;
+    if (header.encoder_method == draco::MESH_EDGEBREAKER_ENCODING) {
+        std::uint8_t traversal = 0;
+        std::uint32_t vertexCount = 0;
+        if (!buffer.Decode(&traversal) || !draco::DecodeVarint(&vertexCount, &buffer)) return std::nullopt;
+    }
+    std::uint32_t faceCount = 0;
+    if (!draco::DecodeVarint(&faceCount, &buffer)) return std::nullopt;
+    return faceCount;
+}
+
 std::string read(const draco::Mesh& mesh, std::size_t vertexCount, std::vector<PackedAttribute>& attributes,
                  std::span<std::uint32_t> indices) {
     if (mesh.num_points() != vertexCount || std::size_t{mesh.num_faces()} * 3 != indices.size())
@@ -64,6 +88,9 @@ std::string unpackMesh(std::span<const std::byte> packed, std::size_t vertexCoun
     try {
         draco::DecoderBuffer buffer;
         buffer.Init(reinterpret_cast<const char*>(packed.data()), packed.size());
+        const auto faceCount = announcedFaceCount(buffer);
+        if (!faceCount || std::size_t{*faceCount} * 3 != indices.size())
+            return "cannot be unpacked: it is none of Draco 2.2, or has another count of faces";
         draco::Decoder decoder;
         auto mesh = decoder.DecodeMeshFromBuffer(&buffer);
         if (!mesh.ok()) return "cannot be unpacked: " + mesh.status().error_msg_string();
