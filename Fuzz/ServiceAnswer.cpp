@@ -42,8 +42,8 @@ public:
         return [calls = calls_](const Ref<NSError>&) { ++*calls; };
     }
     void await() {
-        check(testing::pumpUntil([&] { return *calls_ > 0; }, 8), "every request is completed");
-        check(testing::pumpUntilIdle(8), "nothing is left under way");
+        check(testing::pumpUntil([&] { return *calls_ > 0; }), "every request is completed");
+        check(testing::pumpUntilIdle(), "nothing is left under way");
         check(*calls_ == 1, "a completion is called once");
     }
 

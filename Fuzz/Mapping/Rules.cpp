@@ -331,10 +331,8 @@ bool Rules::validateToClass(Object& object, Value& value, const ClassInfo& cls, 
             value = NSMutableOrderedSet::orderedSetWithValues(array.elements());
         else if (is(NSOrderedSet::staticClass()))
             value = NSOrderedSet::orderedSetWithValues(array.elements());
-        else {
-            value = array;
+        else
             return false;
-        }
         return true;
     }
     if (const auto dictionary = value.as<NSDictionary>()) {

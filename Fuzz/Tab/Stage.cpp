@@ -106,12 +106,10 @@ void Stage::replaceTab() {
 }
 
 void Stage::settle() {
-    const bool isQuiet = testing::pumpUntil(
-        [&] {
-            host->update();
-            return MainQueue::shared().isIdle();
-        },
-        8);
+    const bool isQuiet = testing::pumpUntil([&] {
+        host->update();
+        return MainQueue::shared().isIdle();
+    });
     check(isQuiet, "everything that is under way ends");
 }
 
