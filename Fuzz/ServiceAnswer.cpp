@@ -7,10 +7,9 @@
 #include <Flarebox/Core/FlareboxConfig.h>
 #include <Flarebox/Managers/FlareboxManager.h>
 #include <Foundation/NSJSONSerialization.h>
-#include <Networking/AFImageResponseSerializer.h>
+#include <Networking/AFImageDownloader.h>
 #include <Tests/Support/Pump.h>
 #include <Tests/Support/TemporaryDirectory.h>
-#include <UIKit/UIImage.h>
 
 #include <memory>
 
@@ -57,14 +56,16 @@ Ref<NSURLRequest> requestFor(const char* path) {
 
 void loadPicture() {
     Outcome outcome;
-    client()
-        .dataTaskWithRequest(requestFor("/picture.png"), AFImageResponseSerializer::serializer(),
-                             [complete = outcome.completion<Value>()](const Ref<NSHTTPURLResponse>&,
-                                                                      const Value& object, const Ref<NSError>& error) {
-                                 complete(object, error);
-                                 check(!object || object.object<UIImage>(), "a picture is a picture");
-                             })
-        ->resume();
+    const auto downloader = make<AFImageDownloader>();
+    const auto complete = outcome.completion<Ref<UIImage>>();
+    downloader->downloadImageForURLRequest(
+        requestFor("/picture.png"), 100,
+        [complete](const Ref<NSURLRequest>&, const Ref<NSHTTPURLResponse>&, const Ref<UIImage>& image) {
+            complete(image, nullptr);
+        },
+        [complete](const Ref<NSURLRequest>&, const Ref<NSHTTPURLResponse>&, const Ref<NSError>& error) {
+            complete(nullptr, error);
+        });
     outcome.await();
 }
 

@@ -22,7 +22,7 @@ public:
     /// An object that is filled by the rules.
     class Object : public NSObject, public Observed {
     public:
-        Object(const Rules& rules, std::size_t cls) : rules(rules), cls(cls) {}
+        Object(const Rules& itsRules, std::size_t itsClass) : rules(itsRules), cls(itsClass) {}
         std::string contents() const override;
         const Rules& rules;
         std::size_t cls;
