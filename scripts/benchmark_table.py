@@ -3,11 +3,11 @@
 
 benchmark_table.py FOLDER reads FOLDER/NAME.json of each program and Benchmarks/NAME/targets.json, and prints Markdown.
 
-targets.json: "title", and "rows" of
+targets.json: "title", "counters" to be listed with every benchmark that has them (optional), and "rows" of
     what     words for the table
     of       the benchmark that is judged
     against  benchmarks of the same program; the fastest of them is the peer
-    counter  judge this counter instead of the time
+    counter  judge this counter instead of the time, against that of the peer where there is one
     reach    the largest ratio to the peer; without a peer the largest counter, or microseconds
 Times are medians of the CPU time over all repetitions, divided by the counter "items" where a benchmark has it.
 """
@@ -61,18 +61,23 @@ def readable(nanoseconds):
 
 def judged_row(program, row):
     """The cells: what, measured, peer, ratio, target, reached."""
-    value = program.median(row["of"], row.get("counter"))
-    peers = [(program.median(name), name) for name in row.get("against", [])]
+    counter = row.get("counter")
+    text = "{:.3g}".format if counter else readable
+    value = program.median(row["of"], counter)
+    peers = [(program.median(name, counter), name) for name in row.get("against", [])]
     if value is None or any(time is None for time, _ in peers):
         return [row["what"], "not measured", "", "", f"{row['reach']:g}", "no"]
     if peers:
         time, name = min(peers)
-        judged, cells = value / time, [readable(value), f"{name.split('/', 1)[1]}: {readable(time)}", f"{value / time:.2f}"]
-    elif "counter" in row:
-        judged, cells = value, [f"{value:.3g}", "", ""]
+        judged, cells = value / time, [text(value), f"{name.split('/', 1)[1]}: {text(time)}", f"{value / time:.2f}"]
     else:
-        judged, cells = value / 1000, [readable(value), "", ""]
+        judged, cells = value if counter else value / 1000, [text(value), "", ""]
     return [row["what"], *cells, f"{row['reach']:g}", "yes" if judged <= row["reach"] else "**no**"]
+
+
+def counter_text(program, name, counter):
+    """The median, empty where the benchmark has no such counter."""
+    return f"{program.median(name, counter):.4g}" if counter in program.runs[name][0] else ""
 
 
 def print_table(header, rows):
@@ -88,12 +93,13 @@ def print_program(path, targets):
     print(f"## {targets['title']}\n\nMeasured on {program.date}.\n")
     header = ["What", "Measured", "Fastest peer", "Ratio", "Reach", "Reached"]
     print_table(header, [judged_row(program, row) for row in targets["rows"]])
-    rows = []
+    rows, counters = [], targets.get("counters", [])
     for name in program.runs:
         times = program.values(name)
         if times:
-            rows.append([name, readable(statistics.median(times)), readable(min(times)), readable(max(times)), str(len(times))])
-    print_table(["Benchmark", "Median", "Least", "Most", "Repetitions"], rows)
+            listed = [counter_text(program, name, counter) for counter in counters]
+            rows.append([name, readable(statistics.median(times)), readable(min(times)), readable(max(times)), *listed, str(len(times))])
+    print_table(["Benchmark", "Median", "Least", "Most", *(counter.replace("_", " ") for counter in counters), "Repetitions"], rows)
 
 
 def processor():

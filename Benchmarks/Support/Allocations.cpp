@@ -5,10 +5,11 @@
 
 namespace {
 
-thread_local constinit std::uint64_t allocations = 0;
+thread_local constinit std::uint64_t allocations = 0, bytes = 0;
 
 void* allocate(std::size_t size) {
     ++allocations;
+    bytes += size;
     if (void* memory = std::malloc(size ? size : 1)) return memory;
     throw std::bad_alloc();
 }
@@ -17,6 +18,10 @@ void* allocate(std::size_t size) {
 
 std::uint64_t flarebox::benchmarks::allocationCount() noexcept {
     return allocations;
+}
+
+std::uint64_t flarebox::benchmarks::allocatedBytes() noexcept {
+    return bytes;
 }
 
 void* operator new(std::size_t size) {

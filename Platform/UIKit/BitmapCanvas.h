@@ -17,4 +17,8 @@ std::unique_ptr<Canvas> makeBitmapCanvas(std::uint32_t* pixels, int width, int h
 /// other: opening takes 10 to 20 milliseconds a font. Any thread; texts may be drawn meanwhile.
 void warmUpFonts();
 
+/// How many texts have been broken into lines so far, which a text that is remembered is not: for measurements and
+/// tests. Main thread.
+std::uint64_t laidOutTextCount();
+
 }  // namespace flarebox

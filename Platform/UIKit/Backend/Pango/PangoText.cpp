@@ -96,6 +96,11 @@ CGSize measureText(std::string_view text, const TextStyle& style, CGFloat width)
     return {width > 0 ? std::min(widest, width) : widest, std::ceil(layout.lineCount * layout.metrics.height)};
 }
 
+std::uint64_t laidOutTextCount() {
+    const std::lock_guard lock(text::shared().mutex);
+    return text::shared().layouts.builtCount();
+}
+
 void warmUpFonts() {
     // Each text needs another font file: the weights of the system font, then those that stand in for other scripts.
     struct Sample {

@@ -132,6 +132,7 @@ LineMetrics TextLayouts::lineMetrics(const UIFont& font) {
 }
 
 TextLayout TextLayouts::build(const LayoutKey& key) {
+    ++built_;
     TextLayout result;
     result.metrics = lineMetrics(key.font);
     result.lineCount = 1;

@@ -3,6 +3,7 @@
 #include <UIKit/Backend/Pango/PrivateFonts.h>
 #include <UIKit/Canvas.h>
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -42,6 +43,8 @@ public:
     /// `numberOfLines` overrules that of the style. The layout stays valid until the next call.
     const TextLayout& find(std::string_view text, const TextStyle& style, int numberOfLines, CGFloat width);
     LineMetrics lineMetrics(const UIFont& font);
+    /// How many texts were not remembered.
+    std::uint64_t builtCount() const { return built_; }
 
 private:
     using Layouts = std::unordered_map<LayoutKey, TextLayout, LayoutKeyHash>;
@@ -51,6 +54,7 @@ private:
     // Two generations: what is not asked for while the recent one fills up is forgotten.
     Layouts recent_, older_;
     std::unordered_map<LayoutKey, LineMetrics, LayoutKeyHash> metrics_;
+    std::uint64_t built_ = 0;
 };
 
 /// The text as the library can take it: valid UTF-8 (what is not becomes U+FFFD), without control characters; line ends
