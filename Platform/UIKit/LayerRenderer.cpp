@@ -1,3 +1,4 @@
+#include <UIKit/DisplayList.h>
 #include <UIKit/LayerBitmap.h>
 #include <UIKit/LayerRenderer.h>
 #include <UIKit/LayerTextures.h>
@@ -6,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace flarebox {
 namespace {
@@ -33,28 +35,38 @@ CGRect surroundings(const CGRect& rect) {
 /// Goes through the tree once and makes the list of rectangles.
 class LayerRenderer::Walk {
 public:
-    explicit Walk(LayerRenderer& renderer) : renderer_(renderer), scale_(renderer.scale_) {}
+    explicit Walk(LayerRenderer& renderer)
+        : renderer_(renderer), list_(*renderer.list_), textures_(*renderer.textures_), scale_(renderer.scale_) {}
 
     void run() {
-        renderer_.quads_.clear();
         renderer_.hasUpcoming_ = false;
         const CGRect target = scaled({{}, renderer_.root_.presentationFrame().size}, scale_);
-        visit(renderer_.root_, {{}, target, surroundings(target), 1, false, true});
+        list_.clear(target, scale_);
+        ++textures_.carriers().list;
+        visit(renderer_.root_, {.origin = {}, .clip = target, .nearby = surroundings(target), .isRoot = true});
     }
 
 private:
     using State = UIView::RenderState;
+    using Carries = detail::DisplayList::Carries;
     /// What a view has from those around it; coordinates are pixels.
     struct Surroundings {
         CGPoint origin;
         CGRect clip, nearby;
+        detail::DisplayList::Carrier carrier = detail::DisplayList::root;
+        /// Within the carrier.
+        CGRect carriedClip = detail::DisplayList::everywhere;
         float opacity = 1;
         bool isMoving = false, isRoot = false;
     };
 
     void visit(UIView& view, Surroundings around) {
         if (view.hidden_) return;
-        around.opacity *= static_cast<float>(view.presentationAlpha());
+        const bool isAnimated = !around.isRoot && view.animationState_ && view.animationState_->isRunning();
+        if (isAnimated)
+            enterCarrier(view, Carries::View, around);
+        else
+            around.opacity *= static_cast<float>(view.presentationAlpha());
         if (around.opacity < leastVisibleOpacity) return;
         const CGRect frame = view.presentationFrame();
         around.isMoving |= view.animationState_ && view.animationState_->frame;
@@ -68,12 +80,21 @@ private:
         if (view.subviews_.empty()) return;
         if (view.clipsToBounds_) {
             around.clip = around.clip.intersection(rect);
+            around.carriedClip = around.carriedClip.intersection(rect);
             around.nearby = around.nearby.intersection(surroundings(rect));
             if (around.nearby.isEmpty()) return;
         }
+        if (view.boundsOrigin_ != CGPoint() && !around.isRoot) enterCarrier(view, Carries::Content, around);
         around.origin = {exact.minX() - view.boundsOrigin_.x * scale_, exact.minY() - view.boundsOrigin_.y * scale_};
         around.isRoot = false;
         for (const auto& subview : view.subviews_) visit(*subview, around);
+    }
+
+    void enterCarrier(UIView& view, Carries carries, Surroundings& around) {
+        around.carrier = list_.addCarrier(view, carries, around.carrier, around.carriedClip, around.opacity);
+        around.carriedClip = detail::DisplayList::everywhere;
+        around.opacity = 1;
+        stateOf(view).setCarries(carries);
     }
 
     void show(UIView& view, const CGRect& rect, const Surroundings& around) {
@@ -84,17 +105,21 @@ private:
     }
 
     void showBackground(UIView& view, const CGRect& rect, const Surroundings& around) {
-        if (view.backgroundColor_.isClear() || rect.intersection(around.clip).isEmpty()) return;
-        add({renderer_.textures_->plain(view.backgroundColor_), {0, 0, 1, 1}, rect, around.clip, around.opacity});
+        if (view.backgroundColor_.isClear() || rect.intersection(reach(around)).isEmpty()) return;
+        add(textures_.plain(view.backgroundColor_), {0, 0, 1, 1}, rect, around);
     }
 
-    void add(const TexturedQuad& quad) {
-        if (quad.texture && !quad.destination.intersection(quad.clip).isEmpty()) renderer_.quads_.push_back(quad);
+    /// What is shown now, or may be before the list is made anew.
+    static const CGRect& reach(const Surroundings& around) {
+        return around.carrier == detail::DisplayList::root ? around.clip : around.nearby;
+    }
+
+    void add(TextureId texture, const PixelRect& source, const CGRect& place, const Surroundings& around) {
+        if (texture) list_.add({texture, source, place, around.carriedClip, around.opacity}, around.carrier);
     }
 
     void showPixels(UIView& view, const CGRect& rect, const Surroundings& around) {
-        const CGRect clip = around.clip.intersection(rect);
-        if (clip.isEmpty()) return;
+        if (rect.intersection(reach(around)).isEmpty()) return;
         if (view.layer_.cornerRadii() == CornerRadii()) showBackground(view, rect, around);
         if (view.needsDisplay_ || !hasTexture(view) || !(view.renderState_->drawnSize == view.frame_.size))
             uploadPixels(view, rect);
@@ -102,7 +127,9 @@ private:
         if (!state.texture) return;
         const CGRect place =
             placedByContentMode({CGFloat(state.width), CGFloat(state.height)}, rect, view.contentMode_);
-        add({state.texture, {0, 0, state.width, state.height}, place, clip, around.opacity});
+        Surroundings within = around;
+        within.carriedClip = around.carriedClip.intersection(rect);
+        add(state.texture, {0, 0, state.width, state.height}, place, within);
     }
 
     void uploadPixels(UIView& view, const CGRect& rect) {
@@ -110,7 +137,7 @@ private:
         view.needsDisplay_ = false;
         state.drawnSize = view.frame_.size;
         const UIView::PixelBuffer picture = view.pixelBuffer();
-        const int largest = renderer_.textures_->maximumSize();
+        const int largest = textures_.maximumSize();
         if (!picture.pixels || picture.width < 1 || picture.height < 1 || picture.width > largest ||
             picture.height > largest) {
             dropTexture(state);
@@ -129,9 +156,9 @@ private:
     }
 
     void dropTexture(State& state) {
-        if (state.texture && state.round == renderer_.textures_->round()) renderer_.textures_->retire(state.texture);
+        if (state.texture && state.round == textures_.round()) textures_.retire(state.texture);
         state.texture = 0;
-        state.round = renderer_.textures_->round();
+        state.round = textures_.round();
         state.width = state.height = 0;
     }
 
@@ -144,7 +171,7 @@ private:
     /// Whether what the view last gave to the compositor, a picture or none, still holds.
     bool hasTexture(const UIView& view) const {
         const State* state = view.renderState_.get();
-        return state && state->textures == renderer_.textures_ && state->round == renderer_.textures_->round();
+        return state && state->textures == renderer_.textures_ && state->round == textures_.round();
     }
 
     /// From the renderer's pixels.
@@ -159,15 +186,20 @@ private:
     }
 
     void showBitmap(UIView& view, const CGRect& rect, const Surroundings& around) {
-        const detail::BitmapPlan plan = detail::planBitmap(view, scale_, renderer_.textures_->maximumSize());
+        const bool isAsDrawn = hasTexture(view) && !view.needsDisplay_ && view.renderState_->texture &&
+                               view.renderState_->drawnSize == view.frame_.size;
+        const detail::BitmapPlan plan =
+            isAsDrawn ? view.renderState_->plan : detail::planBitmap(view, scale_, textures_.maximumSize());
         const CGRect outer = placed(view, plan, rect);
         const bool isInSight = !outer.intersection(around.clip).isEmpty();
         if (!isInSight && outer.intersection(around.nearby).isEmpty()) return;
-        if (!isUpToDate(view, plan)) {
+        if (!isAsDrawn && !isUpToDate(view, plan)) {
             if (!isInSight && !mayDrawAhead(plan)) return;
             draw(view, plan);
         }
-        if (isInSight) addStretched(view, plan, outer, around);
+        view.renderState_->plan = plan;
+        view.renderState_->drawnSize = view.frame_.size;
+        if (!outer.intersection(reach(around)).isEmpty()) addStretched(view, plan, outer, around);
     }
 
     /// Where the whole bitmap goes: the view and what reaches beyond it.
@@ -210,7 +242,6 @@ private:
                             static_cast<std::size_t>(plan.left);
         state.isMiddleClear = renderer_.pixels_[middle] == 0;
         uploadTexture(state, plan.width, plan.height);
-        state.drawnSize = view.frame_.size;
     }
 
     struct Span {
@@ -246,25 +277,32 @@ private:
                 const bool isMiddle = columnCount == 3 && rowCount == 3 && row == 1 && column == 1;
                 if (isMiddle && state.isMiddleClear) continue;
                 const Span &x = columns[column], &y = rows[row];
-                add({state.texture,
-                     {x.source, y.source, x.sourceLength, y.sourceLength},
-                     CGRectMake(x.place, y.place, x.length, y.length),
-                     around.clip,
-                     around.opacity});
+                add(state.texture, {x.source, y.source, x.sourceLength, y.sourceLength},
+                    CGRectMake(x.place, y.place, x.length, y.length), around);
             }
         }
     }
 
     LayerRenderer& renderer_;
+    detail::DisplayList& list_;
+    detail::LayerTextures& textures_;
     CGFloat scale_;
     std::int64_t drawnAhead_ = 0;
 };
 
-LayerRenderer::LayerRenderer(UIView& root) : root_(root), textures_(std::make_shared<detail::LayerTextures>()) {}
+LayerRenderer::LayerRenderer(UIView& root)
+    : root_(root),
+      textures_(std::make_shared<detail::LayerTextures>()),
+      list_(std::make_unique<detail::DisplayList>()) {}
 LayerRenderer::~LayerRenderer() = default;
 
-bool LayerRenderer::needsDisplay() const {
+bool LayerRenderer::needsList() const {
     return root_.changeStamp_ > drawnStamp_ || hasUpcoming_ || !hasList_;
+}
+
+bool LayerRenderer::needsDisplay() const {
+    // What came to rest between whole pixels is put onto them.
+    return needsList() || textures_->carriers().haveMoved || !list_->isExact();
 }
 
 void LayerRenderer::draw(Compositor& compositor, CGFloat scale) {
@@ -272,27 +310,33 @@ void LayerRenderer::draw(Compositor& compositor, CGFloat scale) {
     textures_->use(compositor);
     if (scale != scale_) textures_->discardAll();
     scale_ = scale;
-    if (needsDisplay() || textures_->round() != round) {
-        // Counted on first, so that what changes while the list is made shows in the next.
-        drawnStamp_ = detail::changeStampInForce++;
-        textures_->destroyRetired();
-        Walk(*this).run();
-        hasList_ = true;
-        ++listsBuilt_;
-    }
+    const bool haveMoved = std::exchange(textures_->carriers().haveMoved, false);
+    const bool isOutdated = needsList() || textures_->round() != round || (!haveMoved && !list_->isExact());
+    if (isOutdated || (haveMoved && !list_->place())) makeList();
     compositor.beginFrame();
-    for (const TexturedQuad& quad : quads_) compositor.drawQuad(quad);
+    for (const TexturedQuad& quad : list_->quads()) compositor.drawQuad(quad);
     compositor.endFrame();
+}
+
+void LayerRenderer::makeList() {
+    // Counted on first, so that what changes while the list is made shows in the next.
+    drawnStamp_ = detail::changeStampInForce++;
+    textures_->destroyRetired();
+    Walk(*this).run();
+    list_->place();
+    hasList_ = true;
+    ++listsBuilt_;
 }
 
 void LayerRenderer::releaseTextures(Compositor& compositor) {
     textures_->release(compositor);
-    quads_.clear();
+    list_->clear({}, scale_);
+    list_->place();
     hasList_ = false;
 }
 
 LayerRenderer::Statistics LayerRenderer::statistics() const {
-    return {bitmapsDrawn_, textures_->uploads(), listsBuilt_, quads_.size()};
+    return {bitmapsDrawn_, textures_->uploads(), listsBuilt_, list_->quads().size()};
 }
 
 }  // namespace flarebox

@@ -12,11 +12,13 @@ namespace flarebox {
 class UIView;
 
 namespace detail {
+class DisplayList;
 class LayerTextures;
 }
 
 /// Shows a tree of views through a compositor. A view is drawn into a bitmap only when its look changed; the list of
-/// rectangles is kept from frame to frame and made anew only when something in the tree changed. Main thread.
+/// rectangles is kept from frame to frame, moved where views only move, fade or scroll, and made anew when anything
+/// else in the tree changed. Main thread.
 class LayerRenderer {
 public:
     /// `root` must outlive the renderer. A tree is shown by one renderer at a time.
@@ -45,10 +47,12 @@ public:
 
 private:
     class Walk;
+    bool needsList() const;
+    void makeList();
 
     UIView& root_;
     std::shared_ptr<detail::LayerTextures> textures_;
-    std::vector<TexturedQuad> quads_;
+    std::unique_ptr<detail::DisplayList> list_;
     /// Where bitmaps are drawn before the compositor gets them.
     std::vector<std::uint32_t> pixels_;
     std::uint64_t drawnStamp_ = 0;

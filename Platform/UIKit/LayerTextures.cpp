@@ -82,4 +82,18 @@ UIView::RenderState::~RenderState() {
     if (texture && round == textures->round()) textures->retire(texture);
 }
 
+void UIView::RenderState::setCarries(detail::DisplayList::Carries what) {
+    carriesInList_[static_cast<std::size_t>(what)] = textures->carriers().list;
+}
+
+void UIView::RenderState::markMoved(UIView& view, detail::DisplayList::Carries what) {
+    const RenderState* state = view.renderState_.get();
+    const bool isCarrier =
+        state && state->carriesInList_[static_cast<std::size_t>(what)] == state->textures->carriers().list;
+    if (isCarrier)
+        state->textures->carriers().haveMoved = true;
+    else
+        view.markChanged();
+}
+
 }  // namespace flarebox

@@ -34,6 +34,15 @@ public:
 
     std::size_t uploads() const { return uploads_; }
 
+    /// What the views that carry others tell the renderer between two pictures.
+    struct Carriers {
+        /// The number of the list in force.
+        std::uint64_t list = 0;
+        bool haveMoved = false;
+    };
+    Carriers& carriers() { return carriers_; }
+    const Carriers& carriers() const { return carriers_; }
+
 private:
     void destroy(TextureId texture);
 
@@ -42,6 +51,7 @@ private:
     std::vector<TextureId> textures_, retired_;
     std::vector<std::pair<UIColor, TextureId>> colors_;
     std::size_t uploads_ = 0;
+    Carriers carriers_;
 };
 
 }  // namespace flarebox::detail

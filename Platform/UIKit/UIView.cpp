@@ -148,7 +148,7 @@ void UIView::setFrame(const CGRect& frame) {
 void UIView::setBoundsOrigin(CGPoint origin) {
     if (origin == boundsOrigin_ || !std::isfinite(origin.x + origin.y)) return;
     boundsOrigin_ = origin;
-    markChanged();
+    RenderState::markMoved(*this, detail::DisplayList::Carries::Content);
 }
 
 CGRect UIView::presentationFrame() const {

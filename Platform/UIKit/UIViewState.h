@@ -2,6 +2,8 @@
 
 #include <UIKit/Compositor.h>
 #include <UIKit/ConstraintSolver.h>
+#include <UIKit/DisplayList.h>
+#include <UIKit/LayerBitmap.h>
 #include <UIKit/UIView.h>
 
 #include <array>
@@ -56,13 +58,24 @@ struct UIView::RenderState {
     int width = 0, height = 0;
     /// Of the view when it was drawn, in points.
     CGSize drawnSize;
+    detail::BitmapPlan plan;
     bool isMiddleClear = false;
+
+    /// The view, or its content, is a carrier of the list in force.
+    void setCarries(detail::DisplayList::Carries what);
+    /// Only where the view or its content is shown, or how strong, is out of date.
+    static void markMoved(UIView& view, detail::DisplayList::Carries what);
+
+private:
+    /// The last list in which the view, or its content, was a carrier.
+    std::array<std::uint64_t, 2> carriesInList_{};
 };
 
 /// What is on screen while it differs from what is set.
 struct UIView::AnimationState {
     std::optional<CGRect> frame;
     std::optional<CGFloat> alpha;
+    bool isRunning() const { return frame || alpha; }
 };
 
 }  // namespace flarebox

@@ -68,6 +68,14 @@ CGRect between(const CGRect& from, const CGRect& to, double progress) {
                       between(from.width(), to.width(), progress), between(from.height(), to.height(), progress));
 }
 
+/// Whether the view looks the same all the way, at other places.
+bool onlyMoves(const FrameMovement& movement) {
+    return movement.from.size == movement.to.size;
+}
+bool onlyMoves(const AlphaMovement&) {
+    return true;
+}
+
 /// The view's movement when it belongs to the group of the moment, and may simply be given another end; null otherwise.
 template <class Movement>
 Movement* movementOfGroup(std::vector<Movement>& movements, const UIView& view) {
@@ -112,12 +120,17 @@ void ViewAnimations::move(std::vector<Movement>& movements, Property property, d
     std::erase_if(movements, [&](const Movement& movement) {
         const double progress = easeInOut((now - movement.group->start) / movement.group->duration);
         auto& shown = movement.view->animationState_.get()->*property;
-        if (progress < 1)
-            shown = between(movement.from, movement.to, progress);
-        else
+        if (progress >= 1) {
             shown.reset();
-        movement.view->markChanged();
-        return progress >= 1;
+            movement.view->markChanged();
+            return true;
+        }
+        shown = between(movement.from, movement.to, progress);
+        if (onlyMoves(movement))
+            UIView::RenderState::markMoved(*movement.view, detail::DisplayList::Carries::View);
+        else
+            movement.view->markChanged();
+        return false;
     });
 }
 
