@@ -51,7 +51,9 @@ void AssetCollectionViewCell::loadIcon(const NSURL& address) {
 }
 
 void AssetCollectionViewCell::focusCell(bool focused) {
-    imgAsset_->layer().setBorderWidth(focused ? 1.0 : 0.0);
+    const CGFloat width = focused ? 1.0 : 0.0;
+    if (imgAsset_->layer().borderWidth() == width) return;
+    imgAsset_->layer().setBorderWidth(width);
     setNeedsLayout();
     layoutIfNeeded();
 }

@@ -146,6 +146,13 @@ void FlareboxView::collectionViewDidSelectItemAtIndexPath(UICollectionView&, con
     reloadCellVisibles();
 }
 
+void FlareboxView::collectionViewWillDisplayKeptCell(UICollectionView&, UICollectionViewCell& cell,
+                                                     const NSIndexPath& path) {
+    auto* assetCell = objectCast<AssetCollectionViewCell>(&cell);
+    if (assetCell && assestsList_ && path.row < assestsList_->size())
+        assetCell->focusCell(isCurrentAsset(*(*assestsList_)[path.row]));
+}
+
 void FlareboxView::scrollViewDidScroll(UIScrollView&) {
     showListEnds();
 }

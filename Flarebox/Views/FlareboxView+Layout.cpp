@@ -18,6 +18,8 @@ namespace {
 constexpr float designScreenHeight = 600, designHeight = 420, designWidth = 275;
 /// A screen side of at most this many inches counts as small: the tab then fills it.
 constexpr float smallScreenInches = 4;
+/// As many cells as lists usually have: going through one a second time then draws nothing.
+constexpr std::size_t keptCells = 24;
 
 bool isSettled(UIDeviceOrientation orientation) {
     using enum UIDeviceOrientation;
@@ -58,6 +60,7 @@ void FlareboxView::setupView() {
     collectionView_->setDelegate(this);
     collectionView_->registerNib(UINib::nibWithNibName("AssetCollectionViewCell", flareboxBundle()),
                                  "AssetCollectionViewCell");
+    collectionView_->setKeptCellLimit(keptCells);
     enable(*btnCoupon_);
     disable(*btnBuy_);
     emptyView_->setHidden(true);

@@ -220,6 +220,8 @@ private:
     Ref<UICollectionViewCell> collectionViewCellForItemAtIndexPath(UICollectionView& view,
                                                                    const NSIndexPath& path) override;
     void collectionViewDidSelectItemAtIndexPath(UICollectionView& view, const NSIndexPath& path) override;
+    void collectionViewWillDisplayKeptCell(UICollectionView& view, UICollectionViewCell& cell,
+                                           const NSIndexPath& path) override;
     void scrollViewDidScroll(UIScrollView& view) override;
     void scrollViewDidEndDragging(UIScrollView& view, bool willDecelerate) override;
     void scrollViewWillBeginDecelerating(UIScrollView& view) override;

@@ -3,6 +3,7 @@
 #include <UIKit/UINib.h>
 #include <UIKit/UITouch.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <utility>
 
@@ -98,15 +99,33 @@ void UICollectionView::place(UICollectionViewCell& cell, std::size_t item) {
     UIView::performWithoutAnimation([&] { cell.setFrame(layout_.frameOfItem(item, bounds().height())); });
 }
 
+void UICollectionView::setKeptCellLimit(std::size_t limit) {
+    keptCellLimit_ = limit;
+    recycleKeptAbove(limit);
+}
+
+void UICollectionView::leave(const ShownItem& shown) {
+    if (pressed_ == shown.cell) setPressed(nullptr);
+    kept_.push_back(shown);
+    recycleKeptAbove(keptCellLimit_);
+}
+
+void UICollectionView::recycleKeptAbove(std::size_t limit) {
+    if (kept_.size() <= limit) return;
+    const auto end = kept_.begin() + static_cast<std::ptrdiff_t>(kept_.size() - limit);
+    for (auto each = kept_.begin(); each != end; ++each) recycle(each->cell);
+    kept_.erase(kept_.begin(), end);
+}
+
 void UICollectionView::recycle(const Ref<UICollectionViewCell>& cell) {
-    if (pressed_ == cell) setPressed(nullptr);
     // Hidden and kept as a sub-view: that costs less than leaving and entering the tree.
     cell->setHidden(true);
     reusable_[cell->reuseIdentifier_].push_back(cell);
 }
 
 void UICollectionView::recycleAll() {
-    for (const auto& [item, cell] : std::exchange(visible_, {})) recycle(cell);
+    for (const ShownItem& shown : std::exchange(visible_, {})) leave(shown);
+    recycleKeptAbove(0);
 }
 
 // Layout.
@@ -150,6 +169,7 @@ void UICollectionView::layoutSubviews() {
         readItems();
         isUpdating_ = false;
         for (const auto& [item, cell] : visible_) cell->setFrame(layout_.frameOfItem(item, bounds().height()));
+        for (const auto& [item, cell] : kept_) place(*cell, item);
     }
     updateVisibleCells();
 }
@@ -168,23 +188,43 @@ void UICollectionView::updateVisibleCells() {
 }
 
 void UICollectionView::showItems(Items items) {
-    for (auto each = visible_.begin(); each != visible_.end();) {
-        if (items.contains(each->first)) {
-            ++each;
-            continue;
-        }
-        recycle(each->second);
-        each = visible_.erase(each);
-    }
+    std::erase_if(visible_, [&](const ShownItem& shown) {
+        const bool leaves = !items.contains(shown.item);
+        if (leaves) leave(shown);
+        return leaves;
+    });
     for (std::size_t item = items.begin; item < items.end && dataSource_; ++item) {
-        if (visible_.contains(item) || layout_.frameOfItem(item, bounds().height()).isEmpty()) continue;
-        const auto cell = dataSource_->collectionViewCellForItemAtIndexPath(*this, {0, item});
+        if (findVisible(item) != visible_.end()) continue;
+        Ref<UICollectionViewCell> cell = takeKept(item);
+        if (!cell) cell = fillCell(item);
         if (!cell) continue;
-        place(*cell, item);
-        cell->setHidden(false);
-        if (cell->superview() != this) addSubview(*cell);
-        visible_[item] = cell;
+        const auto after = std::ranges::upper_bound(visible_, item, {}, &ShownItem::item);
+        visible_.insert(after, {item, std::move(cell)});
     }
+}
+
+Ref<UICollectionViewCell> UICollectionView::takeKept(std::size_t item) {
+    const auto found = std::ranges::find(kept_, item, &ShownItem::item);
+    if (found == kept_.end()) return nullptr;
+    Ref<UICollectionViewCell> cell = std::move(found->cell);
+    kept_.erase(found);
+    if (UICollectionViewDelegate* delegate = listDelegate())
+        delegate->collectionViewWillDisplayKeptCell(*this, *cell, {0, item});
+    return cell;
+}
+
+Ref<UICollectionViewCell> UICollectionView::fillCell(std::size_t item) {
+    if (layout_.frameOfItem(item, bounds().height()).isEmpty()) return nullptr;
+    Ref<UICollectionViewCell> cell = dataSource_->collectionViewCellForItemAtIndexPath(*this, {0, item});
+    if (!cell) return nullptr;
+    place(*cell, item);
+    cell->setHidden(false);
+    if (cell->superview() != this) addSubview(*cell);
+    return cell;
+}
+
+std::vector<UICollectionView::ShownItem>::const_iterator UICollectionView::findVisible(std::size_t item) const {
+    return std::ranges::find(visible_, item, &ShownItem::item);
 }
 
 void UICollectionView::performBatchUpdates(const std::function<void()>& updates,
@@ -207,8 +247,8 @@ std::vector<NSIndexPath> UICollectionView::indexPathsForVisibleItems() const {
 }
 
 Ref<UICollectionViewCell> UICollectionView::cellForItemAtIndexPath(const NSIndexPath& path) const {
-    const auto found = path.section == 0 ? visible_.find(path.row) : visible_.end();
-    return found == visible_.end() ? nullptr : found->second;
+    const auto found = path.section == 0 ? findVisible(path.row) : visible_.end();
+    return found == visible_.end() ? nullptr : found->cell;
 }
 
 void UICollectionView::scrollToItemAtIndexPath(const NSIndexPath& path, ScrollPosition position, bool animated) {

@@ -31,6 +31,8 @@ public:
 class UICollectionViewDelegate : public UIScrollViewDelegate {
 public:
     virtual void collectionViewDidSelectItemAtIndexPath(UICollectionView&, const NSIndexPath&) {}
+    /// A cell that was kept comes into sight again as it was; see `setKeptCellLimit`.
+    virtual void collectionViewWillDisplayKeptCell(UICollectionView&, UICollectionViewCell&, const NSIndexPath&) {}
     /// In points. Asked for the first item only, unless items have sizes of their own. Default: a square as high as the
     /// list.
     virtual CGSize collectionViewLayoutSizeForItemAtIndexPath(UICollectionView& view, const NSIndexPath& path);
@@ -38,7 +40,8 @@ public:
     virtual bool collectionViewItemsHaveOwnSizes(UICollectionView&) { return false; }
 };
 
-/// A horizontal list that keeps only as many cells as can be seen, and one more. Main thread.
+/// A horizontal list that has only as many cells as can be seen, one more, and those that it is told to keep. Main
+/// thread.
 class UICollectionView : public UIScrollView {
     FLAREBOX_CLASS(UICollectionView)
 public:
@@ -53,6 +56,12 @@ public:
     const UICollectionViewLayout& layout() const { return layout_; }
     void setItemSpacing(CGFloat spacing);
     void setSectionInset(const UIEdgeInsets& inset);
+
+    /// How many cells that left the sight go on showing their items, 0 unless set: a kept cell that comes into sight
+    /// again needs neither the data source nor drawing. Where there are more, those that left first are used for other
+    /// items.
+    std::size_t keptCellLimit() const { return keptCellLimit_; }
+    void setKeptCellLimit(std::size_t limit);
 
     /// Where cells of that name come from: the first object of a layout file, or a class that can be made by name.
     void registerNib(const Ref<UINib>& nib, std::string_view reuseIdentifier);
@@ -91,13 +100,22 @@ private:
         Ref<UINib> nib;
         Class cellClass = nullptr;
     };
+    struct ShownItem {
+        std::size_t item;
+        Ref<UICollectionViewCell> cell;
+    };
 
     UICollectionViewDelegate* listDelegate() const;
     void readItems();
     void place(UICollectionViewCell& cell, std::size_t item);
+    void leave(const ShownItem& shown);
     void recycle(const Ref<UICollectionViewCell>& cell);
+    void recycleKeptAbove(std::size_t limit);
     void recycleAll();
     void showItems(UICollectionViewLayout::Items items);
+    Ref<UICollectionViewCell> takeKept(std::size_t item);
+    Ref<UICollectionViewCell> fillCell(std::size_t item);
+    std::vector<ShownItem>::const_iterator findVisible(std::size_t item) const;
     void updateVisibleCells();
     Ref<UICollectionViewCell> makeCell(std::string_view reuseIdentifier) const;
     Ref<UICollectionViewCell> cellUnder(const UITouch& touch, std::size_t& item) const;
@@ -107,7 +125,11 @@ private:
     WeakDelegate<UICollectionViewDataSource> dataSource_;
     std::map<std::string, Source, std::less<>> sources_;
     std::map<std::string, std::vector<Ref<UICollectionViewCell>>, std::less<>> reusable_;
-    std::map<std::size_t, Ref<UICollectionViewCell>> visible_;
+    /// Ascending by item.
+    std::vector<ShownItem> visible_;
+    /// Out of sight, where the list clips them; those that left first come first.
+    std::vector<ShownItem> kept_;
+    std::size_t keptCellLimit_ = 0;
     Ref<UICollectionViewCell> pressed_;
     std::size_t pressedItem_ = 0;
     CGSize laidOutSize_;
