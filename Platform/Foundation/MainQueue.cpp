@@ -74,6 +74,12 @@ MainQueue::Token MainQueue::at(double dueTime, Work work) {
     return token;
 }
 
+MainQueue::Token MainQueue::again(double dueTime) {
+    std::lock_guard lock(mutex_);
+    again_ = Key{std::isnan(dueTime) ? 0 : dueTime, nextToken_++};
+    return again_->token;
+}
+
 void MainQueue::wake() {
     if (batch) {
         batch->wakes_ = true;
@@ -93,6 +99,7 @@ void MainQueue::setWakeUp(std::function<void()> wakeUp) {
 void MainQueue::cancel(Token token) {
     Pending::node_type cancelled;  // destroyed after the lock: what the work holds may use the queue when it ends
     std::lock_guard lock(mutex_);
+    if (again_ && again_->token == token) again_.reset();
     for (auto entry = pending_.begin(); entry != pending_.end(); ++entry) {
         if (entry->first.token != token) continue;
         cancelled = pending_.extract(entry);
@@ -108,9 +115,23 @@ MainQueue::Pending::node_type MainQueue::takeDue(double now, Token end) {
     return {};
 }
 
-void MainQueue::runWork(const Work& work) {
+void MainQueue::runWork(Pending::node_type& entry) {
     TurnMeter::Part part("queued callbacks");
-    if (work) work();
+    // Work may run the queue, and may throw.
+    const Restore outer(again_);
+    again_.reset();
+    struct PutBack {
+        ~PutBack() {
+            if (!queue.again_) return;
+            std::lock_guard lock(queue.mutex_);
+            entry.key() = *queue.again_;
+            queue.pending_.insert(std::move(entry));
+        }
+        MainQueue& queue;
+        Pending::node_type& entry;
+    };
+    const PutBack putBack{*this, entry};
+    if (entry.mapped()) entry.mapped()();
 }
 
 bool MainQueue::run(double budget) {
@@ -127,7 +148,7 @@ bool MainQueue::run(double budget) {
     bool ran = false;
     while (auto entry = takeDue(now, end)) {
         currentDueTime_ = entry.key().dueTime;
-        runWork(entry.mapped());
+        runWork(entry);
         ran = true;
         if (Clock::real().uptime() - start >= budget) break;
     }
@@ -179,6 +200,7 @@ void MainQueue::removeAll() {
     Pending dropped;  // destroyed after the lock
     std::lock_guard lock(mutex_);
     dropped.swap(pending_);
+    again_.reset();
 }
 
 void MainQueue::shiftDueTimes(double seconds) {
@@ -190,6 +212,7 @@ void MainQueue::shiftDueTimes(double seconds) {
         shifted.insert(std::move(entry));
     }
     pending_.swap(shifted);
+    if (again_) again_->dueTime += seconds;
 }
 
 MainQueue::Batch::Batch() : outer_(std::exchange(batch, this)) {}

@@ -32,6 +32,9 @@ public:
     Token after(double delay, Work work);
     /// Runs the work once the uptime of the clock in force has reached `dueTime`. Any thread.
     Token at(double dueTime, Work work);
+    /// While work runs: runs it once more when the uptime of the clock in force has reached `dueTime`, which allocates
+    /// nothing. Main thread.
+    Token again(double dueTime);
     /// Takes work back that has not run yet; a token whose work has run is ignored. Main thread.
     void cancel(Token token);
 
@@ -94,7 +97,7 @@ private:
     MainQueue() = default;
     ~MainQueue() = default;
     Pending::node_type takeDue(double now, Token end);
-    static void runWork(const Work& work);
+    void runWork(Pending::node_type& entry);
     void runUntilQuiet();
     std::optional<double> firstDueTimeAfter(double moment) const;
     void wake();
@@ -107,6 +110,8 @@ private:
     /// Whether the host has been told since the last turn that there is something to run.
     bool wakeUpCalled_ = false;
     double currentDueTime_ = 0;
+    /// What runs now is to run once more.
+    std::optional<Key> again_;
     std::mutex wakeUpMutex_;
     std::function<void()> wakeUp_;
 };

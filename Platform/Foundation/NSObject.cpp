@@ -20,18 +20,20 @@ public:
     }
     void forgetObject() noexcept {
         std::lock_guard lock(mutex_);
-        object_ = nullptr;
+        object_.store(nullptr, std::memory_order_release);
     }
+    NSObject* object() const noexcept { return object_.load(std::memory_order_acquire); }
     template <class Retain>
     NSObject* lockObject(Retain retainUnlessDying) noexcept {
         std::lock_guard lock(mutex_);
-        return object_ && retainUnlessDying(object_) ? object_ : nullptr;
+        NSObject* const held = object();
+        return held && retainUnlessDying(held) ? held : nullptr;
     }
 
 private:
     std::atomic<std::uint32_t> boxReferences_{1};
     std::mutex mutex_;
-    NSObject* object_;
+    std::atomic<NSObject*> object_;
 };
 
 namespace {
@@ -77,6 +79,10 @@ void retainBox(WeakBox* box) noexcept {
 
 void releaseBox(WeakBox* box) noexcept {
     if (box) box->release();
+}
+
+NSObject* peekBox(const WeakBox* box) noexcept {
+    return box ? box->object() : nullptr;
 }
 
 NSObject* lockBox(WeakBox* box) noexcept {

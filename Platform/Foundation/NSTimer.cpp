@@ -42,7 +42,8 @@ void NSTimer::schedule(double dueTime) {
 
 void NSTimer::becameDue() {
     TurnMeter::Part part("timers");
-    if (repeats_) schedule(nextDueTime(MainQueue::shared().currentDueTime(), interval_, Clock::current().uptime()));
+    MainQueue& queue = MainQueue::shared();
+    if (repeats_) token_ = queue.again(nextDueTime(queue.currentDueTime(), interval_, Clock::current().uptime()));
     fire();
 }
 

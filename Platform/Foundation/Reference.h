@@ -22,6 +22,8 @@ void retainBox(WeakBox* box) noexcept;
 void releaseBox(WeakBox* box) noexcept;
 /// The object with one reference added, or null once its destruction has begun. Any thread.
 NSObject* lockBox(WeakBox* box) noexcept;
+/// The object or null once its destruction has begun. On the thread that gives the last reference back.
+NSObject* peekBox(const WeakBox* box) noexcept;
 
 }  // namespace detail
 
@@ -108,11 +110,7 @@ public:
         return object ? Ref<T>::adopt(object_) : Ref<T>();
     }
     /// The object or null, for use on the thread that owns the object (the main thread for views).
-    T* get() const noexcept {
-        const NSObject* const object = detail::lockBox(box_);
-        detail::release(object);
-        return object ? object_ : nullptr;
-    }
+    T* get() const noexcept { return detail::peekBox(box_) ? object_ : nullptr; }
     T& operator*() const noexcept { return *get(); }
     T* operator->() const noexcept { return get(); }
     explicit operator bool() const noexcept { return get() != nullptr; }
