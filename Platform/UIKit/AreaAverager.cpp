@@ -1,6 +1,7 @@
 #include <UIKit/AreaAverager.h>
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 
 namespace flarebox {
@@ -12,33 +13,26 @@ std::uint32_t channel(float value) {
 
 }  // namespace
 
-void AreaAverager::Sum::add(const Sum& other, float weight) {
-    alpha += other.alpha * weight;
-    red += other.red * weight;
-    green += other.green * weight;
-    blue += other.blue * weight;
-}
-
 AreaAverager::AreaAverager(int sourceWidth, int sourceHeight, int targetWidth, int targetHeight)
     : sourceHeight_(sourceHeight), targetHeight_(targetHeight) {
-    const auto columns = static_cast<std::size_t>(targetWidth);
-    across_.resize(columns);
-    sums_.resize(columns);
-    pixels_.reserve(columns * static_cast<std::size_t>(targetHeight));
+    const auto width = static_cast<std::size_t>(targetWidth);
+    columns_.reserve(width);
+    sums_.resize(static_cast<std::size_t>(sourceWidth) * channels);
+    pixels_.reserve(width * static_cast<std::size_t>(targetHeight));
     const double step = static_cast<double>(sourceWidth) / targetWidth;
     for (int target = 0; target < targetWidth; ++target) {
-        firstShare_.push_back(shares_.size());
         const double left = target * step, right = std::min<double>(sourceWidth, (target + 1) * step);
+        const std::size_t firstShare = shares_.size();
         for (int column = static_cast<int>(left); column < right; ++column) {
             const double covered = std::min<double>(right, column + 1) - std::max<double>(left, column);
-            shares_.push_back({column, static_cast<float>(covered / step)});
+            shares_.push_back(static_cast<float>(covered / step));
         }
+        columns_.push_back({static_cast<std::size_t>(left), firstShare, shares_.size() - firstShare});
     }
-    firstShare_.push_back(shares_.size());
 }
 
 void AreaAverager::addRow(std::span<const std::uint32_t> row) {
-    averageAcross(row);
+    const auto* const bytes = reinterpret_cast<const unsigned char*>(row.data());
     const double step = static_cast<double>(sourceHeight_) / targetHeight_;
     double top = sourceRow_++;
     const double bottom = top + 1;
@@ -47,33 +41,37 @@ void AreaAverager::addRow(std::span<const std::uint32_t> row) {
         const double targetBottom = isLast ? bottom : (targetRow_ + 1) * step;
         const double end = std::min(bottom, targetBottom);
         const auto weight = static_cast<float>((end - top) / step);
-        for (std::size_t x = 0; x < sums_.size(); ++x) sums_[x].add(across_[x], weight);
+        float* const sums = sums_.data();
+        const std::size_t count = sums_.size();
+        if (isRowBegun_) {
+            for (std::size_t index = 0; index < count; ++index)
+                sums[index] += static_cast<float>(bytes[index]) * weight;
+        } else {
+            for (std::size_t index = 0; index < count; ++index) sums[index] = static_cast<float>(bytes[index]) * weight;
+        }
+        isRowBegun_ = true;
         if (targetBottom <= bottom) finishRow();
         top = end;
     }
 }
 
-void AreaAverager::averageAcross(std::span<const std::uint32_t> row) {
-    for (std::size_t x = 0; x < across_.size(); ++x) {
-        Sum sum;
-        for (std::size_t i = firstShare_[x]; i < firstShare_[x + 1]; ++i) {
-            const std::uint32_t pixel = row[static_cast<std::size_t>(shares_[i].column)];
-            const Sum parts = {static_cast<float>(pixel >> 24), static_cast<float>(pixel >> 16 & 255),
-                               static_cast<float>(pixel >> 8 & 255), static_cast<float>(pixel & 255)};
-            sum.add(parts, shares_[i].weight);
-        }
-        across_[x] = sum;
+std::uint32_t AreaAverager::averageAcross(const Column& column) const {
+    float mean[channels] = {};
+    const float* from = sums_.data() + column.source * channels;
+    const float* share = shares_.data() + column.firstShare;
+    for (std::size_t index = 0; index < column.shareCount; ++index, from += channels) {
+        for (std::size_t byte = 0; byte < channels; ++byte) mean[byte] += from[byte] * share[index];
     }
+    // Bytes lie in the machine's order; rounding must not make a colour brighter than its alpha allows.
+    constexpr bool isLittle = std::endian::native == std::endian::little;
+    const std::uint32_t alpha = channel(mean[isLittle ? 3 : 0]);
+    const auto color = [&](std::size_t place) { return std::min(alpha, channel(mean[isLittle ? place : 3 - place])); };
+    return alpha << 24 | color(2) << 16 | color(1) << 8 | color(0);
 }
 
 void AreaAverager::finishRow() {
-    for (Sum& sum : sums_) {
-        const std::uint32_t alpha = channel(sum.alpha);
-        // Rounding must not make a colour brighter than its alpha allows.
-        const auto color = [alpha](float value) { return std::min(alpha, channel(value)); };
-        pixels_.push_back(alpha << 24 | color(sum.red) << 16 | color(sum.green) << 8 | color(sum.blue));
-        sum = {};
-    }
+    for (const Column& column : columns_) pixels_.push_back(averageAcross(column));
+    isRowBegun_ = false;
     ++targetRow_;
 }
 

@@ -19,24 +19,21 @@ public:
     std::vector<std::uint32_t> takePixels() { return std::move(pixels_); }
 
 private:
-    struct Sum {
-        float alpha = 0, red = 0, green = 0, blue = 0;
-        void add(const Sum& other, float weight);
+    /// The source columns of a target column: the first, and how much of each counts.
+    struct Column {
+        std::size_t source, firstShare, shareCount;
     };
-    /// Part of a source column that belongs to a target column.
-    struct Share {
-        int column;
-        float weight;
-    };
-    void averageAcross(std::span<const std::uint32_t> row);
+    static constexpr std::size_t channels = 4;
     void finishRow();
+    std::uint32_t averageAcross(const Column& column) const;
 
     int sourceHeight_, targetHeight_;
     int sourceRow_ = 0, targetRow_ = 0;
-    std::vector<Share> shares_;
-    /// Where the shares of each target column begin.
-    std::vector<std::size_t> firstShare_;
-    std::vector<Sum> across_, sums_;
+    std::vector<Column> columns_;
+    std::vector<float> shares_;
+    /// The mean of the rows so far, byte by byte of the source's pixels: down first, as whole rows are quickly added.
+    std::vector<float> sums_;
+    bool isRowBegun_ = false;
     std::vector<std::uint32_t> pixels_;
 };
 

@@ -119,7 +119,9 @@ public:
         cairo_translate(cairo_, area.minX(), area.minY());
         cairo_scale(cairo_, area.width() / image.pixelWidth(), area.height() / image.pixelHeight());
         cairo_set_source_surface(cairo_, source, 0, 0);
-        cairo_pattern_set_filter(cairo_get_source(cairo_), CAIRO_FILTER_GOOD);
+        // What is not made smaller looks the same with the plain filter, which is several times as fast.
+        const bool isSmaller = std::min(pixelsOf(1, 0), pixelsOf(0, 1)) < 0.999;
+        cairo_pattern_set_filter(cairo_get_source(cairo_), isSmaller ? CAIRO_FILTER_GOOD : CAIRO_FILTER_BILINEAR);
         // Without it the outermost pixels would fade into nothing.
         cairo_pattern_set_extend(cairo_get_source(cairo_), CAIRO_EXTEND_PAD);
         cairo_paint(cairo_);
@@ -168,11 +170,15 @@ private:
         return CGRectMake(left, top, right - left, bottom - top);
     }
 
+    /// How long that way is on the bitmap.
+    CGFloat pixelsOf(CGFloat dx, CGFloat dy) const {
+        cairo_user_to_device_distance(cairo_, &dx, &dy);
+        return std::hypot(dx, dy);
+    }
+
     /// The length as a whole number of pixels, at least one.
     CGFloat wholePixels(CGFloat length) const {
-        CGFloat dx = 1, dy = 0;
-        cairo_user_to_device_distance(cairo_, &dx, &dy);
-        const CGFloat factor = std::hypot(dx, dy);
+        const CGFloat factor = pixelsOf(1, 0);
         return factor > 0 ? std::max(1.0, std::round(length * factor)) / factor : length;
     }
 
