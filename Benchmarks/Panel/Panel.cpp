@@ -47,7 +47,8 @@ std::string listOf(std::size_t count) {
                 (" " + number) + R"(", "description": ")" + descriptions[index % std::size(descriptions)] +
                 (" No. " + number) + R"(", "file_icon": ")" + addressOf("icon", index % icons) +
                 R"(", "file_image": ")" + addressOf("picture", index % pictures) +
-                R"(", "where_to_buy": "https://shop.example/)" + number + R"("})";
+                R"(", "video_mobile": "https://videos.example/)" + number +
+                R"(.mp4", "where_to_buy": "https://shop.example/)" + number + R"("})";
     }
     return json + "]";
 }

@@ -11,7 +11,6 @@
 #include <UIKit/UIScreen.h>
 #include <UIKit/UIWindow.h>
 
-#include <algorithm>
 #include <set>
 
 namespace flarebox {
@@ -26,12 +25,6 @@ std::string modelPath(const FXAssetInfo& asset) {
     if (!isPlainPathComponent(uid)) return {};
     const std::string folder = NSFileManager::defaultManager().documentsDirectory();
     return folder.empty() ? std::string() : folder + "/" + uid;
-}
-
-bool isInDocuments(const NSString& name) {
-    const NSFileManager& files = NSFileManager::defaultManager();
-    const std::vector<std::string> names = files.contentsOfDirectoryAtPath(files.documentsDirectory());
-    return std::ranges::find(names, name.text()) != names.end();
 }
 
 }  // namespace
@@ -83,7 +76,7 @@ void FlareboxView::remove3DFilesCached() {
 
 void FlareboxView::load3DModel(const Ref<FXAssetInfo>& asset) {
     const std::string path = modelPath(*asset);
-    if (!path.empty() && isInDocuments(asset->uid())) return handleLoad3DAssetCompletion(path, asset);
+    if (NSFileManager::defaultManager().fileExistsAtPath(path)) return handleLoad3DAssetCompletion(path, asset);
     const NSURL url = NSURL::URLWithString(asset->fileIos());
     show3DContent(*asset, url && !path.empty());
     if (!url) return;

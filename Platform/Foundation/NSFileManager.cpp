@@ -119,10 +119,12 @@ bool NSFileManager::createDirectoryAtPath(std::string_view path, bool withInterm
                                           Ref<NSError>* error) const {
     auto name = pathOf(path);
     if (!name) return fail(error, EINVAL, Access::Write, path);
+    std::error_code ignored;
+    // Looked for first: one that is there is asked for again and again.
+    if (withIntermediateDirectories && fs::is_directory(*name, ignored)) return true;
     if (mkdir(name->c_str(), 0700) == 0) return true;
     int number = errno;
     if (!withIntermediateDirectories) return fail(error, number, Access::Write, path);
-    std::error_code ignored;
     if (number == EEXIST && fs::is_directory(*name, ignored)) return true;
     fs::path parent = fs::path(*name).parent_path();
     if (number != ENOENT || parent.empty()) return fail(error, number, Access::Write, path);

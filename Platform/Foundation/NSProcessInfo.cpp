@@ -11,9 +11,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-fs::path executable() {
+const fs::path& executable() {
     std::error_code error;
-    return fs::read_symlink("/proc/self/exe", error);
+    static const fs::path path = fs::read_symlink("/proc/self/exe", error);
+    return path;
 }
 
 std::string environment(const char* name) {

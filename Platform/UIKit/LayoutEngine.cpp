@@ -105,6 +105,12 @@ void LayoutEngine::giveSubtree(UIView& top, LayoutEngine& other) {
     });
 }
 
+bool LayoutEngine::speaksOf(const UIView& top) const {
+    // What is pending or left out has not made its views known.
+    if (!pending_.empty() || hasBroken_ || (top.layoutState_ && top.layoutState_->isRegistered)) return true;
+    return std::ranges::any_of(top.subviews_, [this](const Ref<UIView>& view) { return speaksOf(*view); });
+}
+
 /// Says `first - multiplier * second - constant` to the solver.
 void LayoutEngine::insert(NSLayoutConstraint& constraint) {
     UIView &first = *constraint.heldFirst_, *second = constraint.heldSecond_;

@@ -35,6 +35,8 @@ public:
     /// Hands over those of a part of this tree that leaves it.
     void giveSubtree(UIView& top, LayoutEngine& other);
     bool isEmpty() const { return constraints_.empty(); }
+    /// False only where no constraint names the view or one below it.
+    bool speaksOf(const UIView& top) const;
 
     bool needsSolving() const { return needsSolving_; }
     /// Brings the frames of all views of the tree up to date. Constraints that contradict others are left out until

@@ -154,13 +154,24 @@ InputResult TouchDispatcher::hovered(CGPoint point) {
     if (const auto held = tracks_.find(mousePointer); held != tracks_.end()) {
         return held->second ? InputResult::Consumed : InputResult::Ignored;
     }
-    std::vector<Weak<UIView>> views;
-    for (UIView* view = window_.hitTest(point); view && view != &window_; view = view->superview())
-        views.emplace_back(view);
-    const bool isOver = !views.empty();
-    hoverOver(std::move(views));
+    UIView* const hit = window_.hitTest(point);
+    if (!isHovered(hit)) {
+        std::vector<Weak<UIView>> views;
+        for (UIView* view = hit; view && view != &window_; view = view->superview()) views.emplace_back(view);
+        hoverOver(std::move(views));
+    }
+    const bool isOver = !hovered_.empty();
     if (hasMoved) tellMoved();
     return isOver ? InputResult::Consumed : InputResult::Ignored;
+}
+
+/// Whether the pointer was over this view and those around it already, as it is in most frames.
+bool TouchDispatcher::isHovered(const UIView* hit) const {
+    auto known = hovered_.begin();
+    for (const UIView* view = hit; view && view != &window_; view = view->superview(), ++known) {
+        if (known == hovered_.end() || known->get() != view) return false;
+    }
+    return known == hovered_.end();
 }
 
 void TouchDispatcher::left() {

@@ -40,6 +40,7 @@ private:
     bool isFollowed(const UIGestureRecognizer& recognizer) const;
     TrackRef begin(int pointer, CGPoint point, UIView& view);
     void end(Track& track, bool isCancelled, CGPoint point);
+    bool isHovered(const UIView* hit) const;
     void hoverOver(std::vector<Weak<UIView>> views);
     void tellMoved();
 

@@ -73,7 +73,7 @@ bool UIView::holdsItemsOf(const NSLayoutConstraint& constraint) const {
 /// their own.
 void UIView::dropConstraintsWithOutside() {
     LayoutEngine* engine = treeEngine();
-    if (!engine) return;
+    if (!engine || !engine->speaksOf(*this)) return;
     for (UIView* ancestor = superview_; ancestor; ancestor = ancestor->superview_) {
         for (std::size_t index = ancestor->constraints_.size(); index-- > 0;) {
             NSLayoutConstraint& constraint = *ancestor->constraints_[index];
