@@ -180,23 +180,27 @@ bool UIScrollView::scrollWheel(CGPoint, CGFloat dx, CGFloat dy) {
     // A plain wheel turns up and down only; it moves what can move.
     if (end.y <= 0) dx = dx != 0 ? dx : dy;
     const bool follows = moving_ == Moving::ByWheel;
+    const double shownAt = movedAt_;
     const CGPoint from = contentOffset();
     const CGPoint base = follows ? CGPoint{horizontal_.target(), vertical_.target()} : from;
     endMoving();
     horizontal_ = ScrollMotion::followed(from.x, std::clamp(base.x + dx, 0.0, end.x));
     vertical_ = ScrollMotion::followed(from.y, std::clamp(base.y + (end.y > 0 ? dy : 0), 0.0, end.y));
     start(Moving::ByWheel);
+    // What is shown stems from the last frame: a wheel that turns a little before every one would hold it still.
+    if (follows) motionStart_ = movedAt_ = shownAt;
     return true;
 }
 
 void UIScrollView::start(Moving kind) {
     moving_ = kind;
-    motionStart_ = Clock::current().uptime();
+    motionStart_ = movedAt_ = Clock::current().uptime();
     displayLink_ = std::make_unique<CADisplayLink>([this](double now) { advance(now); });
 }
 
 void UIScrollView::advance(double now) {
     const Ref<UIScrollView> self(this);
+    movedAt_ = now;
     const double time = now - motionStart_;
     const bool isOver = horizontal_.isAtRest(time) && vertical_.isAtRest(time);
     const CADisplayLink* link = displayLink_.get();

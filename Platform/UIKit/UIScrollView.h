@@ -83,7 +83,7 @@ private:
     /// Where finger and content were when the drag began; the content's place not yet shortened beyond the ends.
     CGPoint dragStart_, offsetAtDragStart_;
     ScrollMotion horizontal_, vertical_;
-    double motionStart_ = 0;
+    double motionStart_ = 0, movedAt_ = 0;
     std::unique_ptr<CADisplayLink> displayLink_;
     Moving moving_ = Moving::Not;
     bool scrollEnabled_ = true, alwaysBounceHorizontal_ = false, alwaysBounceVertical_ = false, dragging_ = false;

@@ -107,6 +107,18 @@ TEST_F(InputScrolling, FingerCatchesMovingContent) {
     EXPECT_EQ(recorder->events, (Events{"begin", "end, moving", "decelerating", "rest", "begin", "end"}));
 }
 
+TEST_F(InputScrolling, ContentKeepsUpWithAWheelThatTurnsBeforeEveryFrame) {
+    CGFloat before = 0;
+    for (int i = 0; i < 20; ++i) {
+        clock().advance(1.0 / 60);
+        host.scrolled({100, 50}, 0, 20);
+        host.update();
+        if (i > 0) EXPECT_GT(offset(), before);
+        before = offset();
+    }
+    EXPECT_GT(before, 200) << "half of the 400 points at least";
+}
+
 TEST_F(InputScrolling, WheelMovesSmoothlyAndStopsAtTheEnds) {
     EXPECT_EQ(host.scrolled({100, 50}, 0, 120), InputResult::Consumed);
     EXPECT_DOUBLE_EQ(offset(), 0);
