@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Benchmarks/Support/ThisProgram.h>
+
 #include <string>
 #include <vector>
 
@@ -17,8 +19,5 @@ public:
     /// Downloads models into files of a folder, so many of them at once.
     virtual void downloadModels(int count, int inFlight, const std::string& folder) = 0;
 };
-
-/// Ends the process with a message unless the condition holds: a figure from a run that failed would be a lie.
-void require(bool condition, const char* message);
 
 }  // namespace flarebox::benchmarks

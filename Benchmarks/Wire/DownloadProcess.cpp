@@ -1,10 +1,9 @@
-#include <Benchmarks/Wire/Client.h>
+#include <Benchmarks/Support/ThisProgram.h>
 #include <Benchmarks/Wire/DownloadProcess.h>
 
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
-#include <memory>
 #include <string_view>
 
 namespace flarebox::benchmarks {
@@ -13,21 +12,14 @@ namespace {
 
 constexpr std::string_view mark = "--download";
 
-struct ClosePipe {
-    void operator()(std::FILE* pipe) const { pclose(pipe); }
-};
-
 }  // namespace
 
 std::size_t DownloadProcess::peakOf(const Order& order) {
-    std::string command = "exec /proc/$PPID/exe";
-    command.append(" ").append(mark).append(" ").append(order.client).append(" ").append(order.baseURL);
-    command.append(" '").append(order.folder).append("' ");
-    command.append(std::to_string(order.count)).append(" ").append(std::to_string(order.inFlight));
-    const std::unique_ptr<std::FILE, ClosePipe> process(popen(command.c_str(), "re"));
-    std::size_t peak = 0;
-    require(process && std::fscanf(process.get(), "%zu", &peak) == 1, "the downloads in another process failed");
-    return peak;
+    std::string arguments(mark);
+    arguments.append(" ").append(order.client).append(" ").append(order.baseURL);
+    arguments.append(" '").append(order.folder).append("' ");
+    arguments.append(std::to_string(order.count)).append(" ").append(std::to_string(order.inFlight));
+    return std::stoull(outputOfThisProgram(arguments));
 }
 
 std::optional<DownloadProcess::Order> DownloadProcess::orderIn(int count, char** arguments) {

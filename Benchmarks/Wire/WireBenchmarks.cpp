@@ -1,7 +1,7 @@
+#include <Benchmarks/Support/LoopbackService.h>
 #include <Benchmarks/Wire/CurlClient.h>
 #include <Benchmarks/Wire/DownloadProcess.h>
 #include <Benchmarks/Wire/KitClient.h>
-#include <Benchmarks/Wire/LoopbackService.h>
 #include <Foundation/Clock.h>
 
 #include <benchmark/benchmark.h>
@@ -18,6 +18,7 @@ constexpr int eventsOneByOne = 1000;
 constexpr int eventsAtOnce = 5000;
 constexpr int eventsInFlight = 64;
 constexpr int models = 20;
+constexpr std::size_t modelLength = std::size_t{1} << 20;
 
 enum class Which { Libcurl, Flarebox, FlareboxAsleep };
 
@@ -143,7 +144,10 @@ int main(int argc, char** argv) {
     }
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
-    LoopbackService loopback;
+    const std::string event = httpAnswer("application/json", R"({"status":"ok"})");
+    const std::string model = httpAnswer("application/octet-stream", std::string(modelLength, 'm'));
+    LoopbackService loopback(
+        [&](std::string_view method, std::string_view) { return std::string_view(method == "GET" ? model : event); });
     service = &loopback;
     addAll();
     benchmark::RunSpecifiedBenchmarks();

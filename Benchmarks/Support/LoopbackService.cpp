@@ -1,4 +1,4 @@
-#include <Benchmarks/Wire/LoopbackService.h>
+#include <Benchmarks/Support/LoopbackService.h>
 
 #include <arpa/inet.h>
 #include <netinet/tcp.h>
@@ -8,22 +8,18 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstdio>
 #include <cstdlib>
+#include <utility>
 
 namespace flarebox::benchmarks {
 
 namespace {
 
-std::string answer(std::string_view type, std::string_view body) {
-    std::string text = "HTTP/1.1 200 OK\r\nContent-Type: ";
-    text.append(type).append("\r\nContent-Length: ").append(std::to_string(body.size())).append("\r\n\r\n");
-    return text.append(body);
-}
-
-/// The two clients measured here write the field in this way alone.
+/// The clients measured here write the field in this way alone.
 std::size_t announcedLength(std::string_view head) {
     constexpr std::string_view name = "\r\nContent-Length: ";
     const auto at = head.find(name);
@@ -58,11 +54,14 @@ cpu_set_t part(const cpu_set_t& all, bool last) {
 
 }  // namespace
 
-LoopbackService::LoopbackService()
-    : wakeUp_(eventfd(0, EFD_CLOEXEC)),
-      events_(epoll_create1(EPOLL_CLOEXEC)),
-      shortAnswer_(answer("application/json", R"({"status":"ok"})")),
-      modelAnswer_(answer("application/octet-stream", std::string(modelLength, 'm'))) {
+std::string httpAnswer(std::string_view type, std::string_view body) {
+    std::string text = "HTTP/1.1 200 OK\r\nContent-Type: ";
+    text.append(type).append("\r\nContent-Length: ").append(std::to_string(body.size())).append("\r\n\r\n");
+    return text.append(body);
+}
+
+LoopbackService::LoopbackService(Answers answers)
+    : wakeUp_(eventfd(0, EFD_CLOEXEC)), events_(epoll_create1(EPOLL_CLOEXEC)), answers_(std::move(answers)) {
     listen();
     watch(listener_, EPOLLIN, EPOLL_CTL_ADD);
     watch(wakeUp_, EPOLLIN, EPOLL_CTL_ADD);
@@ -146,7 +145,9 @@ bool LoopbackService::answerNext(Connection& connection) const {
     if (headEnd == received.npos) return false;
     const std::size_t length = headEnd + 4 + announcedLength(received.substr(0, headEnd + 2));
     if (received.size() < length) return false;
-    connection.unsent = received.starts_with("GET ") ? modelAnswer_ : shortAnswer_;
+    const auto method = received.substr(0, received.find(' '));
+    const auto rest = received.substr(std::min(method.size() + 1, headEnd));
+    connection.unsent = answers_(method, rest.substr(0, rest.find(' ')));
     connection.received.erase(0, length);
     return true;
 }
