@@ -73,8 +73,8 @@ void TransferLoop::start(Identifier identifier, TransferRequest request, Transpo
 }
 
 bool TransferLoop::leavesQuickly(const TransferRequest& request) const {
-    // A first connection takes name look-ups and handshakes, which are not for the caller's thread.
-    return request.body.length() <= quickBodyLength && queue_.hasAnswered(request.url);
+    // A new connection takes look-ups and handshakes, which are not for the caller's thread.
+    return request.body.length() <= quickBodyLength && queue_.hasIdleConnection(request.url);
 }
 
 void TransferLoop::watch(Identifier identifier, std::unique_ptr<Transport::Watch> watch) {

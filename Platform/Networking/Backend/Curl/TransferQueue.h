@@ -33,8 +33,8 @@ public:
     enum class End { Failed, Answered, AnsweredMultiplexed };
     /// `url` is the address of the request.
     void ended(std::string_view url, Lane lane, End end);
-    /// Whether the server of that address answered the transfer to it that ended last.
-    bool hasAnswered(std::string_view url) const;
+    /// Whether a transfer to that address finds a connection that is open and has nothing to do.
+    bool hasIdleConnection(std::string_view url) const;
     /// Takes a waiting transfer out, if there is one of that number.
     void remove(Transport::Identifier identifier);
 
@@ -47,9 +47,11 @@ private:
         bool isEmpty() const { return running == 0 && waiting.empty(); }
     };
     struct Server {
-        bool hasAnswered = false;
+        /// Connections that an answer has come over, as far as none has failed since.
+        int proven = 0;
         Line requests{Transport::connectionsPerHost}, downloads{Transport::downloadsPerHost};
 
+        int running() const { return requests.running + downloads.running; }
         Line& line(Lane lane) { return lane == Lane::Downloads ? downloads : requests; }
     };
     static std::optional<Entry> takeNext(Line& line);
