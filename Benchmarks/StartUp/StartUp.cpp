@@ -126,7 +126,9 @@ private:
         Wall::time_point next = Wall::now();
         for (int rest = framesAtRest; rest > 0;) {
             require(Wall::now() < deadline, "not everything has arrived in time");
-            std::this_thread::sleep_until(next += frameTime);
+            // A frame that came late shifts the others.
+            next = std::max(next + frameTime, Wall::now());
+            std::this_thread::sleep_until(next);
             hold("input", input);
             drawFrame();
             if (showsList() && figures_.count("list_shown_ms") == 0)

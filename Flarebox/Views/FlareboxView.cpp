@@ -7,6 +7,7 @@
 #include <Foundation/MainQueue.h>
 #include <Foundation/NSNotificationCenter.h>
 #include <SceneKit/SCNNode.h>
+#include <UIKit/FontOpening.h>
 #include <UIKit/UIActivityIndicatorView.h>
 #include <UIKit/UIApplication.h>
 #include <UIKit/UIButton.h>
@@ -104,6 +105,7 @@ FlareboxView::~FlareboxView() {
 }
 
 Ref<FlareboxView> FlareboxView::init() {
+    openFontsInBackground();
     // The classes that the layout files name have to be known before the files are read.
     FlareboxView::staticClass();
     AssetCollectionViewCell::staticClass();

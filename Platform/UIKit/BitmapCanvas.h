@@ -2,6 +2,7 @@
 
 #include <UIKit/Canvas.h>
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 
@@ -13,9 +14,10 @@ namespace flarebox {
 /// call. Main thread.
 std::unique_ptr<Canvas> makeBitmapCanvas(std::uint32_t* pixels, int width, int height, int stridePixels, CGFloat scale);
 
-/// Opens the fonts that the kit's texts need, a few at a time, so that the first text shown costs no more than any
-/// other: opening takes 10 to 20 milliseconds a font. Any thread; texts may be drawn meanwhile.
-void warmUpFonts();
+/// Opens the fonts of ordinary texts one after the other, until told to stop. Any thread; texts may be drawn meanwhile.
+void openUsualFonts(const std::atomic<bool>& stops);
+/// Whether a text has been measured or drawn, or fonts have been opened, in this process. Any thread.
+bool fontsAreInUse();
 
 /// How many texts have been broken into lines so far, which a text that is remembered is not: for measurements and
 /// tests. Main thread.

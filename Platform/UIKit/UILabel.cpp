@@ -1,5 +1,8 @@
 #include <UIKit/UILabel.h>
 
+#include <Foundation/NSNotificationCenter.h>
+#include <UIKit/FontOpening.h>
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -26,12 +29,15 @@ CGFloat startOf(NSTextAlignment alignment, CGFloat room) {
 }  // namespace
 
 const ClassInfo& UILabel::staticClass() {
-    static const ClassInfo info("UILabel", &UIView::staticClass(), createObject<UILabel>);
+    static const Action actions[] = {action<&UILabel::fontsDidOpen>("fontsDidOpen")};
+    static const ClassInfo info("UILabel", &UIView::staticClass(), createObject<UILabel>, {.actions = actions});
     return info;
 }
 
 UILabel::UILabel() {
     setUserInteractionEnabled(false);
+    if (fontsAreOpening())
+        NSNotificationCenter::defaultCenter().addObserver(*this, "fontsDidOpen", UIFontsDidOpenNotification);
 }
 UILabel::~UILabel() = default;
 
@@ -45,6 +51,11 @@ void UILabel::change(T& field, const T& value, bool sizeChanged) {
 void UILabel::contentChanged(bool sizeChanged) {
     if (sizeChanged) invalidateIntrinsicContentSize();
     setNeedsDisplay();
+}
+
+void UILabel::fontsDidOpen() {
+    NSNotificationCenter::defaultCenter().removeObserver(*this, UIFontsDidOpenNotification, nullptr);
+    contentChanged(true);
 }
 
 void UILabel::setText(const NSString& text) {

@@ -69,6 +69,7 @@ protected:
 private:
     template <class T>
     void change(T& field, const T& value, bool sizeChanged);
+    void fontsDidOpen();
     CGFloat iconWidth() const;
     TextStyle fittedStyle(TextStyle style, CGFloat width) const;
 

@@ -1,10 +1,15 @@
+#include <Tests/Support/Pump.h>
 #include <Tests/UIKit/Bitmap.h>
 
+#include <UIKit/FontOpening.h>
+#include <UIKit/UIHost.h>
 #include <UIKit/UIImage.h>
+#include <UIKit/UILabel.h>
 #include <UIKit/VectorIcon.h>
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <limits>
 #include <string>
 #include <thread>
@@ -216,12 +221,41 @@ TEST(Text, EmojiHaveTheirColors) {
 }
 
 TEST(Text, FontsMayBeOpenedOnAnotherThreadMeanwhile) {
-    std::thread other(warmUpFonts);
+    std::atomic<bool> stops = false;
+    std::thread other([&] { openUsualFonts(stops); });
     Bitmap bitmap(100, 40);
     for (int i = 0; i < 50; ++i)
         bitmap.canvas()->drawText("text " + std::to_string(i), styleOf(12), CGRectMake(0, 0, 100, 40));
     other.join();
     EXPECT_FALSE(bitmap.ink().isEmpty());
+}
+
+TEST(Text, LabelsFollowWhenTheirFontsAreOpen) {
+    if (fontsAreInUse()) GTEST_SKIP() << "another test has opened the fonts";
+    UIHost host({200, 100}, 1);
+    openFontsInBackground();
+    ASSERT_TRUE(fontsAreOpening());
+    const auto label = make<UILabel>();
+    label->setText("iiiiiiii");
+    Bitmap bitmap(200, 40);
+    label->drawRect(*bitmap.canvas(), CGRectMake(0, 0, 200, 40));
+    EXPECT_TRUE(bitmap.ink().isEmpty()) << "nobody waits for fonts";
+    const CGFloat estimated = label->intrinsicContentSize().width;
+    EXPECT_GT(estimated, 0);
+
+    ASSERT_TRUE(flarebox::testing::pumpUntil([] { return !fontsAreOpening(); }));
+    EXPECT_LT(label->intrinsicContentSize().width, estimated) << "narrow letters";
+    label->drawRect(*bitmap.canvas(), CGRectMake(0, 0, 200, 40));
+    EXPECT_FALSE(bitmap.ink().isEmpty());
+}
+
+TEST(Text, FontsBeingOpenedHoldUpNoShutdown) {
+    if (fontsAreInUse()) GTEST_SKIP() << "another test has opened the fonts";
+    {
+        UIHost host({200, 100}, 1);
+        openFontsInBackground();
+    }
+    EXPECT_FALSE(fontsAreOpening());
 }
 
 TEST(Font, NamesOfThePlatform) {

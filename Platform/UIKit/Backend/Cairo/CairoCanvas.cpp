@@ -1,5 +1,6 @@
 #include <UIKit/Backend/Pango/PangoText.h>
 #include <UIKit/BitmapCanvas.h>
+#include <UIKit/FontOpening.h>
 #include <UIKit/UIImage.h>
 
 #include <cairo.h>
@@ -131,6 +132,7 @@ public:
 
     void drawText(std::string_view text, const TextStyle& style, const CGRect& rect) override {
         cairo_new_path(cairo_);
+        if (fontsAreOpening()) return;
         text::draw(*cairo_, text, style, rect);
     }
 

@@ -3,11 +3,12 @@
 #include <Foundation/Immortal.h>
 #include <UIKit/Backend/Pango/TextLayouts.h>
 #include <UIKit/BitmapCanvas.h>
+#include <UIKit/FontOpening.h>
 
 #include <pango/pangocairo.h>
 
 #include <algorithm>
-#include <array>
+#include <atomic>
 #include <cmath>
 #include <mutex>
 
@@ -20,9 +21,23 @@ struct SharedLayouts {
     std::mutex mutex;
     TextLayouts layouts;
 };
+std::atomic<bool> isInUse = false;
+
 SharedLayouts& shared() {
     static detail::Immortal<SharedLayouts> instance;
+    isInUse.store(true, std::memory_order_relaxed);
     return *instance;
+}
+
+/// What a text of usual letters takes in the system font.
+CGSize estimatedSize(std::string_view text, const TextStyle& style, CGFloat width) {
+    constexpr CGFloat letterWidth = 0.55, lineHeight = 1.21;
+    const CGFloat size = style.font.pointSize();
+    const auto letters = std::ranges::count_if(text, [](char c) { return (c & 0xC0) != 0x80; });
+    const CGFloat natural = std::ceil(static_cast<CGFloat>(letters) * letterWidth * size);
+    CGFloat lines = width > 0 ? std::max(1.0, std::ceil(natural / width)) : 1;
+    if (style.numberOfLines > 0) lines = std::min<CGFloat>(lines, style.numberOfLines);
+    return {width > 0 ? std::min(natural, width) : natural, std::ceil(lines * lineHeight * size)};
 }
 
 /// As many lines as the style allows and the height has room for; at least one.
@@ -87,6 +102,7 @@ void draw(cairo_t& cairo, std::string_view text, const TextStyle& style, const C
 }  // namespace text
 
 CGSize measureText(std::string_view text, const TextStyle& style, CGFloat width) {
+    if (fontsAreOpening()) return text::estimatedSize(text, style, width);
     const std::lock_guard lock(text::shared().mutex);
     text::TextLayouts& layouts = text::shared().layouts;
     if (text.empty()) return {0, std::ceil(layouts.lineMetrics(style.font).height)};
@@ -101,26 +117,21 @@ std::uint64_t laidOutTextCount() {
     return text::shared().layouts.builtCount();
 }
 
-void warmUpFonts() {
-    // Each text needs another font file: the weights of the system font, then those that stand in for other scripts.
-    struct Sample {
-        const char* text;
-        UIFontWeight weight;
-    };
-    constexpr std::array samples = {
-        Sample{"Ag…", UIFontWeight::Regular},  Sample{"Ag…", UIFontWeight::Medium},
-        Sample{"Ag…", UIFontWeight::Semibold}, Sample{"Ag…", UIFontWeight::Bold},
-        Sample{"あ漢", UIFontWeight::Regular}, Sample{"가", UIFontWeight::Regular},
-        Sample{"ע", UIFontWeight::Regular},    Sample{"ع", UIFontWeight::Regular},
-        Sample{"😀", UIFontWeight::Regular},
-    };
+void openUsualFonts(const std::atomic<bool>& stops) {
     cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, 64, 32);
     cairo_t* cairo = cairo_create(surface);
-    for (const Sample& sample : samples)
-        text::draw(*cairo, sample.text, {.font = UIFont::systemFontOfSize(16, sample.weight)},
-                   CGRectMake(0, 0, 64, 32));
+    using enum UIFontWeight;
+    // Each weight is a file of its own.
+    for (const UIFontWeight weight : {Regular, Semibold, Medium, Bold}) {
+        if (stops) break;
+        text::draw(*cairo, "Ag…", {.font = UIFont::systemFontOfSize(16, weight)}, CGRectMake(0, 0, 64, 32));
+    }
     cairo_destroy(cairo);
     cairo_surface_destroy(surface);
+}
+
+bool fontsAreInUse() {
+    return text::isInUse.load(std::memory_order_relaxed);
 }
 
 }  // namespace flarebox

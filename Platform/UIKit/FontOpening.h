@@ -1,0 +1,16 @@
+#pragma once
+
+namespace flarebox {
+
+/// Posted on the main thread once fonts that were opened in the background are open.
+inline constexpr const char* UIFontsDidOpenNotification = "UIFontsDidOpenNotification";
+
+/// Opens the fonts of ordinary texts on a thread of its own: the first of them takes some ten milliseconds, for which
+/// a game's frame has no room. Until it is done, texts take room by estimate and are not drawn; labels made meanwhile
+/// follow by themselves. To be called before the first text is asked for: fonts that are in use stay in use. Shutdown
+/// ends the thread. Main thread.
+void openFontsInBackground();
+/// Whether texts are still measured by estimate. Main thread.
+bool fontsAreOpening();
+
+}  // namespace flarebox
