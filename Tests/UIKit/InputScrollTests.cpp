@@ -113,7 +113,9 @@ TEST_F(InputScrolling, ContentKeepsUpWithAWheelThatTurnsBeforeEveryFrame) {
         clock().advance(1.0 / 60);
         host.scrolled({100, 50}, 0, 20);
         host.update();
-        if (i > 0) EXPECT_GT(offset(), before);
+        if (i > 0) {
+            EXPECT_GT(offset(), before);
+        }
         before = offset();
     }
     EXPECT_GT(before, 200) << "half of the 400 points at least";
