@@ -63,7 +63,8 @@ void release(const NSObject* object) noexcept {
 WeakBox* weakBox(const NSObject* object) {
     WeakBox* box = object->weakBox_.load(std::memory_order_acquire);
     if (!box) {
-        auto* fresh = new WeakBox(const_cast<NSObject*>(object));
+        const bool isDying = object->references_.load(std::memory_order_relaxed) == 0;
+        auto* fresh = new WeakBox(isDying ? nullptr : const_cast<NSObject*>(object));
         if (object->weakBox_.compare_exchange_strong(box, fresh, std::memory_order_acq_rel))
             box = fresh;
         else
