@@ -36,8 +36,10 @@ std::string addressOf(const char* kind, std::size_t number) {
     return std::string("http://pictures.example/") + kind + "-" + std::to_string(number) + ".png";
 }
 
-/// Each asset has a title and a description of its own, and one of the pictures at hand.
+/// Each asset has a title and a description of its own, which no list before it had, and one of the pictures at hand.
 std::string listOf(std::size_t count) {
+    static int edition = 0;
+    const std::string ending = ", edition " + std::to_string(++edition);
     std::string json = "[";
     for (std::size_t index = 0; index < count; ++index) {
         const std::string number = std::to_string(index + 1);
@@ -45,7 +47,7 @@ std::string listOf(std::size_t count) {
         json += R"({"id": )" + number + R"(, "uid": "asset-)" + number +
                 R"(", "advertiser_uid": "a", "campaign_uid": "c", "title": ")" + titles[index % std::size(titles)] +
                 (" " + number) + R"(", "description": ")" + descriptions[index % std::size(descriptions)] +
-                (" No. " + number) + R"(", "file_icon": ")" + addressOf("icon", index % icons) +
+                (" No. " + number + ending) + R"(", "file_icon": ")" + addressOf("icon", index % icons) +
                 R"(", "file_image": ")" + addressOf("picture", index % pictures) +
                 R"(", "video_mobile": "https://videos.example/)" + number +
                 R"(.mp4", "where_to_buy": "https://shop.example/)" + number + R"("})";

@@ -119,10 +119,15 @@ private:
     }
 
     void showPixels(UIView& view, const CGRect& rect, const Surroundings& around) {
-        if (rect.intersection(reach(around)).isEmpty()) return;
+        // What could draw itself as well is a still picture, and is made ahead like a drawing; a scene or a video is
+        // not asked for what nobody sees.
+        const bool isStill = view.drawsContent(), isInSight = !rect.intersection(around.clip).isEmpty();
+        if (rect.intersection(isStill ? around.nearby : reach(around)).isEmpty()) return;
         if (view.layer_.cornerRadii() == CornerRadii()) showBackground(view, rect, around);
-        if (view.needsDisplay_ || !hasTexture(view) || !(view.renderState_->drawnSize == view.frame_.size))
+        if (view.needsDisplay_ || !hasTexture(view) || !(view.renderState_->drawnSize == view.frame_.size)) {
+            if (isStill && !isInSight && !mayDrawAhead(rect.size)) return;
             uploadPixels(view, rect);
+        }
         const State& state = *view.renderState_;
         if (!state.texture) return;
         const CGRect place =
@@ -194,7 +199,7 @@ private:
         const bool isInSight = !outer.intersection(around.clip).isEmpty();
         if (!isInSight && outer.intersection(around.nearby).isEmpty()) return;
         if (!isAsDrawn && !isUpToDate(view, plan)) {
-            if (!isInSight && !mayDrawAhead(plan)) return;
+            if (!isInSight && !mayDrawAhead({CGFloat(plan.width), CGFloat(plan.height)})) return;
             draw(view, plan);
         }
         view.renderState_->plan = plan;
@@ -223,10 +228,10 @@ private:
         return isSameSize && state->width == plan.width && state->height == plan.height;
     }
 
-    bool mayDrawAhead(const detail::BitmapPlan& plan) {
+    bool mayDrawAhead(CGSize pixels) {
         const bool may = drawnAhead_ < upcomingPixelsPerFrame;
         if (may)
-            drawnAhead_ += std::int64_t{plan.width} * plan.height;
+            drawnAhead_ += static_cast<std::int64_t>(pixels.width * pixels.height);
         else
             renderer_.hasUpcoming_ = true;
         return may;

@@ -1,4 +1,5 @@
 #include <UIKit/UIImageView.h>
+#include <UIKit/UIScreen.h>
 
 #include <algorithm>
 #include <cmath>
@@ -70,6 +71,18 @@ const UIImage& UIImageView::imageForPixels(CGSize pixels) {
     if (!drawnImage_ || drawnImage_->pixelWidth() != width || drawnImage_->pixelHeight() != height)
         drawnImage_ = image_->resampledTo(width, height);
     return *drawnImage_;
+}
+
+bool UIImageView::showsPixelBuffer() const {
+    const bool isBare = layer().borderWidth() <= 0 && layer().shadow().color.isClear() && backgroundColor().isClear();
+    return image_ && isBare && !(borderGap_ > 0);
+}
+
+UIView::PixelBuffer UIImageView::pixelBuffer() {
+    const CGSize place = placedByContentMode(image_->size(), bounds(), contentMode()).size;
+    const CGFloat scale = UIScreen::mainScreen().scale();
+    const UIImage& shown = imageForPixels({place.width * scale, place.height * scale});
+    return {shown.pixelWidth(), shown.pixelHeight(), shown.pixelWidth(), shown.pixels().data()};
 }
 
 void UIImageView::drawRect(Canvas& canvas, const CGRect&) {

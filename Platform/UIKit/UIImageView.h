@@ -42,6 +42,9 @@ public:
     CGSize intrinsicContentSize() const override;
     void drawRect(Canvas& canvas, const CGRect& bounds) override;
     bool drawsContent() const override { return image_ || icon_; }
+    /// A picture with nothing around it goes to the compositor as it is, without being drawn first.
+    bool showsPixelBuffer() const override;
+    PixelBuffer pixelBuffer() override;
 
 private:
     CGRect contentRect() const;
