@@ -117,7 +117,7 @@ private:
 
     void drawFrame() {
         hold("update", [&] { host_->update(); });
-        if (host_->needsDisplay()) hold("draw", [&] { host_->draw(compositor_); });
+        hold("draw", [&] { host_->draw(compositor_); });
     }
 
     template <class Condition, class Input>

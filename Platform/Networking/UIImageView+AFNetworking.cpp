@@ -1,9 +1,13 @@
 #include <Networking/UIImageView+AFNetworking.h>
 
+#include <Foundation/MainQueue.h>
+#include <Foundation/TurnMeter.h>
+#include <Networking/WorkerThread.h>
 #include <UIKit/UIScreen.h>
 
 #include <algorithm>
 #include <cmath>
+#include <memory>
 #include <utility>
 
 namespace flarebox {
@@ -33,6 +37,27 @@ int pixelSideOf(const UIImageView& view) {
     return std::max(1, static_cast<int>(steps)) * step;
 }
 
+/// Has the copy in which the view is going to draw a picture that has just arrived made off the main thread first.
+AFImageDownloader::Success preparedFor(UIImageView& view, AFImageDownloader::Success success) {
+    return [weakView = Weak<UIImageView>(&view), success = std::move(success)](auto& request, auto& response,
+                                                                               auto& image) {
+        const auto shown = weakView.lock();
+        if (!response || !shown || shown->bounds().isEmpty()) return success(request, response, image);
+        // What is called back, and what it holds, is touched and released on the main thread alone.
+        WorkerThread::shared()->async(
+            [success = AFImageDownloader::Success(success), request = Ref<NSURLRequest>(request),
+             response = Ref<NSHTTPURLResponse>(response), image = Ref<UIImage>(image), pixels = shown->pixelsOf(*image),
+             activity = std::make_shared<MainQueue::Activity>()]() mutable {
+                image->prepareResampled(pixels.width, pixels.height);
+                dispatch_async_main([success = std::move(success), request = std::move(request),
+                                     response = std::move(response), image = std::move(image)] {
+                    TurnMeter::Part part("answers");
+                    success(request, response, image);
+                });
+            });
+    };
+}
+
 }  // namespace
 
 void setImageWithURLRequest(UIImageView& view, const Ref<NSURLRequest>& request, const Ref<UIImage>& placeholder,
@@ -44,8 +69,8 @@ void setImageWithURLRequest(UIImageView& view, const Ref<NSURLRequest>& request,
             showIfStillWanted(weakView, loaded, image);
         };
     }
-    AFImageDownloader::defaultInstance().downloadImageForURLRequest(request, pixelSideOf(view), std::move(success),
-                                                                    std::move(failure));
+    AFImageDownloader::defaultInstance().downloadImageForURLRequest(
+        request, pixelSideOf(view), preparedFor(view, std::move(success)), std::move(failure));
 }
 
 }  // namespace flarebox

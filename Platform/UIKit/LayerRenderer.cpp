@@ -317,7 +317,11 @@ void LayerRenderer::draw(Compositor& compositor, CGFloat scale) {
     scale_ = scale;
     const bool haveMoved = std::exchange(textures_->carriers().haveMoved, false);
     const bool isOutdated = needsList() || textures_->round() != round || (!haveMoved && !list_->isExact());
-    if (isOutdated || (haveMoved && !list_->place())) makeList();
+    if (isOutdated || (haveMoved && !list_->place()))
+        makeList();
+    else if (!haveMoved && pixels_.capacity() > 0)
+        // At rest; a bitmap may have taken megabytes.
+        pixels_ = {};
     compositor.beginFrame();
     for (const TexturedQuad& quad : list_->quads()) compositor.drawQuad(quad);
     compositor.endFrame();

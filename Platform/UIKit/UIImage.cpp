@@ -35,15 +35,44 @@ Ref<UIImage> UIImage::downscaledTo(CGSize maximumPixelSize) const {
     return resampledTo(side(width_), side(height_));
 }
 
-Ref<UIImage> UIImage::resampledTo(int pixelWidth, int pixelHeight) const {
+bool UIImage::canBecome(int pixelWidth, int pixelHeight) const {
     const bool isSmaller = pixelWidth < width_ || pixelHeight < height_;
-    if (!isSmaller || pixelWidth < 1 || pixelHeight < 1 || pixelWidth > width_ || pixelHeight > height_)
-        return Ref<UIImage>(const_cast<UIImage*>(this));
+    return isSmaller && pixelWidth >= 1 && pixelHeight >= 1 && pixelWidth <= width_ && pixelHeight <= height_;
+}
+
+Ref<UIImage> UIImage::averagedTo(int pixelWidth, int pixelHeight) const {
     AreaAverager averager(width_, height_, pixelWidth, pixelHeight);
     const auto stride = static_cast<std::size_t>(width_);
     for (std::size_t y = 0; y < static_cast<std::size_t>(height_); ++y)
         averager.addRow(std::span(pixels_).subspan(y * stride, stride));
     return make<UIImage>(pixelWidth, pixelHeight, averager.takePixels(), scale_, true);
+}
+
+Ref<UIImage> UIImage::resampledTo(int pixelWidth, int pixelHeight) const {
+    if (!canBecome(pixelWidth, pixelHeight)) return Ref<UIImage>(const_cast<UIImage*>(this));
+    if (Ref<UIImage> prepared = takePrepared(pixelWidth, pixelHeight)) return prepared;
+    return averagedTo(pixelWidth, pixelHeight);
+}
+
+void UIImage::prepareResampled(int pixelWidth, int pixelHeight) const {
+    if (!canBecome(pixelWidth, pixelHeight)) return;
+    Ref<UIImage> made = averagedTo(pixelWidth, pixelHeight);
+    const std::lock_guard lock(preparedMutex_);
+    std::swap(prepared_, made);
+}
+
+Ref<UIImage> UIImage::takePrepared(int pixelWidth, int pixelHeight) const {
+    const std::lock_guard lock(preparedMutex_);
+    return hasPrepared(pixelWidth, pixelHeight) ? std::exchange(prepared_, nullptr) : nullptr;
+}
+
+bool UIImage::isPreparedFor(int pixelWidth, int pixelHeight) const {
+    const std::lock_guard lock(preparedMutex_);
+    return hasPrepared(pixelWidth, pixelHeight);
+}
+
+bool UIImage::hasPrepared(int pixelWidth, int pixelHeight) const {
+    return prepared_ && prepared_->width_ == pixelWidth && prepared_->height_ == pixelHeight;
 }
 
 std::string UIImage::description() const {

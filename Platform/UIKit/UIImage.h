@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <mutex>
 #include <span>
 #include <vector>
 
@@ -31,6 +32,10 @@ public:
     /// Null when the sizes are not positive or do not match the number of pixels.
     static Ref<UIImage> imageWithPixels(int width, int height, std::vector<std::uint32_t> pixels, CGFloat scale = 1);
 
+    struct PixelSize {
+        int width = 0, height = 0;
+        friend bool operator==(const PixelSize&, const PixelSize&) = default;
+    };
     int pixelWidth() const { return width_; }
     int pixelHeight() const { return height_; }
     /// Rows from the top, without gaps.
@@ -50,6 +55,11 @@ public:
     /// The picture averaged to exactly that many pixels, which must be at least 1 and at most its own size; itself
     /// otherwise.
     Ref<UIImage> resampledTo(int pixelWidth, int pixelHeight) const;
+    /// Makes the copy that `resampledTo` of that size answers the next time, so that the main thread need not. Another
+    /// one that was made before and not asked for is dropped. Any thread.
+    void prepareResampled(int pixelWidth, int pixelHeight) const;
+    /// Whether such a copy waits to be asked for. Any thread.
+    bool isPreparedFor(int pixelWidth, int pixelHeight) const;
 
     std::string description() const override;
 
@@ -57,10 +67,18 @@ public:
     UIImage(int width, int height, std::vector<std::uint32_t> pixels, CGFloat scale, bool isReduced);
 
 private:
+    bool canBecome(int pixelWidth, int pixelHeight) const;
+    Ref<UIImage> averagedTo(int pixelWidth, int pixelHeight) const;
+    Ref<UIImage> takePrepared(int pixelWidth, int pixelHeight) const;
+    /// Under the lock.
+    bool hasPrepared(int pixelWidth, int pixelHeight) const;
+
     int width_, height_;
     std::vector<std::uint32_t> pixels_;
     CGFloat scale_;
     bool isReduced_;
+    mutable std::mutex preparedMutex_;
+    mutable Ref<UIImage> prepared_;
 };
 
 }  // namespace flarebox

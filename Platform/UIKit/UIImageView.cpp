@@ -1,6 +1,8 @@
 #include <UIKit/UIImageView.h>
 #include <UIKit/UIScreen.h>
 
+#include <UIKit/UIScreen.h>
+
 #include <algorithm>
 #include <cmath>
 
@@ -8,6 +10,15 @@ namespace flarebox {
 namespace {
 
 constexpr double fadeDuration = 0.15;
+/// Bytes up to which the copy that was drawn is kept for the next time. Large ones are drawn again too rarely.
+constexpr std::size_t keptCopyLength = std::size_t{1} << 20;
+
+/// Whole pixels, and no more than the picture has.
+UIImage::PixelSize pixelsWithin(const UIImage& image, CGSize pixels) {
+    const auto side = [](CGFloat length, int own) { return std::clamp(static_cast<int>(std::lround(length)), 1, own); };
+    return {side(std::min(pixels.width, 1e6), image.pixelWidth()),
+            side(std::min(pixels.height, 1e6), image.pixelHeight())};
+}
 
 }  // namespace
 
@@ -64,12 +75,20 @@ CGRect UIImageView::contentRect() const {
     return bounds().inset(inset, inset);
 }
 
+CGRect UIImageView::placeOf(const UIImage& image) const {
+    return placedByContentMode(image.size(), contentRect(), contentMode());
+}
+
+UIImage::PixelSize UIImageView::pixelsOf(const UIImage& image) const {
+    const CGFloat scale = UIScreen::mainScreen().scale();
+    const CGRect place = placeOf(image);
+    return pixelsWithin(image, {place.width() * scale, place.height() * scale});
+}
+
 const UIImage& UIImageView::imageForPixels(CGSize pixels) {
-    const auto side = [](CGFloat length, int own) { return std::clamp(static_cast<int>(std::lround(length)), 1, own); };
-    const int width = side(std::min(pixels.width, 1e6), image_->pixelWidth());
-    const int height = side(std::min(pixels.height, 1e6), image_->pixelHeight());
-    if (!drawnImage_ || drawnImage_->pixelWidth() != width || drawnImage_->pixelHeight() != height)
-        drawnImage_ = image_->resampledTo(width, height);
+    const UIImage::PixelSize wanted = pixelsWithin(*image_, pixels);
+    if (!drawnImage_ || drawnImage_->pixelWidth() != wanted.width || drawnImage_->pixelHeight() != wanted.height)
+        drawnImage_ = image_->resampledTo(wanted.width, wanted.height);
     return *drawnImage_;
 }
 
@@ -93,7 +112,7 @@ void UIImageView::drawRect(Canvas& canvas, const CGRect&) {
         if (icon_) icon_->draw(canvas, area.inset(margin, margin), tintColor());
         return;
     }
-    const CGRect place = placedByContentMode(image_->size(), area, contentMode());
+    const CGRect place = placeOf(*image_);
     const CGFloat inset = area.minX() - bounds().minX();
     const auto radius = [inset](CGFloat own) { return std::max(0.0, own - inset); };
     const CornerRadii& own = layer().cornerRadii();
@@ -104,6 +123,7 @@ void UIImageView::drawRect(Canvas& canvas, const CGRect&) {
             area, {radius(own.topLeft), radius(own.topRight), radius(own.bottomRight), radius(own.bottomLeft)});
     canvas.drawImage(imageForPixels({place.width() * canvas.scale(), place.height() * canvas.scale()}), place);
     canvas.restore();
+    if (drawnImage_ != image_ && drawnImage_->byteCost() > keptCopyLength) drawnImage_ = nullptr;
 }
 
 }  // namespace flarebox

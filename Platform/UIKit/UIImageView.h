@@ -38,6 +38,9 @@ public:
     const Ref<NSObject>& imageTask() const { return imageTask_; }
     void setImageTask(Ref<NSObject> task) { imageTask_ = std::move(task); }
 
+    /// In how many pixels, width and height, the view as it is now would draw that picture on the screen.
+    UIImage::PixelSize pixelsOf(const UIImage& image) const;
+
     /// The picture's size in points; none without a picture.
     CGSize intrinsicContentSize() const override;
     void drawRect(Canvas& canvas, const CGRect& bounds) override;
@@ -48,10 +51,12 @@ public:
 
 private:
     CGRect contentRect() const;
+    CGRect placeOf(const UIImage& image) const;
     const UIImage& imageForPixels(CGSize pixels);
 
     Ref<UIImage> image_;
-    /// The picture at the size in which it was last drawn; the picture itself where that is its own size.
+    /// The picture at the size in which it was last drawn; the picture itself where that is its own size. Null where it
+    /// is not worth its memory.
     Ref<UIImage> drawnImage_;
     const VectorIcon* icon_ = nullptr;
     Ref<NSObject> imageTask_;

@@ -87,6 +87,22 @@ protected:
 
 }  // namespace
 
+TEST_F(ImageLoadingTest, TheCopyThatIsDrawnIsMadeOffTheMainThread) {
+    view_->setFrame(CGRectMake(0, 0, 1, 1));
+    bool prepared = false;
+    setImageWithURLRequest(
+        *view_, get(server_.url("/p")), nullptr,
+        [&](auto&, auto&, auto& image) {
+            EXPECT_TRUE(isMainThread());
+            const auto pixels = view_->pixelsOf(*image);
+            EXPECT_EQ(pixels, (UIImage::PixelSize{1, 1}));
+            prepared = image->isPreparedFor(pixels.width, pixels.height);
+        },
+        nullptr);
+    EXPECT_TRUE(pumpUntilIdle());
+    EXPECT_TRUE(prepared);
+}
+
 TEST_F(ImageLoadingTest, OneTransferServesEverybodyWhoAsks) {
     held_ = true;
     start("a", server_.url("/p"));

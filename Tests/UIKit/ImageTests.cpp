@@ -180,6 +180,21 @@ TEST(Image, GetsSmallerByAveraging) {
     for (const std::uint32_t pixel : plain->pixels()) expectColor(pixel, 0xFF3264C8, 1);
 }
 
+TEST(Image, ACopyMadeOnAnotherThreadIsHandedOutOnce) {
+    const auto image = UIImage::imageWithPixels(7, 5, std::vector<std::uint32_t>(35, 0xFF3264C8));
+    std::thread([&] { image->prepareResampled(3, 2); }).join();
+    EXPECT_TRUE(image->isPreparedFor(3, 2));
+    EXPECT_EQ(image->resampledTo(4, 2)->pixelWidth(), 4) << "another size is made at once";
+    EXPECT_TRUE(image->isPreparedFor(3, 2));
+    EXPECT_EQ(image->resampledTo(3, 2)->pixels().size(), 6U);
+    EXPECT_FALSE(image->isPreparedFor(3, 2)) << "memory for two copies would be wasted";
+    EXPECT_EQ(image->resampledTo(3, 2)->pixels().size(), 6U);
+    for (const auto& [width, height] : {std::pair(0, 2), std::pair(7, 5), std::pair(8, 2)}) {
+        image->prepareResampled(width, height);
+        EXPECT_FALSE(image->isPreparedFor(width, height)) << width << "x" << height;
+    }
+}
+
 TEST(Image, KeepsItsProportions) {
     struct Case {
         int width, height;
