@@ -15,22 +15,26 @@ using detail::DocumentStorage;
 using detail::TapeWord;
 using detail::ValueAccess;
 
-double secondsAt(const DocumentStorage& document, std::uint32_t index) {
-    const std::uint64_t bits = document.numberBits(index);
-    switch (document.word(index).sort()) {
-        case 'l':
-            return static_cast<double>(static_cast<std::int64_t>(bits));
-        case 'u':
-            return static_cast<double>(bits);
-        default:
-            return std::bit_cast<double>(bits);
-    }
+using NumberKind = ValueAccess::NumberKind;
+
+double secondsOf(NumberKind kind, std::uint64_t bits) {
+    if (kind == NumberKind::Signed) return static_cast<double>(static_cast<std::int64_t>(bits));
+    return kind == NumberKind::Unsigned ? static_cast<double>(bits) : std::bit_cast<double>(bits);
 }
 
 /// Writes the element at `index` into the field of a property that takes it as it is; false when it does not. A number
 /// is as good as a date.
 bool take(const PropertyPlan& property, Value& field, const DocumentStorage& document, std::uint32_t index) {
     const auto takes = [&](Value::Kind kind) { return property.fittingKind == kind || property.takesAnything; };
+    const auto takeNumber = [&](NumberKind kind) {
+        if (takes(Value::Kind::Number))
+            ValueAccess::setNumber(field, kind, document.numberBits(index));
+        else if (property.fittingKind == Value::Kind::Date)
+            ValueAccess::setDate(field, secondsOf(kind, document.numberBits(index)));
+        else
+            return false;
+        return true;
+    };
     const TapeWord word = document.word(index);
     switch (word.sort()) {
         case '"':
@@ -38,15 +42,11 @@ bool take(const PropertyPlan& property, Value& field, const DocumentStorage& doc
             ValueAccess::borrow(field, Value::Kind::String, document, word.textPlace());
             return true;
         case 'l':
+            return takeNumber(NumberKind::Signed);
         case 'u':
+            return takeNumber(NumberKind::Unsigned);
         case 'd':
-            if (takes(Value::Kind::Number))
-                document.borrow(field, index);
-            else if (property.fittingKind == Value::Kind::Date)
-                ValueAccess::setDate(field, secondsAt(document, index));
-            else
-                return false;
-            return true;
+            return takeNumber(NumberKind::Floating);
         case 'n':
             ValueAccess::setEmpty(field, Value::Kind::Absent);
             return true;
@@ -101,7 +101,7 @@ bool MotisObject::fillInOrder(const MotisPlan& plan, const DocumentStorage& docu
     if (!plan.sequences().find(document, index, matches)) return false;
     if (!document_) {
         Value root;
-        document.borrow(root, index);
+        ValueAccess::borrow(root, Value::Kind::Dictionary, document, index);
         document_ = static_cast<const Value&>(root);
     }
     Ref<NSObject> self;
@@ -141,9 +141,9 @@ bool MotisObject::takeModels(const PropertyPlan& property, const DocumentStorage
     std::vector<Value> elements(document.elementCount(index));
     std::uint32_t at = index + 1;
     for (Value& element : elements) {
-        document.borrow(element, at);
-        if (element.isNull()) element = nullptr;
-        if (element && element.kind() != Value::Kind::Dictionary) return false;
+        const char elementSort = document.word(at).sort();
+        if (elementSort != '{' && elementSort != 'n') return false;
+        if (elementSort == '{') ValueAccess::borrow(element, Value::Kind::Dictionary, document, at);
         at = document.after(at);
     }
     // From the end, as hooks expect it.
@@ -163,9 +163,11 @@ void MotisObject::setEntryFromDocument(const MotisPlan& plan, const KeyPlan* key
 
     bool isSetDirectly = false;
     if (key && key->paths) {
+        auto known = key->pathKeys.begin();
         for (const MTSKeyPath& path : *key->paths) {
             if (path.isPlain()) isSetDirectly = true;
-            setPathFromDocument(plan, path, document, index + 1);
+            const KeyPlan* pathKey = known != key->pathKeys.end() ? *known++ : plan.key(path.key());
+            setPathFromDocument(pathKey, path, document, index + 1);
         }
     }
     if (isSetDirectly || !(plan.heedsUnknownKeys() || (key && key->property))) return;
@@ -174,10 +176,9 @@ void MotisObject::setEntryFromDocument(const MotisPlan& plan, const KeyPlan* key
     mts_setValue(value, name);
 }
 
-void MotisObject::setPathFromDocument(const MotisPlan& plan, const MTSKeyPath& path, const DocumentStorage& document,
+void MotisObject::setPathFromDocument(const KeyPlan* key, const MTSKeyPath& path, const DocumentStorage& document,
                                       std::uint32_t start) {
     const Destination found = destination(path, document, start);
-    const KeyPlan* key = plan.key(path.key());
     if (found.needsValues) {
         Value value;
         document.borrow(value, start);

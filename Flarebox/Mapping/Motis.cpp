@@ -198,14 +198,14 @@ NSDictionary MotisObject::mts_dictionaryWithMappedValues() const {
     const MotisPlan& plan = classInfo().plan();
     std::vector<NSDictionary::Entry> entries(plan.writtenKeys().size());
     auto entry = entries.begin();
-    for (const auto& [key, property] : plan.writtenKeys()) {
+    for (const auto& [key, field] : plan.writtenKeys()) {
         auto& [name, value] = *entry++;
         detail::ValueAccess::borrowLike(name, key);
-        if (property && property->readableField)
-            detail::ValueAccess::borrowLike(value, this->*property->readableField);
+        if (field)
+            detail::ValueAccess::borrowLike(value, this->*field);
         else if (key.kind() == Value::Kind::String)
             value = mts_valueForKey(detail::ValueAccess::text(key));
-        if (!value) value = Value::null();
+        if (!value) detail::ValueAccess::setEmpty(value, Value::Kind::Null);
     }
     return detail::ValueAccess::dictionaryOver(std::move(entries), document_, plan.readyKeys());
 }

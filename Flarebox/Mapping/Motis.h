@@ -101,7 +101,7 @@ private:
                          std::uint32_t index);
     void setEntryFromDocument(const MotisPlan& plan, const KeyPlan* key, const detail::DocumentStorage& document,
                               std::uint32_t index);
-    void setPathFromDocument(const MotisPlan& plan, const MTSKeyPath& path, const detail::DocumentStorage& document,
+    void setPathFromDocument(const KeyPlan* key, const MTSKeyPath& path, const detail::DocumentStorage& document,
                              std::uint32_t start);
     void setEntry(const KeyPlan* known, std::string_view key, const Value& value);
     void setPaths(const KeyPlan* known, std::string_view key, const Value& value);

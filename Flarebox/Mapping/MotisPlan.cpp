@@ -72,7 +72,12 @@ MotisPlan::MotisPlan(const MotisClass& cls)
         if (key.kind() == Value::Kind::String && name.kind() == Value::Kind::String)
             planKey(ValueAccess::text(key)).property = &planProperty(ValueAccess::text(name), nullptr);
     }
-    for (const MTSKeyPathList* list : paths.lists()) planKey(list->firstComponent()).paths = list;
+    for (const MTSKeyPathList* list : paths.lists()) {
+        KeyPlan& plan = planKey(list->firstComponent());
+        plan.paths = list;
+        if (list->isSinglePlainKey()) continue;
+        for (const MTSKeyPath& path : *list) plan.pathKeys.push_back(key(path.key()));
+    }
     planWrittenKeys();
 }
 
@@ -94,7 +99,7 @@ void MotisPlan::planWrittenKeys() {
     for (const auto& [name, property] : mapping.entries()) {
         const KeyPlan* known = name.kind() == Value::Kind::String ? key(ValueAccess::text(name)) : nullptr;
         const Value written = known ? NSString::stringWithConstant(known->key) : name;
-        writtenKeys_.push_back({written, known ? known->property : nullptr});
+        writtenKeys_.push_back({written, known && known->property ? known->property->readableField : nullptr});
     }
     readyKeys_ = detail::JSONKeys(mapping);
 }

@@ -55,6 +55,9 @@ struct KeyPlan {
     const PropertyPlan* property = nullptr;
     /// The key paths that start with the key; null when there are none.
     const MTSKeyPathList* paths = nullptr;
+    /// What the paths lead to, each as a key of its own, unless the key is the only one; null for one that is unknown.
+    /// Subclasses that are used later may append paths that are not among these.
+    std::vector<const KeyPlan*> pathKeys = {};
 
     bool isPlain() const { return property && paths && paths->isSinglePlainKey(); }
 };
@@ -62,8 +65,8 @@ struct KeyPlan {
 /// One entry of the JSON object that an object is written as.
 struct WrittenKey {
     Value key;
-    /// Null for a key that maps to no property.
-    const PropertyPlan* property = nullptr;
+    /// Where the value is; null when it has to be asked for.
+    Value MotisObject::*field = nullptr;
 };
 
 /// Everything about a class that filling and reading its objects needs, decided on the class's first use. Immutable.
