@@ -29,27 +29,23 @@ CGPoint DisplayList::originOf(const CarrierState& carrier) const {
         const CGPoint origin = carrier.view->presentationFrame().origin;
         return {origin.x * scale_, origin.y * scale_};
     }
-    const CGPoint origin = carrier.view->bounds().origin;
-    return {-origin.x * scale_, -origin.y * scale_};
+    return contentOrigin(*carrier.view, scale_);
+}
+
+CGPoint DisplayList::contentOrigin(const UIView& view, CGFloat scale) {
+    const CGPoint origin = view.bounds().origin;
+    return {-std::round(origin.x * scale), -std::round(origin.y * scale)};
 }
 
 bool DisplayList::placeCarriers() {
-    isExact_ = true;
     placements_.clear();
     placements_.push_back({{}, carriers_.front().clip, 1});
     for (std::size_t index = 1; index < carriers_.size(); ++index) {
         const CarrierState& carrier = carriers_[index];
         const Placement within = placements_[carrier.within];
-        CGPoint moved = originOf(carrier) - carrier.origin;
+        const CGPoint moved = originOf(carrier) - carrier.origin;
         float opacity = within.opacity * carrier.opacity;
-        // Views move smoothly, content in whole pixels: its text stays sharp.
-        if (carrier.carries == Carries::View) {
-            opacity *= static_cast<float>(carrier.view->presentationAlpha());
-        } else {
-            const CGPoint whole = {std::round(moved.x), std::round(moved.y)};
-            isExact_ &= whole == moved;
-            moved = whole;
-        }
+        if (carrier.carries == Carries::View) opacity *= static_cast<float>(carrier.view->presentationAlpha());
         const CGRect clip = within.clip.intersection(carrier.clip.offset(within.moved.x, within.moved.y));
         // Bitmaps were made ahead as far as the clip is large.
         const bool isFar = std::abs(moved.x) > clip.width() || std::abs(moved.y) > clip.height();

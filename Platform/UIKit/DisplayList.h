@@ -40,8 +40,9 @@ public:
     bool place();
     /// What `place` worked out: those in sight, in the order in which they are drawn.
     std::span<const TexturedQuad> quads() const { return quads_; }
-    /// Whether rectangles stand on whole pixels only where they would if the list were made anew.
-    bool isExact() const { return isExact_; }
+    /// How far a view's content lies from the view, in whole pixels: its text stays sharp, and shows the same whether
+    /// the list was made there or moved there.
+    static CGPoint contentOrigin(const UIView& view, CGFloat scale);
 
 private:
     struct CarrierState {
@@ -69,7 +70,6 @@ private:
     bool placeCarriers();
 
     CGFloat scale_ = 1;
-    bool isExact_ = true;
     std::vector<CarrierState> carriers_;
     std::vector<Placement> placements_;
     std::vector<Item> items_;

@@ -85,7 +85,7 @@ private:
             if (around.nearby.isEmpty()) return;
         }
         if (view.boundsOrigin_ != CGPoint() && !around.isRoot) enterCarrier(view, Carries::Content, around);
-        around.origin = {exact.minX() - view.boundsOrigin_.x * scale_, exact.minY() - view.boundsOrigin_.y * scale_};
+        around.origin = exact.origin + detail::DisplayList::contentOrigin(view, scale_);
         around.isRoot = false;
         for (const auto& subview : view.subviews_) visit(*subview, around);
     }
@@ -306,8 +306,7 @@ bool LayerRenderer::needsList() const {
 }
 
 bool LayerRenderer::needsDisplay() const {
-    // What came to rest between whole pixels is put onto them.
-    return needsList() || textures_->carriers().haveMoved || !list_->isExact();
+    return needsList() || textures_->carriers().haveMoved;
 }
 
 void LayerRenderer::draw(Compositor& compositor, CGFloat scale) {
@@ -316,7 +315,7 @@ void LayerRenderer::draw(Compositor& compositor, CGFloat scale) {
     if (scale != scale_) textures_->discardAll();
     scale_ = scale;
     const bool haveMoved = std::exchange(textures_->carriers().haveMoved, false);
-    const bool isOutdated = needsList() || textures_->round() != round || (!haveMoved && !list_->isExact());
+    const bool isOutdated = needsList() || textures_->round() != round;
     if (isOutdated || (haveMoved && !list_->place()))
         makeList();
     else if (!haveMoved && pixels_.capacity() > 0)

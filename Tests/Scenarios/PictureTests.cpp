@@ -56,7 +56,7 @@ TEST(PictureTest, IsTheSameForTheSameScript) {
         folder.write("s.script",
                      "await idle 60\ncall open\nwait 0.15\nscreenshot sliding.png\nwait 0.3\nawait idle 60\nswipe "
                      "collectionView left\n"
-                     "wait 0.1\nawait idle 60\nwait 0.2\nscreenshot scrolled.png\ntap 600 100\nwait 0.3\n");
+                     "wait 1\nawait idle 60\nwait 0.3\nscreenshot scrolled.png\ntap 600 100\nwait 0.3\n");
     std::set<std::string> sliding, scrolled, last;
     for (int i = 0; i < 2; ++i) {
         const GameResult result =
