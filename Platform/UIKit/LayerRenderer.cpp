@@ -320,7 +320,7 @@ void LayerRenderer::draw(Compositor& compositor, CGFloat scale) {
         makeList();
     else if (!haveMoved && pixels_.capacity() > 0)
         // At rest; a bitmap may have taken megabytes.
-        pixels_ = {};
+        pixels_ = std::vector<std::uint32_t>();
     compositor.beginFrame();
     for (const TexturedQuad& quad : list_->quads()) compositor.drawQuad(quad);
     compositor.endFrame();
