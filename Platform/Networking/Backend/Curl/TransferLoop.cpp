@@ -73,8 +73,10 @@ void TransferLoop::start(Identifier identifier, TransferRequest request, Transpo
 }
 
 bool TransferLoop::leavesQuickly(const TransferRequest& request) const {
-    // A new connection takes look-ups and handshakes, which are not for the caller's thread.
-    return request.body.length() <= quickBodyLength && queue_.hasIdleConnection(request.url);
+    // A new connection takes look-ups and handshakes, and what is asked for without a body may come at once and be
+    // long: none of it is for the caller's thread.
+    const std::size_t length = request.body.length();
+    return length > 0 && length <= quickBodyLength && queue_.isReadyAndIdle(request.url);
 }
 
 void TransferLoop::watch(Identifier identifier, std::unique_ptr<Transport::Watch> watch) {

@@ -18,9 +18,9 @@ std::string_view serverOf(std::string_view url) {
 
 }  // namespace
 
-bool TransferQueue::hasIdleConnection(std::string_view url) const {
+bool TransferQueue::isReadyAndIdle(std::string_view url) const {
     const auto found = servers_.find(serverOf(url));
-    return found != servers_.end() && found->second.running() < found->second.proven;
+    return found != servers_.end() && found->second.hasAnswered && found->second.running() == 0;
 }
 
 void TransferQueue::add(Entry entry) {
@@ -50,9 +50,8 @@ void TransferQueue::ended(std::string_view url, Lane lane, End end) {
     auto found = servers_.find(serverOf(url));
     if (found == servers_.end()) return;
     Server& server = found->second;
-    // Those that run at the same time have a connection each, unless it takes many of them.
-    server.proven = end == End::Failed ? 0 : std::max(server.proven, server.running());
     --server.line(lane).running;
+    server.hasAnswered = end != End::Failed;
     if (end == End::AnsweredMultiplexed) server.requests.limit = multiplexedTransfers;
     if (server.requests.isEmpty() && server.downloads.isEmpty() && servers_.size() > knownServers)
         servers_.erase(found);

@@ -33,8 +33,9 @@ public:
     enum class End { Failed, Answered, AnsweredMultiplexed };
     /// `url` is the address of the request.
     void ended(std::string_view url, Lane lane, End end);
-    /// Whether a transfer to that address finds a connection that is open and has nothing to do.
-    bool hasIdleConnection(std::string_view url) const;
+    /// Whether the server of that address answered the transfer to it that ended last, and has nothing to do: a
+    /// transfer then finds a connection that is open.
+    bool isReadyAndIdle(std::string_view url) const;
     /// Takes a waiting transfer out, if there is one of that number.
     void remove(Transport::Identifier identifier);
 
@@ -47,8 +48,7 @@ private:
         bool isEmpty() const { return running == 0 && waiting.empty(); }
     };
     struct Server {
-        /// Connections that an answer has come over, as far as none has failed since.
-        int proven = 0;
+        bool hasAnswered = false;
         Line requests{Transport::connectionsPerHost}, downloads{Transport::downloadsPerHost};
 
         int running() const { return requests.running + downloads.running; }
