@@ -14,7 +14,8 @@ namespace flarebox {
 /// call. Main thread.
 std::unique_ptr<Canvas> makeBitmapCanvas(std::uint32_t* pixels, int width, int height, int stridePixels, CGFloat scale);
 
-/// Opens the fonts of ordinary texts one after the other, until told to stop. Any thread; texts may be drawn meanwhile.
+/// Opens the fonts of ordinary texts one after the other, until told to stop, and lays out the texts that are asked for
+/// meanwhile. Any thread; texts may be drawn meanwhile.
 void openUsualFonts(const std::atomic<bool>& stops);
 /// Whether a text has been measured or drawn, or fonts have been opened, in this process. Any thread.
 bool fontsAreInUse();

@@ -11,6 +11,9 @@
 #include <atomic>
 #include <cmath>
 #include <mutex>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace flarebox {
 namespace text {
@@ -29,6 +32,32 @@ SharedLayouts& shared() {
     return *instance;
 }
 
+/// What was asked for while the fonts were being opened, for that thread to lay out as well.
+struct AwaitedTexts {
+    struct Entry {
+        std::string text;
+        TextStyle style;
+        CGFloat width;
+    };
+    static constexpr std::size_t most = 256;
+
+    void add(std::string_view text, const TextStyle& style, CGFloat width) {
+        const std::lock_guard lock(mutex);
+        if (entries.size() < most) entries.push_back({std::string(text), style, width});
+    }
+    std::vector<Entry> take() {
+        const std::lock_guard lock(mutex);
+        return std::exchange(entries, {});
+    }
+
+    std::mutex mutex;
+    std::vector<Entry> entries;
+};
+AwaitedTexts& awaited() {
+    static detail::Immortal<AwaitedTexts> texts;
+    return *texts;
+}
+
 /// What a text of usual letters takes in the system font.
 CGSize estimatedSize(std::string_view text, const TextStyle& style, CGFloat width) {
     constexpr CGFloat letterWidth = 0.55, lineHeight = 1.21;
@@ -38,6 +67,16 @@ CGSize estimatedSize(std::string_view text, const TextStyle& style, CGFloat widt
     CGFloat lines = width > 0 ? std::max(1.0, std::ceil(natural / width)) : 1;
     if (style.numberOfLines > 0) lines = std::min<CGFloat>(lines, style.numberOfLines);
     return {width > 0 ? std::min(natural, width) : natural, std::ceil(lines * lineHeight * size)};
+}
+
+CGSize sizeOf(std::string_view text, const TextStyle& style, CGFloat width) {
+    const std::lock_guard lock(shared().mutex);
+    TextLayouts& layouts = shared().layouts;
+    if (text.empty()) return {0, std::ceil(layouts.lineMetrics(style.font).height)};
+    const TextLayout& layout = layouts.find(text, style, style.numberOfLines, width);
+    // Whole points: a frame of that size, rounded to pixels, still has room for the text.
+    const CGFloat widest = std::ceil(layout.width - 0.05);
+    return {width > 0 ? std::min(widest, width) : widest, std::ceil(layout.lineCount * layout.metrics.height)};
 }
 
 /// As many lines as the style allows and the height has room for; at least one.
@@ -102,14 +141,9 @@ void draw(cairo_t& cairo, std::string_view text, const TextStyle& style, const C
 }  // namespace text
 
 CGSize measureText(std::string_view text, const TextStyle& style, CGFloat width) {
-    if (fontsAreOpening()) return text::estimatedSize(text, style, width);
-    const std::lock_guard lock(text::shared().mutex);
-    text::TextLayouts& layouts = text::shared().layouts;
-    if (text.empty()) return {0, std::ceil(layouts.lineMetrics(style.font).height)};
-    const text::TextLayout& layout = layouts.find(text, style, style.numberOfLines, width);
-    // Whole points: a frame of that size, rounded to pixels, still has room for the text.
-    const CGFloat widest = std::ceil(layout.width - 0.05);
-    return {width > 0 ? std::min(widest, width) : widest, std::ceil(layout.lineCount * layout.metrics.height)};
+    if (!fontsAreOpening()) return text::sizeOf(text, style, width);
+    text::awaited().add(text, style, width);
+    return text::estimatedSize(text, style, width);
 }
 
 std::uint64_t laidOutTextCount() {
@@ -128,6 +162,11 @@ void openUsualFonts(const std::atomic<bool>& stops) {
     }
     cairo_destroy(cairo);
     cairo_surface_destroy(surface);
+    for (auto texts = text::awaited().take(); !texts.empty() && !stops; texts = text::awaited().take()) {
+        for (const auto& [text, style, width] : texts) {
+            if (!stops) text::sizeOf(text, style, width);
+        }
+    }
 }
 
 bool fontsAreInUse() {
