@@ -32,6 +32,14 @@ protected:
     }};
 };
 
+/// What leaves at once where it finds a connection at rest: a request that brings something.
+Ref<NSMutableURLRequest> event(const std::string& url) {
+    auto request = get(url);
+    request->setHTTPMethod("POST");
+    request->setHTTPBody(NSData::dataWithBytes(std::string_view("{}")));
+    return request;
+}
+
 double processorSeconds() {
     timespec time = {};
     clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
@@ -42,7 +50,7 @@ double processorSeconds() {
 
 TEST_F(WarmConnectionTest, ATimeOutEarlierThanThoseBeforeCounts) {
     EXPECT_EQ(load(fallingSilent_.url()).code(), 0);
-    auto request = get(fallingSilent_.url());
+    auto request = event(fallingSilent_.url());
     request->setTimeoutInterval(0.2);
     EXPECT_EQ(load(request).code(), NSURLErrorTimedOut);
     EXPECT_EQ(fallingSilent_.acceptedConnections(), 1);
@@ -51,7 +59,7 @@ TEST_F(WarmConnectionTest, ATimeOutEarlierThanThoseBeforeCounts) {
 TEST_F(WarmConnectionTest, CancellingEndsTheExchange) {
     EXPECT_EQ(load(fallingSilent_.url()).code(), 0);
     Outcome outcome;
-    auto task = manager_->dataTaskWithRequest(get(fallingSilent_.url()), outcome.recorder());
+    auto task = manager_->dataTaskWithRequest(event(fallingSilent_.url()), outcome.recorder());
     task->resume();
     EXPECT_TRUE(pumpUntil([&] { return silent_.load(); }));
     task->cancel();
@@ -67,7 +75,7 @@ TEST_F(WarmConnectionTest, OneThatTheServerClosesWhileItRestsCostsNothing) {
     const double before = processorSeconds();
     pumpFor(0.3);
     EXPECT_LT(processorSeconds() - before, 0.15) << "something is going round in circles";
-    EXPECT_EQ(load(server.url()).code(), 0);
+    EXPECT_EQ(load(event(server.url())).code(), 0);
 }
 
 TEST_F(WarmConnectionTest, NothingOfARequestIsLeftForTheNext) {

@@ -88,6 +88,7 @@ TEST_F(LoadingTest, FollowsTheNetwork) {
     network_->setStatus(AFNetworkReachabilityStatusReachableViaWiFi);
     ASSERT_TRUE(settle([&] { return requests("/game/common-assets/") == 2 && tab_->currentAsset(); }));
     EXPECT_EQ(requests("/sessions/"), 1U) << "a session is kept";
+    EXPECT_TRUE(settleIdle()) << "what is still under way would reach the service in another test";
 }
 
 TEST_F(LoadingTest, AsksForTrackingInItsErrorLine) {
