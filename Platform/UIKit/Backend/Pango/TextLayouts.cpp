@@ -96,39 +96,40 @@ std::string cleanText(std::string_view text, bool severalLines) {
     return clean;
 }
 
-std::size_t LayoutKeyHash::operator()(const LayoutKey& key) const noexcept {
-    std::size_t hash = std::hash<std::string>()(key.text);
+std::size_t LayoutKeyHash::operator()(const LayoutQuery& query) const noexcept {
+    std::size_t hash = std::hash<std::string_view>()(query.text);
     const auto mix = [&hash](std::size_t part) { hash = hash * 1'000'003 ^ part; };
-    mix(std::hash<std::string>()(key.font.family()));
-    mix(std::hash<double>()(key.font.pointSize()));
-    mix(static_cast<std::size_t>(key.font.weight()));
-    mix(static_cast<std::size_t>(key.width));
-    mix(static_cast<std::size_t>(key.numberOfLines) * 2 + key.truncates);
+    mix(std::hash<std::string_view>()(query.family));
+    mix(std::hash<double>()(query.pointSize));
+    mix(static_cast<std::size_t>(query.weight));
+    mix(static_cast<std::size_t>(query.width));
+    mix(static_cast<std::size_t>(query.numberOfLines) * 2 + query.truncates);
     return hash;
 }
 
 const TextLayout& TextLayouts::find(std::string_view text, const TextStyle& style, int numberOfLines, CGFloat width) {
-    LayoutKey key{std::string(shortened(text)), style.font, std::max(0, numberOfLines), libraryWidth(width),
-                  style.lineBreakMode == NSLineBreakMode::ByTruncatingTail};
-    if (const auto found = recent_.find(key); found != recent_.end()) return found->second;
+    const LayoutQuery query(shortened(text), style.font, std::max(0, numberOfLines), libraryWidth(width),
+                            style.lineBreakMode == NSLineBreakMode::ByTruncatingTail);
+    if (const auto found = recent_.find(query); found != recent_.end()) return found->second;
     if (recent_.size() >= generationSize) {
         older_ = std::move(recent_);
         recent_.clear();
     }
-    if (auto node = older_.extract(key)) return recent_.insert(std::move(node)).position->second;
+    if (const auto old = older_.find(query); old != older_.end())
+        return recent_.insert(older_.extract(old)).position->second;
+    LayoutKey key{std::string(query.text), style.font, query.numberOfLines, query.width, query.truncates};
     TextLayout built = build(key);
     return recent_.emplace(std::move(key), std::move(built)).first->second;
 }
 
 LineMetrics TextLayouts::lineMetrics(const UIFont& font) {
-    LayoutKey key;
-    key.font = font;
-    if (const auto found = metrics_.find(key); found != metrics_.end()) return found->second;
+    const LayoutQuery query({}, font, 0, -1, false);
+    if (const auto found = metrics_.find(query); found != metrics_.end()) return found->second;
     if (metrics_.size() >= mostFonts) {
         metrics_.clear();
         fonts_.closeUnused();
     }
-    return metrics_.emplace(key, fonts_.lineMetrics(font)).first->second;
+    return metrics_.emplace(LayoutKey{{}, font}, fonts_.lineMetrics(font)).first->second;
 }
 
 TextLayout TextLayouts::build(const LayoutKey& key) {

@@ -30,10 +30,34 @@ struct LayoutKey {
     /// In units of the library; -1 for no limit.
     int width = -1;
     bool truncates = false;
-    friend bool operator==(const LayoutKey&, const LayoutKey&) = default;
+};
+
+/// A key that only looks at its text, for texts are asked for far more often than they are remembered.
+struct LayoutQuery {
+    std::string_view text, family;
+    CGFloat pointSize;
+    UIFontWeight weight;
+    int numberOfLines, width;
+    bool truncates;
+
+    LayoutQuery(std::string_view queriedText, const UIFont& font, int lines, int unitsWide, bool isTruncated)
+        : text(queriedText),
+          family(font.family()),
+          pointSize(font.pointSize()),
+          weight(font.weight()),
+          numberOfLines(lines),
+          width(unitsWide),
+          truncates(isTruncated) {}
+    LayoutQuery(const LayoutKey& key) : LayoutQuery(key.text, key.font, key.numberOfLines, key.width, key.truncates) {}
+    friend bool operator==(const LayoutQuery&, const LayoutQuery&) = default;
 };
 struct LayoutKeyHash {
-    std::size_t operator()(const LayoutKey& key) const noexcept;
+    using is_transparent = void;
+    std::size_t operator()(const LayoutQuery& query) const noexcept;
+};
+struct LayoutKeyEqual {
+    using is_transparent = void;
+    bool operator()(const LayoutQuery& one, const LayoutQuery& other) const { return one == other; }
 };
 
 /// Breaks texts into lines and remembers the last results, for a label asks for its size and is drawn far more often
@@ -47,13 +71,13 @@ public:
     std::uint64_t builtCount() const { return built_; }
 
 private:
-    using Layouts = std::unordered_map<LayoutKey, TextLayout, LayoutKeyHash>;
+    using Layouts = std::unordered_map<LayoutKey, TextLayout, LayoutKeyHash, LayoutKeyEqual>;
     TextLayout build(const LayoutKey& key);
 
     PrivateFonts fonts_;
     // Two generations: what is not asked for while the recent one fills up is forgotten.
     Layouts recent_, older_;
-    std::unordered_map<LayoutKey, LineMetrics, LayoutKeyHash> metrics_;
+    std::unordered_map<LayoutKey, LineMetrics, LayoutKeyHash, LayoutKeyEqual> metrics_;
     std::uint64_t built_ = 0;
 };
 
