@@ -40,7 +40,8 @@ public:
     }
     /// A length byte and that many bytes, or what is left.
     std::string_view shortText() {
-        const Input taken = input_.subspan(0, std::min<std::size_t>(byte(), input_.size()));
+        const std::size_t length = byte();
+        const Input taken = input_.subspan(0, std::min(length, input_.size()));
         input_ = input_.subspan(taken.size());
         return text(taken);
     }
