@@ -162,10 +162,10 @@ void openUsualFonts(const std::atomic<bool>& stops) {
     }
     cairo_destroy(cairo);
     cairo_surface_destroy(surface);
-    for (auto texts = text::awaited().take(); !texts.empty() && !stops; texts = text::awaited().take()) {
-        for (const auto& [text, style, width] : texts) {
-            if (!stops) text::sizeOf(text, style, width);
-        }
+    // Once: whoever asks again and again would keep this from ending.
+    for (const auto& [text, style, width] : text::awaited().take()) {
+        if (stops) break;
+        text::sizeOf(text, style, width);
     }
 }
 
