@@ -45,9 +45,10 @@ struct TransferResult {
     NSData body;
 };
 
-/// The one thread on which everything of the network happens, but for a request to a server that answers already: that
-/// one leaves at once, on the main thread, unless the network thread is busy. It starts with the first use, is joined
-/// by Shutdown::run() within milliseconds whatever the servers do, and starts again when used after that.
+/// The one thread on which everything of the network happens, but for a short request with a body to a server that
+/// answers already and is at rest: that one leaves at once, on the main thread, unless the network thread is busy. It
+/// starts with the first use, is joined by Shutdown::run() within milliseconds whatever the servers do, and starts
+/// again when used after that.
 class Transport {
 public:
     using Identifier = std::uint64_t;
