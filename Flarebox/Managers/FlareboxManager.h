@@ -20,12 +20,14 @@ extern const int kApiMissingParamErrorCode;
 /// Assets in the order in which they are listed. Shared, so that the client and the tab hold the same list.
 using AssetList = std::vector<Ref<FXAssetInfo>>;
 
-/// The one client of the service. Its operations read the configuration afresh, send one request each, and call their
-/// completion, which may be null, once on the main queue; a shutdown drops it.
+/// The one client of the service; a host may pin the service's key with its `setPinnedPublicKeys`. Its operations read
+/// the configuration afresh, send one request each, and call their completion, which may be null, once on the main
+/// queue; a shutdown drops it.
 ///
 /// An input that is missing fails an assertion: in builds with assertions the default handler raises an NSException.
 /// Where the handler returns, and in builds without, nothing is sent and the completion is called at once with an error
-/// of kApiErrorDomain. Transport errors are passed on unchanged. Main thread.
+/// of kApiErrorDomain. Transport errors are passed on unchanged. Main thread; the operations may be called from any
+/// thread and are then sent by the main queue, their completions included.
 class FlareboxManager : public AFHTTPSessionManager {
     FLAREBOX_CLASS(FlareboxManager)
 public:
@@ -54,10 +56,10 @@ public:
     /// Loads the first 20 assets of the game, in the service's order. Needs a game UID and a game version.
     void loadGameCommonAssets(
         const std::function<void(const std::shared_ptr<AssetList>&, const Ref<NSError>&)>& completion);
-    /// Reports what the player did. The record must not be null.
+    /// Reports what the player did. Needs a record.
     void sendEngagement(const Ref<FXEngagementData>& engagement,
                         const std::function<void(const Ref<NSError>&)>& completion);
-    /// Saves a coupon to the player's account. The record must not be null.
+    /// Saves a coupon to the player's account. Needs a record.
     void saveCoupon(const Ref<FXCoupon>& coupon,
                     const std::function<void(const Ref<FXCoupon>&, const Ref<NSError>&)>& completion);
 

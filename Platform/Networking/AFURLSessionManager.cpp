@@ -12,7 +12,7 @@ const ClassInfo& AFURLSessionManager::staticClass() {
 }
 
 AFURLSessionManager::AFURLSessionManager()
-    : settings_{AFJSONResponseSerializer::serializer(), defaultMaximumResponseLength, {}, {}} {}
+    : settings_{AFJSONResponseSerializer::serializer(), defaultMaximumResponseLength, {}, {}, {}} {}
 
 AFURLSessionManager::~AFURLSessionManager() = default;
 
@@ -46,6 +46,12 @@ Ref<NSURLSessionDataTask> AFURLSessionManager::downloadTaskWithRequest(
 
 void AFURLSessionManager::setResponseSerializer(Ref<AFHTTPResponseSerializer> serializer) {
     if (serializer) settings_.responseSerializer = std::move(serializer);
+}
+
+void AFURLSessionManager::setPinnedPublicKeys(std::span<const std::string> keys) {
+    std::string& pins = settings_.pinnedPublicKeys;
+    pins.clear();
+    for (const std::string& key : keys) pins += (pins.empty() ? "sha256//" : ";sha256//") + key;
 }
 
 }  // namespace flarebox

@@ -4,6 +4,7 @@
 #include <Networking/NSURLSessionDataTask.h>
 
 #include <cstdint>
+#include <span>
 #include <string>
 
 namespace flarebox {
@@ -47,6 +48,12 @@ public:
     /// Empty: the system's. There is no way to switch the check off.
     const std::string& certificateAuthorityFile() const { return settings_.certificateAuthorityFile; }
     void setCertificateAuthorityFile(std::string path) { settings_.certificateAuthorityFile = std::move(path); }
+
+    /// The public keys of which the server must have one, besides a certificate that is trusted: each the base64 text
+    /// of the SHA-256 of a key's SubjectPublicKeyInfo (RFC 7469, 2.4). Holds for tasks made from now on and for the
+    /// servers that redirects lead to; an address without TLS is refused. A text that is no such hash fits no key.
+    /// Empty: any key.
+    void setPinnedPublicKeys(std::span<const std::string> keys);
 
 private:
     NSURLSessionDataTask::Settings settings_;

@@ -91,6 +91,12 @@ void NSURLSessionDataTask::startTransfer() {
     transfer.idleTimeout = request_->timeoutInterval();
     transfer.maximumBodyLength = settings_.maximumResponseLength;
     transfer.certificateAuthorityFile = settings_.certificateAuthorityFile;
+    transfer.pinnedPublicKeys = settings_.pinnedPublicKeys;
+    if (!transfer.pinnedPublicKeys.empty() && request_->URL().scheme() != "https") {
+        constexpr const char* reason = "The key of the server is pinned, but its address is not secure.";
+        return finishSoon(identifier_,
+                          {nullptr, {}, networkError(NSURLErrorSecureConnectionFailed, reason, transfer.url)});
+    }
     if (auto error = openDestination(transfer)) return finishSoon(identifier_, {nullptr, {}, error});
 
     auto completion = [identifier = identifier_, serializer = settings_.responseSerializer,

@@ -35,7 +35,7 @@ public:
     struct Settings {
         Ref<AFHTTPResponseSerializer> responseSerializer;
         std::uint64_t maximumResponseLength;
-        std::string certificateAuthorityFile;
+        std::string certificateAuthorityFile, pinnedPublicKeys;
         /// Where the body goes; asked on the main thread when the task is resumed. Null: to the serializer.
         std::function<std::string()> destination;
     };

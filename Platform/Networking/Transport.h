@@ -32,6 +32,8 @@ struct TransferRequest {
     std::uint64_t maximumBodyLength = 0;
     /// File with the certificates (PEM) to trust; empty for those of the system.
     std::string certificateAuthorityFile;
+    /// The keys that a server may have, as "sha256//…;sha256//…"; empty for any that is certified.
+    std::string pinnedPublicKeys;
 };
 
 /// What came of it: an error, or an answer of whatever status.

@@ -4,6 +4,8 @@
 #include "ScriptedServer.h"
 #include "ServerIdentity.h"
 
+#include <vector>
+
 namespace flarebox::testing {
 
 namespace {
@@ -31,6 +33,33 @@ TEST_F(SecureTest, OnlyTrustedServersAreTalkedTo) {
     EXPECT_EQ(load("https://localhost:" + std::to_string(server.port())).code(), NSURLErrorServerCertificateUntrusted);
     manager_ = AFURLSessionManager::manager();
     EXPECT_EQ(load(server.url()).code(), NSURLErrorServerCertificateUntrusted);
+}
+
+TEST_F(SecureTest, APinnedKeyIsAskedOfEveryConnection) {
+    ScriptedServer server(answering([](Connection& connection, auto&) { connection.answerJSON("[1]"); }), &identity_);
+    manager_->setCertificateAuthorityFile(identity_.certificateFile());
+    // A connection that was made without a pin is left alone by those with one.
+    EXPECT_EQ(load(server.url()).code(), 0);
+
+    const std::string other = ServerIdentity().publicKeyHash();
+    const struct {
+        std::vector<std::string> pins;
+        int code;
+    } cases[] = {
+        {{other}, NSURLErrorServerCertificateUntrusted}, {{identity_.publicKeyHash()}, 0},
+        {{other, identity_.publicKeyHash()}, 0},         {{"no hash"}, NSURLErrorServerCertificateUntrusted},
+        {{""}, NSURLErrorServerCertificateUntrusted},    {{}, 0},
+    };
+    for (const auto& [pins, code] : cases) {
+        manager_->setPinnedPublicKeys(pins);
+        EXPECT_EQ(load(server.url()).code(), code) << ::testing::PrintToString(pins);
+    }
+    EXPECT_EQ(server.requests().size(), 4u);
+
+    ScriptedServer open(answering([](Connection& connection, auto&) { connection.answerJSON("[1]"); }));
+    manager_->setPinnedPublicKeys(std::vector{identity_.publicKeyHash()});
+    EXPECT_EQ(load(open.url()).code(), NSURLErrorSecureConnectionFailed);
+    EXPECT_TRUE(open.requests().empty());
 }
 
 TEST_F(SecureTest, AServerThatSpeaksNoTLSGivesNoConnection) {

@@ -48,6 +48,17 @@ X509* selfSignedCertificate(EVP_PKEY* key) {
     return certificate;
 }
 
+std::string hashOf(const X509* certificate) {
+    unsigned char* info = nullptr;
+    const int length = i2d_X509_PUBKEY(X509_get_X509_PUBKEY(certificate), &info);
+    unsigned char hash[32];
+    EVP_Digest(info, static_cast<std::size_t>(length), hash, nullptr, EVP_sha256(), nullptr);
+    OPENSSL_free(info);
+    unsigned char text[45];
+    EVP_EncodeBlock(text, hash, sizeof hash);
+    return reinterpret_cast<const char*>(text);
+}
+
 std::string commaSeparated(const unsigned char* list, unsigned length) {
     std::string text;
     for (unsigned place = 0; place < length; place += list[place] + 1u) {
@@ -82,6 +93,7 @@ ServerIdentity::ServerIdentity() : context_(std::make_unique<Context>()) {
     std::signal(SIGPIPE, SIG_IGN);
     EVP_PKEY* key = EVP_EC_gen("P-256");
     X509* certificate = selfSignedCertificate(key);
+    publicKeyHash_ = hashOf(certificate);
     SSL_CTX_use_certificate(context_->tls, certificate);
     SSL_CTX_use_PrivateKey(context_->tls, key);
     SSL_CTX_set_alpn_select_cb(context_->tls, &Context::chooseProtocol, context_.get());

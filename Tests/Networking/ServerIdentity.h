@@ -19,6 +19,8 @@ public:
     std::unique_ptr<ScriptedServer::Connection> secure(int socket) const;
     /// The certificate as a PEM file, for a client that shall trust it.
     std::string certificateFile() const { return directory_.path("certificate.pem"); }
+    /// The base64 of its public key's SHA-256.
+    const std::string& publicKeyHash() const { return publicKeyHash_; }
     /// Protocols that clients have offered, as "h2,http/1.1".
     std::string offeredProtocols() const;
 
@@ -26,6 +28,7 @@ private:
     struct Context;
     std::unique_ptr<Context> context_;
     TemporaryDirectory directory_;
+    std::string publicKeyHash_;
 };
 
 }  // namespace flarebox::testing

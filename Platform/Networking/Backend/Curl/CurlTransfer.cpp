@@ -109,6 +109,8 @@ void CurlTransfer::setUp() {
     curl_easy_setopt(curl, CURLOPT_URL, request_.url.c_str());
     curl_easy_setopt(curl, CURLOPT_REDIR_PROTOCOLS_STR, "http,https");
     curl_easy_setopt(curl, CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(request_.maximumBodyLength));
+    const std::string& pins = request_.pinnedPublicKeys;
+    curl_easy_setopt(curl, CURLOPT_PINNEDPUBLICKEY, pins.empty() ? nullptr : pins.c_str());
     if (!request_.certificateAuthorityFile.empty()) {
         curl_easy_setopt(curl, CURLOPT_CAINFO, request_.certificateAuthorityFile.c_str());
     }
