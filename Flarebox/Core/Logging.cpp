@@ -144,6 +144,11 @@ std::string_view title(LogLevel level) {
     return "KestrinSDK Info";
 }
 
+void writeLog(LogLevel level, std::string_view title, std::string_view format, std::span<const Value> arguments) {
+    if (format.ends_with('\n')) format.remove_suffix(1);
+    LogSink::write(level, std::string(title) + ": " + formatLog(format, arguments));
+}
+
 }  // namespace
 
 bool isLogLevelEnabel(std::int64_t level) {
@@ -185,14 +190,11 @@ std::string formatLog(std::string_view format, std::span<const Value> arguments)
 }
 
 void printLog(std::string_view title, std::string_view format, std::span<const Value> arguments) {
-    std::string line(format);
-    if (!line.ends_with('\n')) line += '\n';
-    const std::string message = formatLog(line, arguments);
-    std::fprintf(stderr, "%s: %s", std::string(title).c_str(), message.c_str());
+    writeLog(LogLevelInfo, title, format, arguments);
 }
 
 void detail::logAt(LogLevel level, std::string_view format, std::span<const Value> arguments) {
-    printLog(title(level), format, arguments);
+    writeLog(level, title(level), format, arguments);
 }
 
 }  // namespace flarebox

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Foundation/LogSink.h>
 #include <Foundation/Values.h>
 
 #include <array>
@@ -9,9 +10,6 @@
 #include <string_view>
 
 namespace flarebox {
-
-/// Levels of a message, and of FlareboxConfig::logLevel: the lowest level that is printed.
-enum LogLevel : std::int64_t { LogLevelInfo = 1, LogLevelWarning = 2, LogLevelError = 3 };
 
 /// Whether a message of that level is printed now: reads the configuration afresh at every call. Any thread.
 bool isLogLevelEnabel(std::int64_t level);
@@ -23,7 +21,7 @@ bool isLogLevelEnabel(std::int64_t level);
 /// not supported and stay as they stand.
 std::string formatLog(std::string_view format, std::span<const Value> arguments);
 
-/// Writes "title: message" to standard error by one call, a line feed added unless the format ends in one. Any thread.
+/// Writes "title: message", without a line feed that the format ends in, to the LogSink as information. Any thread.
 void printLog(std::string_view title, std::string_view format, std::span<const Value> arguments);
 
 namespace detail {

@@ -1,3 +1,4 @@
+#include <Foundation/LogSink.h>
 #include <SceneKit/SCNNode.h>
 
 #include <SceneKit/ModelSource.h>
@@ -5,7 +6,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 
 namespace flarebox {
 namespace {
@@ -40,7 +40,7 @@ void SCNNode::setScale(SCNVector3 scale) {
 void SCNNode::addChildNode(SCNNode& node) {
     for (const SCNNode* each = this; each; each = each->parent_) {
         if (each != &node) continue;
-        std::fprintf(stderr, "SCNNode: a node cannot be added to itself or to a node below it\n");
+        LogSink::write(LogLevelError, "SCNNode: a node cannot be added to itself or to a node below it");
         return;
     }
     const Ref<SCNNode> kept(&node);

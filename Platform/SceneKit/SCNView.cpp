@@ -1,6 +1,7 @@
 #include <SceneKit/SCNView.h>
 
 #include <Foundation/Clock.h>
+#include <Foundation/LogSink.h>
 #include <SceneKit/ModelSource.h>
 #include <SceneKit/SceneRenderer.h>
 #include <UIKit/UIGestureRecognizer.h>
@@ -9,7 +10,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <utility>
 
 namespace flarebox {
@@ -192,7 +192,7 @@ bool SCNView::takePicture() {
 
 void SCNView::report(const std::string& failure) const {
     if (failureHandler_) return failureHandler_(NSError::errorWithDomain(errorDomain, errorCode, failure));
-    std::fprintf(stderr, "SCNView: %s\n", failure.c_str());
+    LogSink::write(LogLevelError, "SCNView: " + failure);
 }
 
 CGSize SCNView::pixelSize() const {

@@ -1,9 +1,9 @@
+#include <Foundation/LogSink.h>
 #include <UIKit/LayoutEngine.h>
 #include <UIKit/UIViewState.h>
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <limits>
 #include <utility>
 
@@ -149,8 +149,8 @@ void LayoutEngine::leaveOut(const ConstraintSolver::Conflict& conflict) {
     for (UIView* view : views_) {
         for (auto& id : view->layoutState_->content) id = id == conflict.offender ? 0 : id;
     }
-    std::fprintf(stderr, "%s cannot be met and is left out. It contradicts%s\n", name.c_str(),
-                 others.empty() ? " itself" : others.c_str());
+    LogSink::write(LogLevelError,
+                   name + " cannot be met and is left out. It contradicts" + (others.empty() ? " itself" : others));
 }
 
 void LayoutEngine::noteMended() {

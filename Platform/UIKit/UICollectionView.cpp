@@ -1,10 +1,10 @@
+#include <Foundation/LogSink.h>
 #include <Foundation/MainQueue.h>
 #include <UIKit/UICollectionView.h>
 #include <UIKit/UINib.h>
 #include <UIKit/UITouch.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <utility>
 
 namespace flarebox {
@@ -74,8 +74,7 @@ Ref<UICollectionViewCell> UICollectionView::makeCell(std::string_view reuseIdent
     if (cell)
         cell->reuseIdentifier_ = reuseIdentifier;
     else
-        std::fprintf(stderr, "UICollectionView: no cell for \"%.*s\"\n", static_cast<int>(reuseIdentifier.size()),
-                     reuseIdentifier.data());
+        LogSink::write(LogLevelError, "UICollectionView: no cell for \"" + std::string(reuseIdentifier) + "\"");
     return cell;
 }
 

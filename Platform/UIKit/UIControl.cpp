@@ -1,9 +1,9 @@
+#include <Foundation/LogSink.h>
 #include <UIKit/UIControl.h>
 
 #include <UIKit/UITouch.h>
 
 #include <algorithm>
-#include <cstdio>
 
 namespace flarebox {
 
@@ -52,8 +52,8 @@ UIControlState UIControl::state() const {
 
 void UIControl::addTarget(NSObject& target, std::string_view selector, UIControlEvents events) {
     if (!target.respondsToSelector(selector))
-        std::fprintf(stderr, "%s has no action \"%.*s\"; pressing a control will do nothing\n",
-                     target.description().c_str(), static_cast<int>(selector.size()), selector.data());
+        LogSink::write(LogLevelError, target.description() + " has no action \"" + std::string(selector) +
+                                          "\"; pressing a control will do nothing");
     for (Registration& known : registrations_) {
         if (known.target.get() != &target || known.selector != selector) continue;
         known.events = known.events | events;

@@ -1,9 +1,9 @@
+#include <Foundation/LogSink.h>
 #include <Foundation/NSBundle.h>
 #include <UIKit/LayoutFiles/LayoutBlueprint.h>
 #include <UIKit/LayoutFiles/LayoutInstance.h>
 #include <UIKit/UINib.h>
 
-#include <cstdio>
 #include <fstream>
 #include <map>
 #include <optional>
@@ -100,7 +100,7 @@ std::vector<Ref<NSObject>> UINib::instantiateWithOwner(NSObject* owner, Ref<NSEr
     if (error) {
         *error = failure;
     } else if (!std::exchange(file_->isReported, true)) {
-        std::fprintf(stderr, "UINib: %s\n", failure->localizedDescription().c_str());
+        LogSink::write(LogLevelError, "UINib: " + failure->localizedDescription());
     }
     return {};
 }

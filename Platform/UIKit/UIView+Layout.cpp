@@ -1,9 +1,9 @@
+#include <Foundation/LogSink.h>
 #include <UIKit/LayoutEngine.h>
 #include <UIKit/UIView.h>
 #include <UIKit/UIViewState.h>
 
 #include <algorithm>
-#include <cstdio>
 
 namespace flarebox {
 namespace {
@@ -25,7 +25,7 @@ void UIView::setTranslatesAutoresizingMaskIntoConstraints(bool translates) {
 void UIView::addConstraint(const Ref<NSLayoutConstraint>& constraint) {
     if (!constraint || constraint->owner_ == this) return;
     if (const char* reason = constraint->reasonToRefuse(*this)) {
-        std::fprintf(stderr, "%s is refused: %s\n", constraint->description().c_str(), reason);
+        LogSink::write(LogLevelError, constraint->description() + " is refused: " + reason);
         return;
     }
     const Ref<NSLayoutConstraint> kept = constraint;

@@ -3,7 +3,13 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
 #include <limits>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
 
 namespace flarebox {
 namespace {
@@ -38,6 +44,32 @@ TEST(Logging, LevelsDecideWhatIsPrinted) {
         EXPECT_EQ(::testing::internal::GetCapturedStderr(), expected) << setting.level;
     }
     config.setEnableLogging(false);
+}
+
+TEST(Logging, ASinkTakesWhatAllThreadsSay) {
+    std::vector<std::string> lines;
+    LogSink::set([&](LogLevel level, std::string_view message) {
+        lines.push_back(std::to_string(level) + " " + std::string(message));
+        if (message == "nested") LogSink::write(LogLevelInfo, "inside");
+        if (message == "replaced") LogSink::set(nullptr);
+        if (message == "thrown") throw std::runtime_error("full");
+    });
+    ::testing::internal::CaptureStderr();
+    printLog("Title", "%d\n", std::array<Value, 1>{Value(1)});
+    std::vector<std::thread> threads;
+    for (int thread = 0; thread < 4; ++thread) {
+        threads.emplace_back([] {
+            for (int line = 0; line < 100; ++line) LogSink::write(LogLevelWarning, "worker");
+        });
+    }
+    for (std::thread& thread : threads) thread.join();
+    for (const char* message : {"nested", "thrown", "replaced", "after"}) LogSink::write(LogLevelError, message);
+    LogSink::set(nullptr);
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "inside\nthrown\nafter\n");
+    ASSERT_EQ(lines.size(), 404U);
+    EXPECT_EQ(lines.front(), "1 Title: 1");
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), "2 worker"), 400);
+    EXPECT_EQ(lines.back(), "3 replaced");
 }
 
 TEST(Logging, FormatsAnyArgumentsSafely) {

@@ -1,11 +1,11 @@
 #include <Foundation/Immortal.h>
+#include <Foundation/LogSink.h>
 #include <Foundation/Shutdown.h>
 #include <UIKit/Backend/Gio/DesktopUrlOpener.h>
 
 #include <gio/gio.h>
 
 #include <condition_variable>
-#include <cstdio>
 #include <deque>
 #include <memory>
 #include <mutex>
@@ -68,20 +68,29 @@ private:
     }
 
     void launchNow(const std::string& url) {
-        bool isDone = false;
+        Launch launch{url};
         g_app_info_launch_default_for_uri_async(url.c_str(), nullptr, cancellable_.get(), &LaunchThread::launched,
-                                                &isDone);
-        while (!isDone) g_main_context_iteration(context_.get(), TRUE);
+                                                &launch);
+        while (!launch.isDone) g_main_context_iteration(context_.get(), TRUE);
     }
 
-    static void launched(GObject*, GAsyncResult* result, gpointer isDone) {
+    struct Launch {
+        const std::string& url;
+        bool isDone = false;
+    };
+
+    static void launched(GObject*, GAsyncResult* result, gpointer data) {
+        Launch& launch = *static_cast<Launch*>(data);
+        launch.isDone = true;
         GError* problem = nullptr;
-        if (!g_app_info_launch_default_for_uri_finish(result, &problem)) {
-            const Owned<GError> error(problem);
-            const bool isGivenUp = g_error_matches(problem, G_IO_ERROR, G_IO_ERROR_CANCELLED);
-            if (!isGivenUp) std::fprintf(stderr, "UIApplication: cannot open a link: %s\n", problem->message);
-        }
-        *static_cast<bool*>(isDone) = true;
+        if (g_app_info_launch_default_for_uri_finish(result, &problem)) return;
+        const Owned<GError> error(problem);
+        if (g_error_matches(problem, G_IO_ERROR, G_IO_ERROR_CANCELLED)) return;
+        // The address is nobody's business but the player's.
+        const std::string_view reason = problem->message;
+        const bool isTelling = reason.find(launch.url) != reason.npos;
+        LogSink::write(LogLevelError,
+                       "UIApplication: cannot open a link" + (isTelling ? "" : ": " + std::string(reason)));
     }
 
     Owned<GCancellable> cancellable_;

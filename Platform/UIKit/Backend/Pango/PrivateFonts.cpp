@@ -1,3 +1,4 @@
+#include <Foundation/LogSink.h>
 #include <UIKit/Backend/Pango/PrivateFonts.h>
 
 #include <fontconfig/fontconfig.h>
@@ -6,7 +7,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
 #include <memory>
 #include <string>
 
@@ -82,7 +82,8 @@ ConfigReference loadConfig() {
     FcConfigBuildFonts(config.get());
     if (countFonts(*config) == 0) return nullptr;
     if (!hasFamily(*config, systemFamily))
-        std::fprintf(stderr, "Flarebox: the font %s is not installed; texts are shown in another one\n", systemFamily);
+        LogSink::write(LogLevelWarning, std::string("Flarebox: the font ") + systemFamily +
+                                            " is not installed; texts are shown in another one");
     return config;
 }
 
@@ -91,7 +92,7 @@ ConfigReference loadConfig() {
 PrivateFonts::PrivateFonts() {
     const ConfigReference config = loadConfig();
     if (!config) {
-        std::fprintf(stderr, "Flarebox: no fonts are installed; no text can be shown\n");
+        LogSink::write(LogLevelError, "Flarebox: no fonts are installed; no text can be shown");
         return;
     }
     map_.reset(pango_cairo_font_map_new_for_font_type(CAIRO_FONT_TYPE_FT));
