@@ -1,5 +1,6 @@
 #include <Flarebox/Core/FlareboxConfig.h>
 #include <Flarebox/Core/TurnLog.h>
+#include <Foundation/MainQueue.h>
 
 namespace flarebox {
 
@@ -36,6 +37,7 @@ void FlareboxConfig::setupDefaultConfig() {
 void FlareboxConfig::configFlareboxWithUserSession(const Ref<FXUserSession>& userSession, const NSString& gameUID,
                                                    const NSString& gameVersion, bool enableLogging,
                                                    std::uint64_t logLevel) {
+    if (!requireMainThread("FlareboxConfig::configFlareboxWithUserSession")) return;
     setSessionEdit(userSession);
     setGameUID(gameUID);
     setGameVersion(gameVersion);
@@ -43,7 +45,32 @@ void FlareboxConfig::configFlareboxWithUserSession(const Ref<FXUserSession>& use
     setLogLevel(logLevel);
 }
 
+void FlareboxConfig::setGameUID(const NSString& gameUID) {
+    if (requireMainThread("FlareboxConfig::setGameUID")) gameUID_ = gameUID;
+}
+
+void FlareboxConfig::setGameVersion(const NSString& gameVersion) {
+    if (requireMainThread("FlareboxConfig::setGameVersion")) gameVersion_ = gameVersion;
+}
+
+void FlareboxConfig::setInitializeOnStart(bool initialize) {
+    if (requireMainThread("FlareboxConfig::setInitializeOnStart")) initializeOnStart_ = initialize;
+}
+
+void FlareboxConfig::setSessionInfo(const Ref<FXSessionInfo>& sessionInfo) {
+    if (requireMainThread("FlareboxConfig::setSessionInfo")) sessionInfo_ = sessionInfo;
+}
+
+void FlareboxConfig::setSessionEdit(const Ref<FXUserSession>& sessionEdit) {
+    if (requireMainThread("FlareboxConfig::setSessionEdit")) sessionEdit_ = sessionEdit;
+}
+
+void FlareboxConfig::setRefreshTimeInterval(std::int32_t seconds) {
+    if (requireMainThread("FlareboxConfig::setRefreshTimeInterval")) refreshTimeInterval_ = seconds;
+}
+
 void FlareboxConfig::setShowFlareboxButton(bool show) {
+    if (!requireMainThread("FlareboxConfig::setShowFlareboxButton")) return;
     willChangeValueForKey("showFlareboxButton");
     showFlareboxButton_ = show;
     didChangeValueForKey("showFlareboxButton");

@@ -16,7 +16,8 @@ namespace flarebox {
 extern std::int32_t refreshTimeIntervalDefault;
 
 /// The settings of the kit, filled by the host before it shows the tab. One instance for the process; nothing of it is
-/// stored. Main thread, except `defaultConfig`, `enableLogging` and `logLevel`, which any thread may read.
+/// stored. Main thread, except `defaultConfig` and the settings of the log, which any thread may use; on another thread
+/// the setters do nothing, and the log says so.
 class FlareboxConfig : public NSObject {
     FLAREBOX_CLASS(FlareboxConfig)
 public:
@@ -31,28 +32,28 @@ public:
 
     /// The game's identifier on the service; null until configured.
     const NSString& gameUID() const { return gameUID_; }
-    void setGameUID(const NSString& gameUID) { gameUID_ = gameUID; }
+    void setGameUID(const NSString& gameUID);
     const NSString& gameVersion() const { return gameVersion_; }
-    void setGameVersion(const NSString& gameVersion) { gameVersion_ = gameVersion; }
+    void setGameVersion(const NSString& gameVersion);
     /// Stored for the host, true at first, and observable by its name. Tabs do not follow it: see their own
     /// `showFlareboxButton`.
     bool showFlareboxButton() const { return showFlareboxButton_; }
     void setShowFlareboxButton(bool show);
     bool initializeOnStart() const { return initializeOnStart_; }
-    void setInitializeOnStart(bool initialize) { initializeOnStart_ = initialize; }
+    void setInitializeOnStart(bool initialize);
     /// A slot for the host; the current game session is kept by FlareboxManager.
     const Ref<FXSessionInfo>& sessionInfo() const { return sessionInfo_; }
-    void setSessionInfo(const Ref<FXSessionInfo>& sessionInfo) { sessionInfo_ = sessionInfo; }
+    void setSessionInfo(const Ref<FXSessionInfo>& sessionInfo);
     /// The player's data; also carries the device identifier. May be null.
     const Ref<FXUserSession>& sessionEdit() const { return sessionEdit_; }
-    void setSessionEdit(const Ref<FXUserSession>& sessionEdit) { sessionEdit_ = sessionEdit; }
+    void setSessionEdit(const Ref<FXUserSession>& sessionEdit);
     bool enableLogging() const { return enableLogging_.load(std::memory_order_relaxed); }
     void setEnableLogging(bool enable) { enableLogging_.store(enable, std::memory_order_relaxed); }
     std::uint64_t logLevel() const { return logLevel_.load(std::memory_order_relaxed); }
     void setLogLevel(std::uint64_t level) { logLevel_.store(level, std::memory_order_relaxed); }
     /// Seconds between refreshes as set; 0 or less stands for the default.
     std::int32_t refreshTimeInterval() const { return refreshTimeInterval_; }
-    void setRefreshTimeInterval(std::int32_t seconds) { refreshTimeInterval_ = seconds; }
+    void setRefreshTimeInterval(std::int32_t seconds);
     /// The period in force, in seconds: the one set when positive, the default otherwise.
     std::int32_t getTimeRefresh() const;
     void setTimeRefresh(std::int32_t seconds) { setRefreshTimeInterval(seconds); }

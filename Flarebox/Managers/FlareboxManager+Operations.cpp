@@ -1,5 +1,6 @@
 #include <Flarebox/Core/FlareboxConfig.h>
 #include <Flarebox/Managers/FlareboxManager.h>
+#include <Foundation/MainQueue.h>
 #include <Foundation/NSAssertionHandler.h>
 #include <Foundation/NSBundle.h>
 
@@ -62,6 +63,7 @@ void FlareboxManager::send(const NSString& method, const NSString& path, const N
 
 void FlareboxManager::createSesstion(
     const std::function<void(const Ref<FXSessionInfo>&, const Ref<NSError>&)>& completion) {
+    if (!isMainThread()) return dispatch_async_main([this, completion] { createSesstion(completion); });
     const FlareboxConfig& config = FlareboxConfig::defaultConfig();
     const auto fail = [&](const Ref<NSError>& error) {
         if (completion) completion(nullptr, error);
@@ -80,6 +82,7 @@ void FlareboxManager::createSesstion(
 
 void FlareboxManager::loadGameCommonAssets(
     const std::function<void(const std::shared_ptr<AssetList>&, const Ref<NSError>&)>& completion) {
+    if (!isMainThread()) return dispatch_async_main([this, completion] { loadGameCommonAssets(completion); });
     const FlareboxConfig& config = FlareboxConfig::defaultConfig();
     const auto fail = [&](const Ref<NSError>& error) {
         if (completion) completion(nullptr, error);
@@ -101,6 +104,8 @@ void FlareboxManager::loadGameCommonAssets(
 
 void FlareboxManager::sendEngagement(const Ref<FXEngagementData>& engagement,
                                      const std::function<void(const Ref<NSError>&)>& completion) {
+    if (!isMainThread())
+        return dispatch_async_main([this, engagement, completion] { sendEngagement(engagement, completion); });
     const auto fail = [&](const Ref<NSError>& error) {
         if (completion) completion(error);
     };
@@ -114,6 +119,7 @@ void FlareboxManager::sendEngagement(const Ref<FXEngagementData>& engagement,
 
 void FlareboxManager::saveCoupon(const Ref<FXCoupon>& coupon,
                                  const std::function<void(const Ref<FXCoupon>&, const Ref<NSError>&)>& completion) {
+    if (!isMainThread()) return dispatch_async_main([this, coupon, completion] { saveCoupon(coupon, completion); });
     const auto fail = [&](const Ref<NSError>& error) {
         if (completion) completion(nullptr, error);
     };

@@ -3,6 +3,7 @@
 #include <Flarebox/Core/FlareboxText.h>
 #include <Flarebox/Core/Logging.h>
 #include <Flarebox/Views/FlareboxView.h>
+#include <Foundation/MainQueue.h>
 #include <Networking/AFImageResponseSerializer.h>
 #include <Networking/AFNetworkReachabilityManager.h>
 #include <UIKit/UIActivityIndicatorView.h>
@@ -53,6 +54,7 @@ bool FlareboxView::validSessionData() {
 }
 
 void FlareboxView::loadData() {
+    if (!requireMainThread("FlareboxView::loadData")) return;
     assetView_->setHidden(true);
     emptyView_->setHidden(true);
     if (!validSessionData()) return startFreshTimer();
@@ -76,6 +78,7 @@ void FlareboxView::reachabilityChanged(std::int64_t status) {
 }
 
 void FlareboxView::createGameSession() {
+    if (!requireMainThread("FlareboxView::createGameSession")) return;
     if (!isNetworkConnected() || !loadingView_->isHidden()) return;
     showLoadingView(true);
     infoLog("create a game session");
@@ -148,6 +151,7 @@ bool FlareboxView::shouldRefresh() const {
 }
 
 void FlareboxView::changeRefreshDataTime(std::int32_t seconds) {
+    if (!requireMainThread("FlareboxView::changeRefreshDataTime")) return;
     FlareboxConfig::defaultConfig().setTimeRefresh(seconds);
     startFreshTimer();
 }

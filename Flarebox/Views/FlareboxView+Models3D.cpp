@@ -75,6 +75,7 @@ void FlareboxView::remove3DFilesCached() {
 }
 
 void FlareboxView::load3DModel(const Ref<FXAssetInfo>& asset) {
+    if (!asset) return;
     const std::string path = modelPath(*asset);
     if (NSFileManager::defaultManager().fileExistsAtPath(path)) return handleLoad3DAssetCompletion(path, asset);
     const NSURL url = NSURL::URLWithString(asset->fileIos());
@@ -94,6 +95,7 @@ void FlareboxView::load3DModel(const Ref<FXAssetInfo>& asset) {
 }
 
 void FlareboxView::handleLoad3DAssetCompletion(const std::string& path, const Ref<FXAssetInfo>& asset) {
+    if (!asset) return;
     create3DAssetNodeWithPath(path, asset);
     if (!scnContent_ || !isCurrentAsset(*asset)) return;
     SCNNode& root = scnContent_->scnView().scene()->rootNode();
@@ -111,7 +113,7 @@ void FlareboxView::show3DContent(const FXAssetInfo& asset, bool isLoading) {
 }
 
 void FlareboxView::create3DAssetNodeWithPath(const std::string& path, const Ref<FXAssetInfo>& asset) {
-    if (nodeOf(*asset)) return;
+    if (!asset || nodeOf(*asset)) return;
     const auto renderer = make<ZorbRenderer>();
     if (const Ref<SCNNode> node = renderer->createSCNNodeFromFile(path))
         assetNodesDict_[asset->uid().string()] = node;
@@ -125,8 +127,8 @@ Ref<SCNNode> FlareboxView::nodeOf(const FXAssetInfo& asset) const {
 }
 
 void FlareboxView::display3DModel(const Ref<FXAssetInfo>& asset) {
-    const Ref<SCNNode> node = nodeOf(*asset);
-    if (!node) return;
+    const Ref<SCNNode> node = asset ? nodeOf(*asset) : nullptr;
+    if (!node || !scnContent_) return;
     SCNView& view = scnContent_->scnView();
     ZorbRendererUtils::scaleNode(*node, view);
     view.scene()->rootNode().addChildNode(*node);

@@ -105,6 +105,7 @@ FlareboxView::~FlareboxView() {
 }
 
 Ref<FlareboxView> FlareboxView::init() {
+    if (!requireMainThread("FlareboxView::init")) return nullptr;
     openFontsInBackground();
     // The classes that the layout files name have to be known before the files are read.
     FlareboxView::staticClass();
@@ -136,6 +137,7 @@ void FlareboxView::observeValueForKeyPath(std::string_view, NSObject&, const NSK
 }
 
 void FlareboxView::showAtWindow() {
+    if (!requireMainThread("FlareboxView::showAtWindow")) return;
     dispatch_after_main(attachDelay, [self = Ref<FlareboxView>(this)] {
         UIApplicationDelegate* delegate = UIApplication::sharedApplication().delegate();
         UIWindow* window = delegate ? delegate->window() : nullptr;
@@ -149,6 +151,7 @@ void FlareboxView::showAtWindow() {
 }
 
 void FlareboxView::showAtView(UIView& parent) {
+    if (!requireMainThread("FlareboxView::showAtView")) return;
     parent.addSubview(*this);
     // A view inside the tab cannot hold it.
     if (superview() != &parent) return;
@@ -170,10 +173,12 @@ void FlareboxView::attachOpenButton(UIView& parent) {
 }
 
 void FlareboxView::toggleFlarebox() {
+    if (!requireMainThread("FlareboxView::toggleFlarebox")) return;
     toggleFlarebox(!isOpened(), true);
 }
 
 void FlareboxView::toggleFlarebox(bool open, bool animated) {
+    if (!requireMainThread("FlareboxView::toggleFlarebox")) return;
     if (isOpened() && open) return;
     isNeedFlareboxOpenedEvent_ = open;
     if (open) {
@@ -222,6 +227,7 @@ void FlareboxView::handleFlareboxOpened() {
 }
 
 void FlareboxView::showFlareboxButton(bool show) {
+    if (!requireMainThread("FlareboxView::showFlareboxButton")) return;
     // First, as closing may take a player away, which brings the button back.
     if (!show) close();
     btnOpen_->setHidden(!show);
@@ -232,6 +238,7 @@ bool FlareboxView::isFlareboxButtonVisible() const {
 }
 
 void FlareboxView::setFlareboxButtonAlpha(double alpha) {
+    if (!requireMainThread("FlareboxView::setFlareboxButtonAlpha")) return;
     btnOpen_->setAlpha(alpha);
 }
 
@@ -249,6 +256,7 @@ void FlareboxView::didMoveToWindow() {
 }
 
 void FlareboxView::removeFromSuperview() {
+    if (!requireMainThread("FlareboxView::removeFromSuperview")) return;
     if (btnOpen_) btnOpen_->removeFromSuperview();
     UIView::removeFromSuperview();
 }

@@ -40,7 +40,8 @@ enum EngagementAction : std::uint64_t {
 /// The tab: a panel at the left edge of its parent, hidden beyond the edge while closed, with an open button that
 /// sticks out. It loads the game's assets as soon as it exists and shows them when opened. The host owns it, and so
 /// does the network monitor from the first load on, until another tab loads or the host adapter goes. Made by `init()`
-/// only. Main thread only.
+/// only. Main thread only: on another one the operations below "Showing" and "Data" do nothing, `init` gives null, and
+/// the log says so. The last reference may go on any thread, and in any callback.
 class FlareboxView : public UIView,
                      public UICollectionViewDataSource,
                      public UICollectionViewDelegate,
@@ -159,12 +160,12 @@ public:
     void closeCouponView(CouponView& view) override;
     void openKestrinApp(CouponView& view) override;
 
-    // Models. Each lies in the application's documents directory under its asset's uid, and nothing else does.
+    // Models. Each lies in the application's documents directory under its asset's uid, and nothing else does. For a
+    // null asset nothing happens.
     void setup3DView();
     /// Removes what is not a listed asset's and loads the models of all that are.
     void loadAll3DAssets();
     void remove3DFilesCached();
-    /// Null must not be given.
     void load3DModel(const Ref<FXAssetInfo>& asset);
     void handleLoad3DAssetCompletion(const std::string& path, const Ref<FXAssetInfo>& asset);
     void create3DAssetNodeWithPath(const std::string& path, const Ref<FXAssetInfo>& asset);

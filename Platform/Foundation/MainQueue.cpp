@@ -2,6 +2,7 @@
 
 #include <Foundation/Clock.h>
 #include <Foundation/Immortal.h>
+#include <Foundation/LogSink.h>
 #include <Foundation/TurnMeter.h>
 
 #include <atomic>
@@ -24,10 +25,6 @@ thread_local constinit MainQueue::Batch* batch = nullptr;
 // Static initialisation runs on the process's first thread.
 std::atomic<std::thread::id> mainThread = std::this_thread::get_id();
 std::atomic<bool> mainThreadClaimed = false;
-
-void claimMainThread() {
-    if (!mainThreadClaimed.exchange(true)) mainThread = std::this_thread::get_id();
-}
 
 template <class T>
 class Restore {
@@ -135,7 +132,7 @@ void MainQueue::runWork(Pending::node_type& entry) {
 }
 
 bool MainQueue::run(double budget) {
-    claimMainThread();
+    if (!mainThreadClaimed) claimMainThread();
     Restore restore(currentDueTime_);
     const double now = Clock::current().uptime();
     const double start = Clock::real().uptime();
@@ -238,8 +235,20 @@ void dispatch_after_main(double seconds, MainQueue::Work work) {
     MainQueue::shared().after(seconds, std::move(work));
 }
 
+void claimMainThread() {
+    mainThread = std::this_thread::get_id();
+    mainThreadClaimed = true;
+}
+
 bool isMainThread() {
-    return mainThread.load() == std::this_thread::get_id();
+    return mainThread.load(std::memory_order_relaxed) == std::this_thread::get_id();
+}
+
+bool requireMainThread(std::string_view call) {
+    if (isMainThread() || !mainThreadClaimed) return true;
+    LogSink::write(LogLevelError,
+                   std::string(call) + " does nothing: it was called from another thread than the main one");
+    return false;
 }
 
 }  // namespace flarebox

@@ -6,6 +6,7 @@
 #include <map>
 #include <mutex>
 #include <optional>
+#include <string_view>
 
 namespace flarebox {
 
@@ -119,8 +120,14 @@ private:
 /// The main queue under the platform's names.
 void dispatch_async_main(MainQueue::Work work);
 void dispatch_after_main(double seconds, MainQueue::Work work);
-/// Whether the caller is on the main thread: the one that first used the main queue's `run`, or the process's first
-/// thread.
+
+/// Makes the caller's thread the main thread, as a host adapter does when it is made. Without one the main thread is
+/// the one that first used the main queue's `run`, and the process's first before that.
+void claimMainThread();
+/// Any thread.
 bool isMainThread();
+/// For a call that only the main thread may make: on another thread, once there is a main thread, the log names the
+/// call, which then has to do nothing. Any thread.
+bool requireMainThread(std::string_view call);
 
 }  // namespace flarebox

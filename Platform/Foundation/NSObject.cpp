@@ -57,7 +57,7 @@ void release(const NSObject* object) noexcept {
     if (!object || object->references_.fetch_sub(1, std::memory_order_acq_rel) != 1) return;
     // Weak references must fail from here on, before any destructor of a subclass has run.
     if (WeakBox* box = object->weakBox_.load(std::memory_order_acquire)) box->forgetObject();
-    delete object;
+    object->dealloc();
 }
 
 WeakBox* weakBox(const NSObject* object) {

@@ -73,6 +73,8 @@ protected:
     /// For operations that call out: keeps the object alive. Null during its destruction, when there is nothing to
     /// keep.
     Ref<NSObject> retained() const;
+    /// Destroys the object, on the thread that gave the last reference back.
+    virtual void dealloc() const { delete this; }
 
 private:
     friend void detail::retain(const NSObject*) noexcept;

@@ -62,8 +62,8 @@ public:
     /// A part of a turn, as long as it lives. Parts lie within one another.
     class Part {
     public:
-        /// Static text.
-        explicit Part(const char* name) : measures_(shared().budget_ > 0) {
+        /// Static text; null measures nothing.
+        explicit Part(const char* name) : measures_(name && shared().budget_ > 0) {
             if (measures_) shared().begin(name);
         }
         ~Part() {

@@ -1,4 +1,5 @@
 #include <Foundation/Clock.h>
+#include <Foundation/LogSink.h>
 #include <Foundation/MainQueue.h>
 #include <Foundation/Shutdown.h>
 #include <UIKit/CADisplayLink.h>
@@ -11,103 +12,158 @@
 #include <UIKit/UIWindow.h>
 #include <UIKit/ViewAnimations.h>
 
+#include <utility>
+
 namespace flarebox {
 
-/// The application around one window, as long as the host lives.
+namespace {
+
+/// The one host that is in force.
+UIHost* currentHost = nullptr;
+
+}  // namespace
+
+/// The application around one window, as long as the host lives; longer where the host goes inside one of its own
+/// calls.
 struct UIHost::State : UIApplicationDelegate {
+    ~State() override {
+        mainWindow = nullptr;
+        // Views that went with the window may have left work behind.
+        MainQueue::shared().removeAll();
+    }
+    UIWindow* window() override { return mainWindow.get(); }
+
     Ref<UIWindow> mainWindow = make<UIWindow>();
     LayerRenderer renderer{*mainWindow};
     TouchDispatcher touches{*mainWindow};
-
-    UIWindow* window() override { return mainWindow.get(); }
+    /// Calls under way, one inside the other.
+    int depth = 0;
+    /// Owns itself once the host is gone, until the outermost call ends.
+    std::unique_ptr<State> own;
 };
 
-UIHost::UIHost(CGSize screenSize, CGFloat scale) : state_(std::make_unique<State>()) {
+/// One call of the host, which is a part of its turn.
+class UIHost::Call {
+public:
+    Call(const UIHost& host, const char* name, const char* part)
+        : state_(requireMainThread(name) ? host.state_.get() : nullptr), part_(state_ ? part : nullptr) {
+        if (state_) ++state_->depth;
+    }
+    ~Call() {
+        if (state_ && --state_->depth == 0) std::exchange(state_->own, nullptr);
+    }
+    Call(const Call&) = delete;
+    Call& operator=(const Call&) = delete;
+
+    /// False where the call has to do nothing, or no more.
+    explicit operator bool() const { return state_ && !state_->own; }
+    /// Made by something that another call runs.
+    bool isNested() const { return state_->depth > 1; }
+    State* operator->() const { return state_; }
+
+private:
+    State* const state_;
+    TurnMeter::Part part_;
+};
+
+UIHost::UIHost(CGSize screenSize, CGFloat scale) {
+    if (currentHost) {
+        LogSink::write(LogLevelError, "A host adapter was made while there is another one: it will do nothing");
+        return;
+    }
+    claimMainThread();
+    currentHost = this;
+    state_ = std::make_unique<State>();
     setScreen(screenSize, scale);
     state_->mainWindow->setRootViewController(make<UIViewController>());
     UIApplication::sharedApplication().setDelegate(state_.get());
 }
 
 UIHost::~UIHost() {
+    if (!state_) return;
+    if (!requireMainThread("The end of the host adapter, which")) claimMainThread();
     Shutdown::run();
     ViewAnimations::removeAll();
     UIApplication& application = UIApplication::sharedApplication();
     if (application.delegate() == state_.get()) application.setDelegate(nullptr);
     UIDevice::currentDevice().orientation_ = UIDeviceOrientation::Unknown;
-    state_.reset();
-    // Views that went with the window may have left work behind.
-    MainQueue::shared().removeAll();
+    currentHost = nullptr;
+    State& state = *state_;
+    if (state.depth > 0) state.own = std::move(state_);
 }
 
 void UIHost::setScreen(CGSize size, CGFloat scale) {
+    const Call call(*this, "UIHost::setScreen", "input");
+    if (!call) return;
     UIScreen& screen = UIScreen::mainScreen();
     screen.bounds_ = {{}, size};
     screen.scale_ = scale > 0 ? scale : 1;
-    state_->mainWindow->setFrame(screen.bounds_);
+    call->mainWindow->setFrame(screen.bounds_);
 }
 
 void UIHost::setOrientation(UIDeviceOrientation orientation) {
-    UIDevice::currentDevice().setOrientation(orientation);
+    const Call call(*this, "UIHost::setOrientation", "input");
+    if (call) UIDevice::currentDevice().setOrientation(orientation);
 }
 
 InputResult UIHost::pointerDown(int pointer, CGPoint point) {
-    TurnMeter::Part part("input");
-    return state_->touches.down(pointer, point);
+    const Call call(*this, "UIHost::pointerDown", "input");
+    return call ? call->touches.down(pointer, point) : InputResult::Ignored;
 }
 InputResult UIHost::pointerMoved(int pointer, CGPoint point) {
-    TurnMeter::Part part("input");
-    return state_->touches.moved(pointer, point);
+    const Call call(*this, "UIHost::pointerMoved", "input");
+    return call ? call->touches.moved(pointer, point) : InputResult::Ignored;
 }
 InputResult UIHost::pointerUp(int pointer, CGPoint point) {
-    TurnMeter::Part part("input");
-    return state_->touches.up(pointer, point);
+    const Call call(*this, "UIHost::pointerUp", "input");
+    return call ? call->touches.up(pointer, point) : InputResult::Ignored;
 }
 void UIHost::pointerCancelled(int pointer) {
-    TurnMeter::Part part("input");
-    state_->touches.cancelled(pointer);
+    const Call call(*this, "UIHost::pointerCancelled", "input");
+    if (call) call->touches.cancelled(pointer);
 }
 InputResult UIHost::pointerHovered(CGPoint point) {
-    TurnMeter::Part part("input");
-    return state_->touches.hovered(point);
+    const Call call(*this, "UIHost::pointerHovered", "input");
+    return call ? call->touches.hovered(point) : InputResult::Ignored;
 }
 void UIHost::pointerLeft() {
-    TurnMeter::Part part("input");
-    state_->touches.left();
+    const Call call(*this, "UIHost::pointerLeft", "input");
+    if (call) call->touches.left();
 }
 InputResult UIHost::scrolled(CGPoint point, CGFloat dx, CGFloat dy) {
-    TurnMeter::Part part("input");
-    return state_->touches.scrolled(point, dx, dy);
+    const Call call(*this, "UIHost::scrolled", "input");
+    return call ? call->touches.scrolled(point, dx, dy) : InputResult::Ignored;
 }
-
 InputResult UIHost::keyDown(std::string_view name) {
-    TurnMeter::Part part("input");
-    return state_->mainWindow->keyDown(name) ? InputResult::Consumed : InputResult::Ignored;
+    const Call call(*this, "UIHost::keyDown", "input");
+    return call && call->mainWindow->keyDown(name) ? InputResult::Consumed : InputResult::Ignored;
 }
 
 void UIHost::update(double budget) {
-    TurnMeter::Part turn("update");
+    const Call call(*this, "UIHost::update", "update");
+    if (!call || call.isNested()) return;
     MainQueue::shared().run(budget);
     const double now = Clock::current().uptime();
-    {
+    if (call) {
         TurnMeter::Part part("display links");
         CADisplayLink::runFrame(now);
     }
-    {
+    if (call) {
         TurnMeter::Part part("animations");
         ViewAnimations::tick(now);
     }
-    {
+    if (call) {
         TurnMeter::Part part("layout");
-        state_->mainWindow->raisePresented();
-        state_->mainWindow->layoutIfNeeded();
+        call->mainWindow->raisePresented();
+        call->mainWindow->layoutIfNeeded();
     }
     // What is under a still pointer changes only together with the picture.
     TurnMeter::Part part("hovering");
-    if (needsDisplay()) state_->touches.refreshHover();
+    if (call && call->renderer.needsDisplay()) call->touches.refreshHover();
 }
 
 void UIHost::setTurnBudget(double seconds) {
-    TurnMeter::shared().setBudget(seconds);
+    if (requireMainThread("UIHost::setTurnBudget")) TurnMeter::shared().setBudget(seconds);
 }
 
 const TurnMeter::Turn& UIHost::longestTurn() const {
@@ -115,20 +171,22 @@ const TurnMeter::Turn& UIHost::longestTurn() const {
 }
 
 void UIHost::resetLongestTurn() {
-    TurnMeter::shared().resetLongestTurn();
+    if (requireMainThread("UIHost::resetLongestTurn")) TurnMeter::shared().resetLongestTurn();
 }
 
 bool UIHost::needsDisplay() const {
-    return state_->renderer.needsDisplay();
+    const Call call(*this, "UIHost::needsDisplay", nullptr);
+    return call && call->renderer.needsDisplay();
 }
 
 void UIHost::draw(Compositor& compositor) {
-    TurnMeter::Part part("drawing");
-    state_->renderer.draw(compositor, UIScreen::mainScreen().scale());
+    const Call call(*this, "UIHost::draw", "drawing");
+    if (call && !call.isNested()) call->renderer.draw(compositor, UIScreen::mainScreen().scale());
 }
 
 void UIHost::releaseTextures(Compositor& compositor) {
-    state_->renderer.releaseTextures(compositor);
+    const Call call(*this, "UIHost::releaseTextures", nullptr);
+    if (call) call->renderer.releaseTextures(compositor);
 }
 
 }  // namespace flarebox

@@ -23,8 +23,13 @@ enum class UIDeviceOrientation : std::int64_t {
     FaceDown = 6
 };
 
-/// What a host adapter tells the kit and asks of it: screen, input, the frame tick, drawing. One exists at a time; it
-/// makes the application's window and, when destroyed, stops every thread of the kit within 200 ms. Main thread.
+/// What a host adapter tells the kit and asks of it: screen, input, the frame tick, drawing. It makes the application's
+/// window and, when destroyed, stops every thread of the kit within 200 ms.
+///
+/// The thread that makes a host is the main thread from then on: calls from another one do nothing, answer Ignored or
+/// false, and are named in the log. One host exists at a time: a second one does nothing, and the log says so. Inside a
+/// callback of the kit the game may do everything but call `update` and `draw`, which do nothing there, and end the
+/// host adapter, which may end in a callback of `update` only.
 class UIHost {
 public:
     /// Size in points, scale in pixels per point.
@@ -73,6 +78,8 @@ public:
 
 private:
     struct State;
+    class Call;
+    /// Null in a host that was made beside another one.
     std::unique_ptr<State> state_;
 };
 

@@ -1,3 +1,5 @@
+#include <Foundation/LogSink.h>
+#include <Foundation/MainQueue.h>
 #include <UIKit/LayoutEngine.h>
 #include <UIKit/UIGestureRecognizer.h>
 #include <UIKit/UIView.h>
@@ -6,7 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
+#include <memory>
 
 namespace flarebox {
 namespace {
@@ -41,6 +43,12 @@ UIView::~UIView() {
     }
 }
 
+void UIView::dealloc() const {
+    if (isMainThread()) return NSObject::dealloc();
+    // Whether the queue runs or drops the work, the view goes with it.
+    dispatch_async_main([self = std::shared_ptr<const UIView>(this)] {});
+}
+
 // The tree.
 
 void UIView::addSubview(UIView& view) {
@@ -58,7 +66,7 @@ void UIView::sendSubviewToBack(UIView& view) {
 
 void UIView::attach(UIView& view, std::size_t index) {
     if (isDescendantOfView(view)) {
-        std::fprintf(stderr, "UIView: a view cannot be added to itself or to a view inside it\n");
+        LogSink::write(LogLevelError, "UIView: a view cannot be added to itself or to a view inside it");
         return;
     }
     const Ref<UIView> kept(&view);

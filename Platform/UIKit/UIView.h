@@ -31,7 +31,8 @@ CGRect placedByContentMode(CGSize picture, const CGRect& area, UIViewContentMode
 enum class UILayoutConstraintAxis : std::uint8_t { Horizontal, Vertical };
 
 /// A rectangle of the retained tree: owned by its superview, laid out by constraints or by its frame, drawn into a
-/// bitmap of its own only when something about it changed. Main thread only.
+/// bitmap of its own only when something about it changed. Main thread only, but for its last reference: a view that
+/// another thread lets go is destroyed by the main queue.
 class UIView : public NSObject {
     FLAREBOX_CLASS(UIView)
 public:
@@ -174,6 +175,9 @@ public:
                                     std::function<void(bool finished)> completion = nullptr);
     /// Inside an animation: runs `changes` now and shows them at once.
     static void performWithoutAnimation(const std::function<void()>& changes);
+
+protected:
+    void dealloc() const override;
 
 private:
     friend class CALayer;

@@ -57,8 +57,20 @@ bool isNear(Uint32 a, Uint32 b) {
     return true;
 }
 
+TEST_F(SDLTest, WithoutWindowOrRendererNothingIsShownAndNothingBreaks) {
+    for (SDL_Renderer* renderer : {renderer_, static_cast<SDL_Renderer*>(nullptr)}) {
+        SDLHost host(nullptr, renderer);
+        SDL_Event click{};
+        click.type = SDL_MOUSEBUTTONDOWN;
+        click.button.button = SDL_BUTTON_LEFT;
+        EXPECT_EQ(host.handleEvent(click), InputResult::Ignored);
+        host.update();
+        host.draw();
+    }
+}
+
 TEST_F(SDLTest, CompositorBlendsClipsAndScales) {
-    SDLCompositor compositor(*renderer_);
+    SDLCompositor compositor(renderer_);
     EXPECT_EQ(compositor.alphaConvention(), Compositor::Alpha::Straight);
     const TextureId texture = compositor.createTexture(4, 4);
     ASSERT_NE(texture, 0U);
@@ -123,7 +135,7 @@ struct RendererState {
 };
 
 TEST_F(SDLTest, CompositorLeavesTheGamesStateAlone) {
-    SDLCompositor compositor(*renderer_);
+    SDLCompositor compositor(renderer_);
     const TextureId texture = compositor.createTexture(1, 1);
     const std::uint32_t white = 0xFFFFFFFF;
     compositor.updateTexture(texture, {0, 0, 1, 1}, &white, 1);

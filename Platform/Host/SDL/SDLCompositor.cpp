@@ -26,36 +26,36 @@ struct ViewState {
     int logicalWidth = 0, logicalHeight = 0;
     bool isClipped = false;
 
-    static ViewState of(SDL_Renderer& renderer) {
+    static ViewState of(SDL_Renderer* renderer) {
         ViewState state;
-        SDL_RenderGetLogicalSize(&renderer, &state.logicalWidth, &state.logicalHeight);
-        SDL_RenderGetScale(&renderer, &state.scaleX, &state.scaleY);
-        SDL_RenderGetViewport(&renderer, &state.viewport);
-        state.isClipped = SDL_RenderIsClipEnabled(&renderer) == SDL_TRUE;
-        SDL_RenderGetClipRect(&renderer, &state.clip);
+        SDL_RenderGetLogicalSize(renderer, &state.logicalWidth, &state.logicalHeight);
+        SDL_RenderGetScale(renderer, &state.scaleX, &state.scaleY);
+        SDL_RenderGetViewport(renderer, &state.viewport);
+        state.isClipped = SDL_RenderIsClipEnabled(renderer) == SDL_TRUE;
+        SDL_RenderGetClipRect(renderer, &state.clip);
         return state;
     }
 
-    void apply(SDL_Renderer& renderer) const {
+    void apply(SDL_Renderer* renderer) const {
         // The logical size comes first because setting it overwrites scale and viewport. What is right already is left
         // alone: SDL keeps pixels and hands out rounded units, so setting what it handed out may be a pixel off.
-        if (logicalWidth > 0 && logicalHeight > 0) SDL_RenderSetLogicalSize(&renderer, logicalWidth, logicalHeight);
+        if (logicalWidth > 0 && logicalHeight > 0) SDL_RenderSetLogicalSize(renderer, logicalWidth, logicalHeight);
         float currentX = 1, currentY = 1;
-        SDL_RenderGetScale(&renderer, &currentX, &currentY);
-        if (currentX != scaleX || currentY != scaleY) SDL_RenderSetScale(&renderer, scaleX, scaleY);
+        SDL_RenderGetScale(renderer, &currentX, &currentY);
+        if (currentX != scaleX || currentY != scaleY) SDL_RenderSetScale(renderer, scaleX, scaleY);
         SDL_Rect current{};
-        SDL_RenderGetViewport(&renderer, &current);
-        if (!SDL_RectEquals(&current, &viewport)) SDL_RenderSetViewport(&renderer, &viewport);
-        SDL_RenderSetClipRect(&renderer, isClipped ? &clip : nullptr);
+        SDL_RenderGetViewport(renderer, &current);
+        if (!SDL_RectEquals(&current, &viewport)) SDL_RenderSetViewport(renderer, &viewport);
+        SDL_RenderSetClipRect(renderer, isClipped ? &clip : nullptr);
     }
 
-    static void makePlain(SDL_Renderer& renderer) {
+    static void makePlain(SDL_Renderer* renderer) {
         int width = 0, height = 0;
-        SDL_RenderGetLogicalSize(&renderer, &width, &height);
-        if (width > 0 || height > 0) SDL_RenderSetLogicalSize(&renderer, 0, 0);
-        SDL_RenderSetScale(&renderer, 1, 1);
-        SDL_RenderSetViewport(&renderer, nullptr);
-        SDL_RenderSetClipRect(&renderer, nullptr);
+        SDL_RenderGetLogicalSize(renderer, &width, &height);
+        if (width > 0 || height > 0) SDL_RenderSetLogicalSize(renderer, 0, 0);
+        SDL_RenderSetScale(renderer, 1, 1);
+        SDL_RenderSetViewport(renderer, nullptr);
+        SDL_RenderSetClipRect(renderer, nullptr);
     }
 };
 
@@ -71,10 +71,10 @@ struct SDLCompositor::RendererState {
     SDL_Rect clip{};
 };
 
-SDLCompositor::SDLCompositor(SDL_Renderer& renderer)
+SDLCompositor::SDLCompositor(SDL_Renderer* renderer)
     : renderer_(renderer), maximumTextureSize_(Compositor::maximumTextureSize()) {
     SDL_RendererInfo info;
-    if (SDL_GetRendererInfo(&renderer, &info) != 0) return;
+    if (SDL_GetRendererInfo(renderer, &info) != 0) return;
     // The software renderer reports 0: it has no limit of its own.
     const int limit = std::min(info.max_texture_width, info.max_texture_height);
     if (limit > 0) maximumTextureSize_ = std::min(maximumTextureSize_, limit);
@@ -89,7 +89,7 @@ SDLCompositor::~SDLCompositor() {
 TextureId SDLCompositor::createTexture(int width, int height) {
     if (width <= 0 || height <= 0) return 0;
     SDL_Texture* texture =
-        SDL_CreateTexture(&renderer_, SDL_PIXELFORMAT_ARGB8888, SDL_TEXTUREACCESS_STATIC, width, height);
+        SDL_CreateTexture(renderer_, SDL_PIXELFORMAT_ARGB8888, SDL_TEXTUREACCESS_STATIC, width, height);
     if (!texture) return 0;
     SDL_SetTextureBlendMode(texture, SDL_BLENDMODE_BLEND);
     SDL_SetTextureScaleMode(texture, SDL_ScaleModeLinear);
@@ -134,7 +134,7 @@ void SDLCompositor::drawQuad(const TexturedQuad& quad) {
     const SDL_FRect destination{
         static_cast<float>(quad.destination.minX()), static_cast<float>(quad.destination.minY()),
         static_cast<float>(quad.destination.width()), static_cast<float>(quad.destination.height())};
-    SDL_RenderCopyF(&renderer_, texture, &source, &destination);
+    SDL_RenderCopyF(renderer_, texture, &source, &destination);
 }
 
 void SDLCompositor::setClip(const SDL_Rect* clip) {
@@ -142,7 +142,7 @@ void SDLCompositor::setClip(const SDL_Rect* clip) {
     RendererState& state = *gameState_;
     const bool isSame = clip ? state.isClipped && SDL_RectEquals(clip, &state.clip) : !state.isClipped;
     if (isSame) return;
-    SDL_RenderSetClipRect(&renderer_, clip);
+    SDL_RenderSetClipRect(renderer_, clip);
     state.isClipped = clip != nullptr;
     if (clip) state.clip = *clip;
 }
@@ -150,12 +150,12 @@ void SDLCompositor::setClip(const SDL_Rect* clip) {
 void SDLCompositor::beginFrame() {
     gameState_ = std::make_unique<RendererState>();
     RendererState& state = *gameState_;
-    SDL_GetRenderDrawBlendMode(&renderer_, &state.blendMode);
-    SDL_GetRenderDrawColor(&renderer_, &state.red, &state.green, &state.blue, &state.alpha);
-    state.target = SDL_GetRenderTarget(&renderer_);
+    SDL_GetRenderDrawBlendMode(renderer_, &state.blendMode);
+    SDL_GetRenderDrawColor(renderer_, &state.red, &state.green, &state.blue, &state.alpha);
+    state.target = SDL_GetRenderTarget(renderer_);
     if (state.target) {
         state.targetView = ViewState::of(renderer_);
-        SDL_SetRenderTarget(&renderer_, nullptr);
+        SDL_SetRenderTarget(renderer_, nullptr);
     }
     state.windowView = ViewState::of(renderer_);
     ViewState::makePlain(renderer_);
@@ -166,11 +166,11 @@ void SDLCompositor::endFrame() {
     const std::unique_ptr<RendererState> state = std::move(gameState_);
     state->windowView.apply(renderer_);
     if (state->target) {
-        SDL_SetRenderTarget(&renderer_, state->target);
+        SDL_SetRenderTarget(renderer_, state->target);
         state->targetView.apply(renderer_);
     }
-    SDL_SetRenderDrawColor(&renderer_, state->red, state->green, state->blue, state->alpha);
-    SDL_SetRenderDrawBlendMode(&renderer_, state->blendMode);
+    SDL_SetRenderDrawColor(renderer_, state->red, state->green, state->blue, state->alpha);
+    SDL_SetRenderDrawBlendMode(renderer_, state->blendMode);
 }
 
 }  // namespace flarebox

@@ -17,7 +17,7 @@ namespace flarebox {
 /// colour are the game's again. The renderer must outlive it. Main thread.
 class SDLCompositor : public Compositor {
 public:
-    explicit SDLCompositor(SDL_Renderer& renderer);
+    explicit SDLCompositor(SDL_Renderer* renderer);
     ~SDLCompositor() override;
     SDLCompositor(const SDLCompositor&) = delete;
     SDLCompositor& operator=(const SDLCompositor&) = delete;
@@ -39,7 +39,7 @@ private:
     SDL_Texture* textureOf(TextureId texture) const;
     void setClip(const SDL_Rect* clip);
 
-    SDL_Renderer& renderer_;
+    SDL_Renderer* renderer_;
     int maximumTextureSize_;
     /// A texture's id is its place here plus one; places of destroyed textures are used again.
     std::vector<SDL_Texture*> textures_;

@@ -1,5 +1,6 @@
 #include "SDLHost.h"
 
+#include <Foundation/LogSink.h>
 #include <SDL.h>
 
 #include <algorithm>
@@ -13,23 +14,23 @@ constexpr int mousePointer = 0;
 /// Points that the content moves by for one notch of a wheel.
 constexpr CGFloat wheelStep = 40;
 
-CGSize sizeOf(SDL_Window& window) {
+CGSize sizeOf(SDL_Window* window) {
     int width = 0, height = 0;
-    SDL_GetWindowSize(&window, &width, &height);
+    SDL_GetWindowSize(window, &width, &height);
     return {static_cast<CGFloat>(std::max(width, 1)), static_cast<CGFloat>(std::max(height, 1))};
 }
 
 /// Pixels of the window, also while the game draws into a texture.
-CGSize pixelSizeOf(SDL_Renderer& renderer) {
-    SDL_Texture* target = SDL_GetRenderTarget(&renderer);
-    if (target) SDL_SetRenderTarget(&renderer, nullptr);
+CGSize pixelSizeOf(SDL_Renderer* renderer) {
+    SDL_Texture* target = SDL_GetRenderTarget(renderer);
+    if (target) SDL_SetRenderTarget(renderer, nullptr);
     int width = 0, height = 0;
-    SDL_GetRendererOutputSize(&renderer, &width, &height);
-    if (target) SDL_SetRenderTarget(&renderer, target);
+    SDL_GetRendererOutputSize(renderer, &width, &height);
+    if (target) SDL_SetRenderTarget(renderer, target);
     return {static_cast<CGFloat>(width), static_cast<CGFloat>(height)};
 }
 
-CGFloat scaleOf(SDL_Window& window, SDL_Renderer& renderer) {
+CGFloat scaleOf(SDL_Window* window, SDL_Renderer* renderer) {
     const CGFloat scale = pixelSizeOf(renderer).width / sizeOf(window).width;
     return scale > 0 ? scale : 1;
 }
@@ -69,10 +70,9 @@ bool repeats(std::string_view key) {
 }  // namespace
 
 SDLHost::SDLHost(SDL_Window* window, SDL_Renderer* renderer)
-    : UIHost(sizeOf(*window), scaleOf(*window, *renderer)),
-      window_(*window),
-      renderer_(*renderer),
-      compositor_(*renderer) {
+    : UIHost(sizeOf(window), scaleOf(window, renderer)), window_(window), renderer_(renderer), compositor_(renderer) {
+    if (!window || !renderer)
+        LogSink::write(LogLevelError, "SDLHost: without a window and a renderer nothing is shown");
     followWindow();
 }
 
@@ -115,7 +115,7 @@ InputResult SDLHost::handleEvent(const SDL_Event& event) {
 }
 
 bool SDLHost::isForeign(const SDL_Event& event) const {
-    const Uint32 own = SDL_GetWindowID(&window_);
+    const Uint32 own = SDL_GetWindowID(window_);
     switch (event.type) {
         case SDL_MOUSEBUTTONDOWN:
         case SDL_MOUSEBUTTONUP:
@@ -262,16 +262,16 @@ int SDLHost::pointerOf(std::int64_t finger) {
 // With a logical size SDL rewrites the positions in events into the game's own units.
 CGPoint SDLHost::pointFromEvent(float x, float y) const {
     int logicalWidth = 0, logicalHeight = 0;
-    SDL_RenderGetLogicalSize(&renderer_, &logicalWidth, &logicalHeight);
+    SDL_RenderGetLogicalSize(renderer_, &logicalWidth, &logicalHeight);
     if (logicalWidth <= 0 || logicalHeight <= 0) return {x, y};
     int windowX = 0, windowY = 0;
-    SDL_RenderLogicalToWindow(&renderer_, x, y, &windowX, &windowY);
+    SDL_RenderLogicalToWindow(renderer_, x, y, &windowX, &windowY);
     return {static_cast<CGFloat>(windowX), static_cast<CGFloat>(windowY)};
 }
 
 CGPoint SDLHost::pointFromFinger(float x, float y) const {
     int logicalWidth = 0, logicalHeight = 0;
-    SDL_RenderGetLogicalSize(&renderer_, &logicalWidth, &logicalHeight);
+    SDL_RenderGetLogicalSize(renderer_, &logicalWidth, &logicalHeight);
     if (logicalWidth > 0 && logicalHeight > 0) {
         return pointFromEvent(x * static_cast<float>(logicalWidth), y * static_cast<float>(logicalHeight));
     }

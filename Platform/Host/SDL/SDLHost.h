@@ -22,8 +22,8 @@ namespace flarebox {
 ///     SDL_RenderPresent
 ///
 /// A point is a unit of the window's size; on a display of high density a point has more than one pixel. The
-/// orientation follows the window: wide is landscape, tall is portrait. Window and renderer must outlive the host. Main
-/// thread.
+/// orientation follows the window: wide is landscape, tall is portrait. Window and renderer must outlive the host;
+/// where one of them is null, SDL refuses all calls and nothing is shown. Main thread.
 class SDLHost : public UIHost {
 public:
     SDLHost(SDL_Window* window, SDL_Renderer* renderer);
@@ -55,8 +55,8 @@ private:
     CGPoint pointFromEvent(float x, float y) const;
     CGPoint pointFromFinger(float x, float y) const;
 
-    SDL_Window& window_;
-    SDL_Renderer& renderer_;
+    SDL_Window* window_;
+    SDL_Renderer* renderer_;
     SDLCompositor compositor_;
     CGPoint mouse_;
     /// Pointers that are down; fingers count from 1.
