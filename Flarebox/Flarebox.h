@@ -10,3 +10,4 @@
 #include <Flarebox/Managers/FlareboxManager.h>
 #include <Flarebox/Models/FXUserSession.h>
 #include <Flarebox/Views/FlareboxView.h>
+#include <Flarebox/Views/FlareboxViewDelegate.h>

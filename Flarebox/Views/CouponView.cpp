@@ -89,6 +89,7 @@ void CouponView::saved(const Ref<NSError>& error) {
     } else {
         infoLog("Coupon saved");
         show(State::Saved, flareboxText(savedMessage));
+        if (delegate_) delegate_->couponViewDidSave(*this);
     }
 }
 

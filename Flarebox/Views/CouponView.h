@@ -20,6 +20,7 @@ public:
     virtual ~CouponViewDelegate() = default;
     virtual void openKestrinApp(CouponView&) {}
     virtual void closeCouponView(CouponView&) {}
+    virtual void couponViewDidSave(CouponView&) {}
 };
 
 /// The overlay that saves a coupon to the player's account and tells how that went. While it saves it cannot be left.

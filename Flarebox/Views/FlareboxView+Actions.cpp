@@ -20,17 +20,6 @@ UIWindow* mainWindow() {
     return delegate ? delegate->window() : nullptr;
 }
 
-/// The companion application, or the place to get it.
-void openApplication(const NSString& link) {
-    UIApplication& application = UIApplication::sharedApplication();
-    const NSURL url = NSURL::URLWithString(link);
-    if (url) application.allowScheme(url.scheme());
-    if (application.canOpenURL(url))
-        application.openURL(url);
-    else
-        application.openURL(NSURL::URLWithString(FlareboxView::appStoreLink()));
-}
-
 }  // namespace
 
 NSString FlareboxView::appSchemaLinkProd() {
@@ -41,6 +30,19 @@ NSString FlareboxView::appSchemaLinkDev() {
 }
 NSString FlareboxView::appStoreLink() {
     return storeLinkPrefix + ("/app/id" + appStoreID.string());
+}
+
+void FlareboxView::openLink(const NSURL& url) {
+    UIApplication& application = UIApplication::sharedApplication();
+    if (!application.isAllowed(url)) return;
+    if (!delegate_ || delegate_->flareboxViewShouldOpenLink(*this, url)) application.openURL(url);
+}
+
+void FlareboxView::openApplication(const NSString& link) {
+    UIApplication& application = UIApplication::sharedApplication();
+    const NSURL url = NSURL::URLWithString(link);
+    if (url) application.allowScheme(url.scheme());
+    openLink(application.canOpenURL(url) ? url : NSURL::URLWithString(appStoreLink()));
 }
 
 void FlareboxView::openKestrinProd() {
@@ -71,6 +73,10 @@ void FlareboxView::closeCouponView(CouponView&) {
     assetView_->sendSubviewToBack(*couponView_);
 }
 
+void FlareboxView::couponViewDidSave(CouponView& view) {
+    if (delegate_) delegate_->flareboxViewDidSaveCoupon(*this, view.asset());
+}
+
 void FlareboxView::openKestrinApp(CouponView& view) {
     closeCouponView(view);
     openKestrinProd();
@@ -79,7 +85,7 @@ void FlareboxView::openKestrinApp(CouponView& view) {
 void FlareboxView::pressBuyButton() {
     pauseVideo();
     if (!currentAsset_) return;
-    UIApplication::sharedApplication().openURL(NSURL::URLWithString(currentAsset_->whereToBuy()));
+    openLink(NSURL::URLWithString(currentAsset_->whereToBuy()));
 }
 
 void FlareboxView::pauseVideo() {

@@ -44,6 +44,7 @@ void FlareboxView::selectFirstAsset() {
 
 void FlareboxView::selectAsset(const Ref<FXAssetInfo>& asset) {
     if (!asset) return;
+    const Ref<NSObject> self = retained();
     currentAsset_ = asset;
     lbAssetTitle_->setText(asset->title());
     lbAssetDesc_->setText(asset->_description());
@@ -55,6 +56,14 @@ void FlareboxView::selectAsset(const Ref<FXAssetInfo>& asset) {
     else
         disable(*btnBuy_);
     validateAssetPreventModes();
+    tellSelection();
+}
+
+void FlareboxView::tellSelection() {
+    const NSString uid = currentAsset_ ? currentAsset_->uid() : NSString();
+    if (knownSelection_ == uid) return;
+    knownSelection_ = uid;
+    if (delegate_ && currentAsset_) delegate_->flareboxViewDidSelectAsset(*this, currentAsset_);
 }
 
 void FlareboxView::loadAssetPicture(const NSString& address) {

@@ -6,6 +6,7 @@
 #include <Foundation/MainQueue.h>
 #include <Networking/AFImageResponseSerializer.h>
 #include <Networking/AFNetworkReachabilityManager.h>
+#include <Networking/NetworkError.h>
 #include <UIKit/UIActivityIndicatorView.h>
 #include <UIKit/UILabel.h>
 
@@ -70,6 +71,7 @@ void FlareboxView::reachabilityChanged(std::int64_t status) {
     if (!isNetworkConnected()) {
         startFreshTimer();
         showNetworkErrorMessage();
+        if (delegate_) delegate_->flareboxViewDidFailToLoad(*this, networkError(NSURLErrorNotConnectedToInternet, ""));
     } else if (FlareboxManager::sharedInstance().sessionInfo()) {
         loadAssets();
     } else {
@@ -92,9 +94,7 @@ void FlareboxView::gameSessionCreated(const Ref<FXSessionInfo>& session, const R
     showLoadingView(false);
     if (error) {
         startFreshTimer();
-        errorLog("%@", error->localizedDescription());
-        showRequestErrorMessage();
-        return;
+        return loadFailed(error);
     }
     infoLog("Game session created");
     FlareboxManager::sharedInstance().setSessionInfo(session);
@@ -114,11 +114,7 @@ void FlareboxView::loadAssets() {
 void FlareboxView::assetsLoaded(const std::shared_ptr<AssetList>& assets, const Ref<NSError>& error) {
     showLoadingView(false);
     startFreshTimer();
-    if (error) {
-        errorLog("%@", error->localizedDescription());
-        showRequestErrorMessage();
-        return;
-    }
+    if (error) return loadFailed(error);
     infoLog("Common game assets load done");
     FlareboxManager& manager = FlareboxManager::sharedInstance();
     manager.setGameAssets(assets);
@@ -127,6 +123,12 @@ void FlareboxView::assetsLoaded(const std::shared_ptr<AssetList>& assets, const 
     showLoadingView(false);
     currentAsset_ = nullptr;
     updateFlarebox();
+}
+
+void FlareboxView::loadFailed(const Ref<NSError>& error) {
+    errorLog("%@", error->localizedDescription());
+    showRequestErrorMessage();
+    if (delegate_) delegate_->flareboxViewDidFailToLoad(*this, error);
 }
 
 void FlareboxView::startFreshTimer() {

@@ -2,6 +2,8 @@
 #include <UIKit/UIButton.h>
 #include <UIKit/UIImageView.h>
 
+#include <utility>
+
 namespace flarebox {
 namespace {
 
@@ -36,6 +38,7 @@ void FlareboxView::validateAssetPreventModes() {
 
 void FlareboxView::changeAssetMode(AssetMode mode) {
     if (!isEnabledMode(mode)) return;
+    const Ref<NSObject> self = retained();
     focusAssetMode(mode);
     if (!isOpened()) return;
     if (mode == AssetMode3D) sendEngagementEvent(EngagementAction3D);
@@ -52,6 +55,8 @@ void FlareboxView::focusAssetMode(AssetMode mode) {
     btn2d_->setSelected(mode == AssetMode2D);
     btn3d_->setSelected(mode == AssetMode3D);
     btnVideo_->setSelected(mode == AssetModeVideo);
+    const bool isChange = std::exchange(knownMode_, mode) != mode;
+    if (isChange && delegate_) delegate_->flareboxViewDidChangeMode(*this, mode);
 }
 
 }  // namespace flarebox

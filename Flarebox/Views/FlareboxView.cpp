@@ -180,6 +180,7 @@ void FlareboxView::toggleFlarebox() {
 void FlareboxView::toggleFlarebox(bool open, bool animated) {
     if (!requireMainThread("FlareboxView::toggleFlarebox")) return;
     if (isOpened() && open) return;
+    const Ref<NSObject> self = retained();
     isNeedFlareboxOpenedEvent_ = open;
     if (open) {
         isHasBeenOpened_ = true;
@@ -190,6 +191,15 @@ void FlareboxView::toggleFlarebox(bool open, bool animated) {
         leaveFullScreen();
     }
     placePanel(open, animated);
+    tellWhetherOpen(open);
+}
+
+void FlareboxView::tellWhetherOpen(bool open) {
+    if (std::exchange(isKnownToBeOpen_, open) == open || !delegate_) return;
+    if (open)
+        delegate_->flareboxViewDidOpen(*this);
+    else
+        delegate_->flareboxViewDidClose(*this);
 }
 
 void FlareboxView::placePanel(bool open, bool animated) {

@@ -3,6 +3,7 @@
 #include <Flarebox/Managers/FlareboxManager.h>
 #include <Flarebox/Models/FXAssetInfo.h>
 #include <Flarebox/Views/CouponView.h>
+#include <Flarebox/Views/FlareboxViewDelegate.h>
 #include <Flarebox/Views/SCNContentView.h>
 #include <Flarebox/Views/VideoView.h>
 #include <Foundation/NSTimer.h>
@@ -24,9 +25,6 @@ class UIButton;
 class UIImageView;
 class UILabel;
 class NSNotification;
-
-/// What the tab's content area shows.
-enum AssetMode : std::uint64_t { AssetMode2D = 0, AssetMode3D = 1, AssetModeVideo = 2 };
 
 /// What the service is told of. The first three are the numbers of the modes; looking at pictures is not told.
 enum EngagementAction : std::uint64_t {
@@ -55,6 +53,10 @@ public:
 
     /// The tab made from its layout file; null, with a message on standard error, when the kit's resources are missing.
     static Ref<FlareboxView> init();
+
+    /// Who follows what the tab does. Not owned; may be null. One that is no NSObject takes itself back before it goes.
+    void setDelegate(FlareboxViewDelegate* delegate) { delegate_ = delegate; }
+    FlareboxViewDelegate* delegate() const { return delegate_.get(); }
 
     // Showing.
     /// Attaches the tab, closed, to the application's main window 0.1 seconds from now, replacing any tab there.
@@ -159,6 +161,7 @@ public:
     static NSString appStoreLink();
     void closeCouponView(CouponView& view) override;
     void openKestrinApp(CouponView& view) override;
+    void couponViewDidSave(CouponView& view) override;
 
     // Models. Each lies in the application's documents directory under its asset's uid, and nothing else does. For a
     // null asset nothing happens.
@@ -196,11 +199,13 @@ private:
     void pressCloseButton() { toggleFlarebox(false, true); }
     void attachOpenButton(UIView& parent);
     void placePanel(bool open, bool animated);
+    void tellWhetherOpen(bool open);
 
     // FlareboxView+Data.cpp
     void reachabilityChanged(std::int64_t status);
     void gameSessionCreated(const Ref<FXSessionInfo>& session, const Ref<NSError>& error);
     void assetsLoaded(const std::shared_ptr<AssetList>& assets, const Ref<NSError>& error);
+    void loadFailed(const Ref<NSError>& error);
     bool shouldRefresh() const;
 
     // FlareboxView+Layout.cpp
@@ -214,6 +219,7 @@ private:
     /// The list fades out where it goes on.
     void showListEnds();
     void loadAssetPicture(const NSString& address);
+    void tellSelection();
     void selectFirstAsset();
     bool isCurrentAsset(const FXAssetInfo& asset) const;
     std::size_t collectionViewNumberOfItemsInSection(UICollectionView& view, std::size_t section) override;
@@ -241,6 +247,10 @@ private:
     // FlareboxView+Actions.cpp
     void pressCouponButton();
     void pressBuyButton();
+    /// Opens the link unless the host does not want it.
+    void openLink(const NSURL& url);
+    /// The companion application, or the place to get it.
+    void openApplication(const NSString& link);
 
     // Bound by the layout file; owned by the view tree.
     Weak<UIView> emptyView_, assetView_, contentView_, assetContentView_, leftAssetListShadowView_,
@@ -259,6 +269,7 @@ private:
     Weak<NSLayoutConstraint> constraintLeadingContentView_;
     Ref<NSLayoutConstraint> widthFixedConstraint_, heightFixedConstraint_, openButtonWidthContraint_;
 
+    WeakDelegate<FlareboxViewDelegate> delegate_;
     Ref<AFHTTPSessionManager> operationManager_;
     std::shared_ptr<AssetList> assestsList_;
     Ref<FXAssetInfo> currentAsset_;
@@ -275,6 +286,10 @@ private:
     /// An opened event is still owed for the current opening.
     bool isNeedFlareboxOpenedEvent_ = false;
     bool isHasBeenOpened_ = false;
+    // What the delegate knows.
+    bool isKnownToBeOpen_ = false;
+    NSString knownSelection_;
+    AssetMode knownMode_ = AssetMode2D;
 };
 
 }  // namespace flarebox

@@ -37,6 +37,8 @@ public:
     /// The delegate's window, or null.
     UIWindow* keyWindow() const;
 
+    /// Whether links of this scheme may be opened at all. An absent link may not.
+    bool isAllowed(const NSURL& url) const;
     /// Whether a link of this scheme would be opened. An absent link, or one of a scheme that is not allowed, never is.
     bool canOpenURL(const NSURL& url) const;
     /// Hands the link to the desktop without waiting for it. False when it was refused.
@@ -54,7 +56,6 @@ private:
     friend class detail::Immortal<UIApplication>;
     UIApplication();
     ~UIApplication() = default;
-    bool isAllowed(const NSURL& url) const;
     UrlOpener& urlOpener() const;
 
     UIApplicationDelegate* delegate_ = nullptr;
