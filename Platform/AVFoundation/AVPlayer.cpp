@@ -19,6 +19,16 @@ AVPlayerSettings& currentSettings() {
     return *settings;
 }
 
+struct Players {
+    std::vector<AVPlayer*> all;
+    bool areMuted = false;
+};
+
+Players& players() {
+    static detail::Immortal<Players> players;
+    return *players;
+}
+
 Ref<NSError> errorOfAddress(const NSURL& url) {
     const std::string scheme = url.scheme();
     if (scheme != "http" && scheme != "https") return networkError(NSURLErrorUnsupportedURL, url.absoluteString());
@@ -47,14 +57,32 @@ Ref<AVPlayer> AVPlayer::playerWithURL(const NSURL& url) {
     return make<AVPlayer>(url);
 }
 
-AVPlayer::AVPlayer(const NSURL& url) : item_(make<AVPlayerItem>(url, *this)), error_(errorOfAddress(url)) {}
+AVPlayer::AVPlayer(const NSURL& url) : item_(make<AVPlayerItem>(url, *this)), error_(errorOfAddress(url)) {
+    players().all.push_back(this);
+}
 
-AVPlayer::~AVPlayer() = default;
+AVPlayer::~AVPlayer() {
+    std::erase(players().all, this);
+}
+
+bool AVPlayer::isEverythingMuted() {
+    return players().areMuted;
+}
+
+void AVPlayer::setEverythingMuted(bool muted) {
+    players().areMuted = muted;
+    for (AVPlayer* player : players().all) player->followMuting();
+}
+
+void AVPlayer::followMuting() {
+    if (pipeline_) pipeline_->setMuted(isMuted_ || players().areMuted);
+}
 
 void AVPlayer::load() {
     if (pipeline_ || error_) return;
     const AVPlayerSettings& settings = currentSettings();
-    const VideoOptions options{settings.hasSound, isMuted_, settings.stallTimeout, settings.certificateAuthorityFile};
+    const VideoOptions options{settings.hasSound, isMuted_ || players().areMuted, settings.stallTimeout,
+                               settings.certificateAuthorityFile};
     pipeline_ = VideoPipeline::open(item_->url().absoluteString(), options, [weak = Weak<AVPlayer>(this)] {
         if (const Ref<AVPlayer> player = weak.lock()) player->pipelineChanged();
     });
@@ -103,7 +131,7 @@ double AVPlayer::currentTime() const {
 void AVPlayer::setMuted(bool muted) {
     if (isMuted_ == muted) return;
     isMuted_ = muted;
-    if (pipeline_) pipeline_->setMuted(muted);
+    followMuting();
     tellObservers();
 }
 

@@ -56,6 +56,9 @@ public:
 
     static const AVPlayerSettings& settings();
     static void setSettings(const AVPlayerSettings& settings);
+    /// The switch for all sound: while it is set no player is heard, whatever its own `isMuted` says.
+    static bool isEverythingMuted();
+    static void setEverythingMuted(bool muted);
 
     /// At the end nothing plays until it has been moved back; after an error nothing does.
     void play();
@@ -102,6 +105,7 @@ private:
     bool isSeeking() const { return state_.lastSeek != lastSeek_; }
     void tellObservers();
     void countActivity();
+    void followMuting();
 
     std::unique_ptr<VideoPipeline> pipeline_;
     VideoState state_;
