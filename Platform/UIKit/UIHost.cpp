@@ -12,14 +12,15 @@
 #include <UIKit/UIWindow.h>
 #include <UIKit/ViewAnimations.h>
 
+#include <atomic>
 #include <utility>
 
 namespace flarebox {
 
 namespace {
 
-/// The one host that is in force.
-UIHost* currentHost = nullptr;
+/// The one host that is in force. Other threads may ask whether there is one.
+std::atomic<UIHost*> currentHost = nullptr;
 
 }  // namespace
 
@@ -65,6 +66,10 @@ private:
     State* const state_;
     TurnMeter::Part part_;
 };
+
+UIHost* UIHost::current() {
+    return currentHost;
+}
 
 UIHost::UIHost(CGSize screenSize, CGFloat scale) {
     if (currentHost) {

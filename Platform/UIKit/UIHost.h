@@ -32,6 +32,8 @@ enum class UIDeviceOrientation : std::int64_t {
 /// host adapter, which may end in a callback of `update` only.
 class UIHost {
 public:
+    /// The host in force, or null. Any thread.
+    static UIHost* current();
     /// Size in points, scale in pixels per point.
     UIHost(CGSize screenSize, CGFloat scale);
     virtual ~UIHost();

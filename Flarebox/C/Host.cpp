@@ -1,0 +1,171 @@
+#include <Flarebox/C/Guard.h>
+#include <Foundation/Immortal.h>
+#include <UIKit/UIHost.h>
+
+#include <cmath>
+
+namespace flarebox::c {
+namespace {
+
+/// The first version ended with `straight_alpha`.
+constexpr std::size_t sizeOfRenderer = sizeof(flarebox_renderer);
+
+/// A renderer of C as the panel sees it.
+class RendererCompositor : public Compositor {
+public:
+    explicit RendererCompositor(const flarebox_renderer& renderer) : renderer_(renderer) {}
+
+    TextureId createTexture(int width, int height) override {
+        return renderer_.create_texture(renderer_.context, width, height);
+    }
+    void updateTexture(TextureId texture, const PixelRect& region, const std::uint32_t* pixels, int stride) override {
+        renderer_.update_texture(renderer_.context, texture, region.x, region.y, region.width, region.height, pixels,
+                                 stride);
+    }
+    void destroyTexture(TextureId texture) override { renderer_.destroy_texture(renderer_.context, texture); }
+    void drawQuad(const TexturedQuad& quad) override {
+        const auto rect = [](const CGRect& from) {
+            return flarebox_rect{from.minX(), from.minY(), from.width(), from.height()};
+        };
+        const flarebox_quad told = {quad.texture,       quad.source.x,          quad.source.y,   quad.source.width,
+                                    quad.source.height, rect(quad.destination), rect(quad.clip), quad.opacity};
+        renderer_.draw_quad(renderer_.context, &told);
+    }
+    Alpha alphaConvention() const override { return renderer_.straight_alpha ? Alpha::Straight : Alpha::Premultiplied; }
+    int maximumTextureSize() const override {
+        return renderer_.maximum_texture_size > 0 ? renderer_.maximum_texture_size : Compositor::maximumTextureSize();
+    }
+    void beginFrame() override {
+        if (renderer_.begin_frame) renderer_.begin_frame(renderer_.context);
+    }
+    void endFrame() override {
+        if (renderer_.end_frame) renderer_.end_frame(renderer_.context);
+    }
+
+private:
+    const flarebox_renderer renderer_;
+};
+
+bool isScreen(double width, double height, double scale) {
+    const auto isLength = [](double length) { return std::isfinite(length) && length > 0; };
+    return isLength(width) && isLength(height) && isLength(scale);
+}
+
+constexpr const char* noScreen = "width, height and scale have to be positive numbers";
+
+}  // namespace
+}  // namespace flarebox::c
+
+struct flarebox_host {
+    flarebox_host(flarebox::CGSize size, double scale, const flarebox_renderer& renderer)
+        : compositor(renderer), host(size, scale) {}
+    ~flarebox_host() { host.releaseTextures(compositor); }
+
+    flarebox::c::RendererCompositor compositor;
+    flarebox::UIHost host;
+};
+
+namespace flarebox::c {
+namespace {
+
+Handles<flarebox_host>& hosts() {
+    static detail::Immortal<Handles<flarebox_host>> hosts;
+    return *hosts;
+}
+
+template <class Input>
+bool consumes(flarebox_host* handle, const Input& input) {
+    InputResult result = InputResult::Ignored;
+    with(hosts(), handle, [&](flarebox_host& object) { result = input(object.host); });
+    return result == InputResult::Consumed;
+}
+
+}  // namespace
+
+extern "C" {
+
+flarebox_host* flarebox_host_create(double width, double height, double scale, const flarebox_renderer* renderer) {
+    flarebox_host* made = nullptr;
+    const auto make = [&] {
+        flarebox_renderer known = FLAREBOX_RENDERER;
+        if (!copyStruct(renderer, sizeOfRenderer, known)) return FLAREBOX_INVALID_ARGUMENT;
+        if (!isScreen(width, height, scale)) return failed(FLAREBOX_INVALID_ARGUMENT, noScreen);
+        if (!known.create_texture || !known.update_texture || !known.destroy_texture || !known.draw_quad)
+            return failed(FLAREBOX_INVALID_ARGUMENT, "the renderer lacks one of its first four functions");
+        if (UIHost::current()) return failed(FLAREBOX_FAILED, "there is a host already");
+        claimMainThread();
+        made = hosts().add(std::make_unique<flarebox_host>(CGSize{width, height}, scale, known));
+        return FLAREBOX_OK;
+    };
+    // The thread that makes the only host becomes the main thread, whichever was it before.
+    if (!UIHost::current()) claimMainThread();
+    guarded(make);
+    return made;
+}
+
+flarebox_result flarebox_host_destroy(flarebox_host* host) {
+    if (!host) return FLAREBOX_OK;
+    return guarded(
+        [&] { return hosts().remove(host) ? FLAREBOX_OK : failed(FLAREBOX_INVALID_HANDLE, "there is no such host"); });
+}
+
+flarebox_result flarebox_host_set_screen(flarebox_host* host, double width, double height, double scale) {
+    if (!isScreen(width, height, scale)) return failed(FLAREBOX_INVALID_ARGUMENT, noScreen);
+    return with(hosts(), host, [&](flarebox_host& object) { object.host.setScreen({width, height}, scale); });
+}
+
+flarebox_result flarebox_host_set_orientation(flarebox_host* host, flarebox_orientation orientation) {
+    if (orientation < FLAREBOX_PORTRAIT || orientation > FLAREBOX_LANDSCAPE_RIGHT)
+        return failed(FLAREBOX_INVALID_ARGUMENT, "there is no such orientation");
+    return with(hosts(), host, [&](flarebox_host& object) {
+        object.host.setOrientation(static_cast<UIDeviceOrientation>(orientation));
+    });
+}
+
+bool flarebox_host_pointer_down(flarebox_host* host, std::int32_t pointer, double x, double y) {
+    return consumes(host, [&](UIHost& panel) { return panel.pointerDown(pointer, {x, y}); });
+}
+bool flarebox_host_pointer_moved(flarebox_host* host, std::int32_t pointer, double x, double y) {
+    return consumes(host, [&](UIHost& panel) { return panel.pointerMoved(pointer, {x, y}); });
+}
+bool flarebox_host_pointer_up(flarebox_host* host, std::int32_t pointer, double x, double y) {
+    return consumes(host, [&](UIHost& panel) { return panel.pointerUp(pointer, {x, y}); });
+}
+bool flarebox_host_pointer_hovered(flarebox_host* host, double x, double y) {
+    return consumes(host, [&](UIHost& panel) { return panel.pointerHovered({x, y}); });
+}
+flarebox_result flarebox_host_pointer_cancelled(flarebox_host* host, std::int32_t pointer) {
+    return with(hosts(), host, [&](flarebox_host& object) { object.host.pointerCancelled(pointer); });
+}
+flarebox_result flarebox_host_pointer_left(flarebox_host* host) {
+    return with(hosts(), host, [&](flarebox_host& object) { object.host.pointerLeft(); });
+}
+bool flarebox_host_scrolled(flarebox_host* host, double x, double y, double dx, double dy) {
+    return consumes(host, [&](UIHost& panel) { return panel.scrolled({x, y}, dx, dy); });
+}
+bool flarebox_host_key_down(flarebox_host* host, const char* key) {
+    return key && consumes(host, [&](UIHost& panel) { return panel.keyDown(key); });
+}
+
+flarebox_result flarebox_host_update(flarebox_host* host, double budget) {
+    if (!(budget >= 0)) return failed(FLAREBOX_INVALID_ARGUMENT, "the budget has to be seconds");
+    return with(hosts(), host, [&](flarebox_host& object) { object.host.update(budget); });
+}
+
+bool flarebox_host_needs_display(flarebox_host* host) {
+    bool needs = false;
+    with(hosts(), host, [&](flarebox_host& object) { needs = object.host.needsDisplay(); });
+    return needs;
+}
+
+flarebox_result flarebox_host_draw(flarebox_host* host) {
+    return with(hosts(), host, [](flarebox_host& object) { object.host.draw(object.compositor); });
+}
+
+flarebox_result flarebox_host_release_textures(flarebox_host* host) {
+    return with(hosts(), host, [](flarebox_host& object) { object.host.releaseTextures(object.compositor); });
+}
+
+}  // extern "C"
+
+}  // namespace flarebox::c

@@ -1,0 +1,137 @@
+#include <Flarebox/C/Guard.h>
+#include <Flarebox/Views/FlareboxView.h>
+#include <Foundation/Immortal.h>
+
+#include <cmath>
+
+/// A tab that C holds, and what it is told of it. The observer is copied before it is called: it may replace itself,
+/// and may destroy the tab.
+struct flarebox_tab : flarebox::FlareboxViewDelegate {
+    explicit flarebox_tab(flarebox::Ref<flarebox::FlareboxView> made) : view(std::move(made)) {
+        view->setDelegate(this);
+    }
+    ~flarebox_tab() override {
+        view->setDelegate(nullptr);
+        view->removeFromSuperview();
+    }
+
+    void flareboxViewDidOpen(flarebox::FlareboxView&) override { tell(&flarebox_observer::opened); }
+    void flareboxViewDidClose(flarebox::FlareboxView&) override { tell(&flarebox_observer::closed); }
+    void flareboxViewDidSelectAsset(flarebox::FlareboxView&,
+                                    const flarebox::Ref<flarebox::FXAssetInfo>& asset) override {
+        const std::string uid = asset->uid().string(), title = asset->title().string();
+        tell(&flarebox_observer::asset_selected, uid.c_str(), title.c_str());
+    }
+    void flareboxViewDidChangeMode(flarebox::FlareboxView&, flarebox::AssetMode mode) override {
+        tell(&flarebox_observer::mode_changed, static_cast<flarebox_mode>(mode));
+    }
+    void flareboxViewDidSaveCoupon(flarebox::FlareboxView&,
+                                   const flarebox::Ref<flarebox::FXAssetInfo>& asset) override {
+        const std::string uid = asset->uid().string();
+        tell(&flarebox_observer::coupon_saved, uid.c_str());
+    }
+    bool flareboxViewShouldOpenLink(flarebox::FlareboxView&, const flarebox::NSURL& url) override {
+        const flarebox_observer known = observer;
+        return !known.should_open_link || known.should_open_link(known.context, this, url.absoluteString().c_str());
+    }
+    void flareboxViewDidFailToLoad(flarebox::FlareboxView&, const flarebox::Ref<flarebox::NSError>& error) override {
+        const std::string reason = error->localizedDescription();
+        tell(&flarebox_observer::load_failed, static_cast<std::int32_t>(error->code()), reason.c_str());
+    }
+
+    template <class Function, class... Arguments>
+    void tell(Function function, Arguments... arguments) {
+        const flarebox_observer known = observer;
+        if (known.*function) (known.*function)(known.context, this, arguments...);
+    }
+
+    flarebox::Ref<flarebox::FlareboxView> view;
+    flarebox_observer observer = FLAREBOX_OBSERVER;
+};
+
+namespace flarebox::c {
+namespace {
+
+/// The first version ended with `load_failed`.
+constexpr std::size_t sizeOfObserver = sizeof(flarebox_observer);
+
+Handles<flarebox_tab>& tabs() {
+    static detail::Immortal<Handles<flarebox_tab>> tabs;
+    return *tabs;
+}
+
+/// Runs `body` on the view, which a callback may let go meanwhile.
+template <class Body>
+flarebox_result withView(flarebox_tab* handle, const Body& body) {
+    return with(tabs(), handle, [&](flarebox_tab& tab) {
+        const Ref<FlareboxView> view = tab.view;
+        body(*view);
+    });
+}
+
+}  // namespace
+
+extern "C" {
+
+flarebox_tab* flarebox_tab_create(void) {
+    flarebox_tab* made = nullptr;
+    guarded([&] {
+        Ref<FlareboxView> view = FlareboxView::init();
+        if (!view) return failed(FLAREBOX_FAILED, "the kit's layout files are missing");
+        made = tabs().add(std::make_unique<flarebox_tab>(std::move(view)));
+        return FLAREBOX_OK;
+    });
+    return made;
+}
+
+flarebox_result flarebox_tab_destroy(flarebox_tab* tab) {
+    if (!tab) return FLAREBOX_OK;
+    return guarded(
+        [&] { return tabs().remove(tab) ? FLAREBOX_OK : failed(FLAREBOX_INVALID_HANDLE, "there is no such tab"); });
+}
+
+flarebox_result flarebox_tab_set_observer(flarebox_tab* tab, const flarebox_observer* observer) {
+    flarebox_observer known = FLAREBOX_OBSERVER;
+    if (observer && !copyStruct(observer, sizeOfObserver, known)) return FLAREBOX_INVALID_ARGUMENT;
+    return with(tabs(), tab, [&](flarebox_tab& object) { object.observer = known; });
+}
+
+flarebox_result flarebox_tab_show(flarebox_tab* tab) {
+    return withView(tab, [](FlareboxView& view) { view.showAtWindow(); });
+}
+flarebox_result flarebox_tab_remove(flarebox_tab* tab) {
+    return withView(tab, [](FlareboxView& view) { view.removeFromSuperview(); });
+}
+flarebox_result flarebox_tab_open(flarebox_tab* tab, bool animated) {
+    return withView(tab, [&](FlareboxView& view) { view.toggleFlarebox(true, animated); });
+}
+flarebox_result flarebox_tab_close(flarebox_tab* tab, bool animated) {
+    return withView(tab, [&](FlareboxView& view) { view.toggleFlarebox(false, animated); });
+}
+
+bool flarebox_tab_is_open(flarebox_tab* tab) {
+    bool isOpen = false;
+    withView(tab, [&](FlareboxView& view) { isOpen = view.superview() && view.isOpened(); });
+    return isOpen;
+}
+
+flarebox_result flarebox_tab_show_button(flarebox_tab* tab, bool show) {
+    return withView(tab, [&](FlareboxView& view) { view.showFlareboxButton(show); });
+}
+
+flarebox_result flarebox_tab_set_button_alpha(flarebox_tab* tab, double alpha) {
+    if (!(alpha >= 0 && alpha <= 1)) return failed(FLAREBOX_INVALID_ARGUMENT, "alpha has to be from 0 to 1");
+    return withView(tab, [&](FlareboxView& view) { view.setFlareboxButtonAlpha(alpha); });
+}
+
+flarebox_result flarebox_tab_set_refresh(flarebox_tab* tab, std::int32_t seconds) {
+    return withView(tab, [&](FlareboxView& view) { view.changeRefreshDataTime(seconds); });
+}
+
+flarebox_result flarebox_tab_reload(flarebox_tab* tab) {
+    return withView(tab, [](FlareboxView& view) { view.updateWithNewGameUDID(); });
+}
+
+}  // extern "C"
+
+}  // namespace flarebox::c

@@ -1,0 +1,203 @@
+/* Flarebox for C, and for every language that can call C.
+ *
+ *     flarebox_configuration configuration = FLAREBOX_CONFIGURATION;
+ *     configuration.game_uid = "my-game";
+ *     configuration.game_version = "1.0";
+ *     flarebox_host *host = flarebox_host_create(960, 540, 2.0, &my_renderer);
+ *     flarebox_configure(&configuration);
+ *     flarebox_tab *tab = flarebox_tab_create();
+ *     flarebox_tab_show(tab);
+ *     ...each frame:
+ *     if (flarebox_host_pointer_down(host, 0, x, y)) ...the panel's, not the game's
+ *     flarebox_host_update(host, 0.004);
+ *     flarebox_host_draw(host);
+ *     ...at the end:
+ *     flarebox_tab_destroy(tab);
+ *     flarebox_host_destroy(host);
+ *
+ * The thread that makes the host is the main thread: all functions are for it, unless they say "any thread". Texts are
+ * UTF-8 and end in a zero byte; those handed in are copied, those handed to a callback are gone after it. Null and
+ * handles that have been destroyed are refused, never followed. No C++ exception leaves a function. */
+#ifndef FLAREBOX_H
+#define FLAREBOX_H
+
+#include <stdbool.h>
+#include <stddef.h>
+#include <stdint.h>
+
+#if defined(_WIN32)
+#define FLAREBOX_API
+#else
+#define FLAREBOX_API __attribute__((visibility("default")))
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+typedef enum flarebox_result {
+    FLAREBOX_OK = 0,
+    FLAREBOX_INVALID_ARGUMENT = 1, /* null, a struct of a size that never was, a number out of range */
+    FLAREBOX_INVALID_HANDLE = 2,   /* null, or destroyed */
+    FLAREBOX_WRONG_THREAD = 3,
+    FLAREBOX_FAILED = 4 /* flarebox_last_error says why */
+} flarebox_result;
+
+/* Why the last function of this thread that did not succeed did not; "" before. Valid until the next call. Any thread. */
+FLAREBOX_API const char *flarebox_last_error(void);
+/* The version of the library, as "0.1.0". Any thread. */
+FLAREBOX_API const char *flarebox_version(void);
+
+/* --- Configuration ------------------------------------------------------------------------------------------------ */
+
+/* Texts may be null: then the service is told null, or the kit decides. Later versions add fields at the end. */
+typedef struct flarebox_configuration {
+    size_t struct_size;
+    const char *game_uid;
+    const char *game_version;
+    const char *api_url;   /* the service's address; null: that of the resources' Info.plist. Fixed by the first request */
+    const char *resources; /* folder of the layout files; null: found by the kit. Fixed by the first tab */
+    const char *documents; /* folder for models, the kit's alone; null: the application's documents folder */
+    const char *device_id; /* advertising identifier; null: the kit makes one where the player allows it */
+    const char *first_name, *last_name, *sex, *state, *city, *country;
+    int32_t age;             /* in years; 0: unknown */
+    int32_t refresh_seconds; /* between two lists; 0: 180 */
+    bool enable_logging;
+    uint32_t log_level; /* 1 everything, 2 warnings and errors, 3 errors */
+} flarebox_configuration;
+
+/* Starting values: nothing known, warnings and errors logged. */
+#define FLAREBOX_CONFIGURATION {sizeof(flarebox_configuration), 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, true, 2}
+
+FLAREBOX_API flarebox_result flarebox_configure(const flarebox_configuration *configuration);
+
+/* Takes all messages from now on, in place of standard error; null: standard error again. Called on any thread, one
+ * call at a time; levels as above. Any thread. */
+typedef void (*flarebox_log_sink)(void *context, int32_t level, const char *message);
+FLAREBOX_API void flarebox_set_log_sink(flarebox_log_sink sink, void *context);
+
+/* The switch for the sound of all videos. */
+FLAREBOX_API flarebox_result flarebox_set_muted(bool muted);
+
+/* --- Host: screen, input, frames ---------------------------------------------------------------------------------- */
+
+typedef struct flarebox_host flarebox_host;
+
+typedef struct flarebox_rect {
+    double x, y, width, height;
+} flarebox_rect;
+
+/* A rectangle to draw. All in pixels of the target; the part `source` of the texture is scaled into `destination` with
+ * linear filtering and multiplied by the opacity, 0 to 1; nothing is drawn outside `clip`. */
+typedef struct flarebox_quad {
+    uint32_t texture;
+    int32_t source_x, source_y, source_width, source_height;
+    flarebox_rect destination, clip;
+    float opacity;
+} flarebox_quad;
+
+/* How the panel is drawn: textures and rectangles. The first four functions are needed, the others may be null. Called
+ * only inside flarebox_host_draw and flarebox_host_destroy. */
+typedef struct flarebox_renderer {
+    size_t struct_size;
+    void *context; /* handed to every function */
+    /* A texture of that many pixels; 0 when it cannot be made. */
+    uint32_t (*create_texture)(void *context, int32_t width, int32_t height);
+    /* Copies pixels into a part of a texture: 0xAARRGGBB in the machine's byte order, rows of `stride` pixels. */
+    void (*update_texture)(void *context, uint32_t texture, int32_t x, int32_t y, int32_t width, int32_t height,
+                           const uint32_t *pixels, int32_t stride);
+    void (*destroy_texture)(void *context, uint32_t texture);
+    void (*draw_quad)(void *context, const flarebox_quad *quad);
+    void (*begin_frame)(void *context);
+    void (*end_frame)(void *context);
+    int32_t maximum_texture_size; /* longest side in pixels; 0: 4096 */
+    bool straight_alpha;          /* pixels carry their colour as it is; false: multiplied by their alpha */
+} flarebox_renderer;
+
+#define FLAREBOX_RENDERER {sizeof(flarebox_renderer), 0, 0, 0, 0, 0, 0, 0, 0, false}
+
+typedef enum flarebox_orientation {
+    FLAREBOX_PORTRAIT = 1,
+    FLAREBOX_PORTRAIT_UPSIDE_DOWN = 2,
+    FLAREBOX_LANDSCAPE_LEFT = 3,
+    FLAREBOX_LANDSCAPE_RIGHT = 4
+} flarebox_orientation;
+
+/* Size in points, scale in pixels per point. The renderer's functions and context have to outlive the host. Null, with
+ * flarebox_last_error, when an argument is wrong or there is a host already. */
+FLAREBOX_API flarebox_host *flarebox_host_create(double width, double height, double scale,
+                                                 const flarebox_renderer *renderer);
+/* Gives all textures back and stops every thread of the kit, within 200 ms. Not inside a callback. Null: nothing. */
+FLAREBOX_API flarebox_result flarebox_host_destroy(flarebox_host *host);
+FLAREBOX_API flarebox_result flarebox_host_set_screen(flarebox_host *host, double width, double height, double scale);
+FLAREBOX_API flarebox_result flarebox_host_set_orientation(flarebox_host *host, flarebox_orientation orientation);
+
+/* Input, in points. True: the panel used it; false: it is the game's, or the call was refused. `pointer` tells fingers
+ * apart, the mouse is 0. */
+FLAREBOX_API bool flarebox_host_pointer_down(flarebox_host *host, int32_t pointer, double x, double y);
+FLAREBOX_API bool flarebox_host_pointer_moved(flarebox_host *host, int32_t pointer, double x, double y);
+FLAREBOX_API bool flarebox_host_pointer_up(flarebox_host *host, int32_t pointer, double x, double y);
+FLAREBOX_API bool flarebox_host_pointer_hovered(flarebox_host *host, double x, double y);
+FLAREBOX_API flarebox_result flarebox_host_pointer_cancelled(flarebox_host *host, int32_t pointer);
+FLAREBOX_API flarebox_result flarebox_host_pointer_left(flarebox_host *host);
+FLAREBOX_API bool flarebox_host_scrolled(flarebox_host *host, double x, double y, double dx, double dy);
+/* "escape", "return", "space", "left", ... */
+FLAREBOX_API bool flarebox_host_key_down(flarebox_host *host, const char *key);
+
+/* Once a frame: everything that is due on the main thread, for at most about `budget` seconds. Does nothing inside a
+ * callback, as flarebox_host_draw does. */
+FLAREBOX_API flarebox_result flarebox_host_update(flarebox_host *host, double budget);
+FLAREBOX_API bool flarebox_host_needs_display(flarebox_host *host);
+/* Over the game's picture. */
+FLAREBOX_API flarebox_result flarebox_host_draw(flarebox_host *host);
+/* The renderer has lost its textures, or is about to: all are given back and made again by the next drawing. */
+FLAREBOX_API flarebox_result flarebox_host_release_textures(flarebox_host *host);
+
+/* --- Tab ---------------------------------------------------------------------------------------------------------- */
+
+typedef struct flarebox_tab flarebox_tab;
+
+typedef enum flarebox_mode { FLAREBOX_MODE_2D = 0, FLAREBOX_MODE_3D = 1, FLAREBOX_MODE_VIDEO = 2 } flarebox_mode;
+
+/* What a game can follow; any function may be null. Called on the main thread, after each change. */
+typedef struct flarebox_observer {
+    size_t struct_size;
+    void *context; /* handed to every function */
+    void (*opened)(void *context, flarebox_tab *tab);
+    void (*closed)(void *context, flarebox_tab *tab);
+    void (*asset_selected)(void *context, flarebox_tab *tab, const char *uid, const char *title);
+    void (*mode_changed)(void *context, flarebox_tab *tab, flarebox_mode mode);
+    void (*coupon_saved)(void *context, flarebox_tab *tab, const char *uid);
+    /* The player is about to leave the game. False: the link is not opened. */
+    bool (*should_open_link)(void *context, flarebox_tab *tab, const char *url);
+    void (*load_failed)(void *context, flarebox_tab *tab, int32_t code, const char *reason);
+} flarebox_observer;
+
+#define FLAREBOX_OBSERVER {sizeof(flarebox_observer), 0, 0, 0, 0, 0, 0, 0, 0}
+
+/* Starts to load. Null, with flarebox_last_error, without the kit's resources. */
+FLAREBOX_API flarebox_tab *flarebox_tab_create(void);
+/* Removes the tab and lets it go; its observer is not called any more. Null: nothing. */
+FLAREBOX_API flarebox_result flarebox_tab_destroy(flarebox_tab *tab);
+/* Copies the observer; null: nobody observes any more. */
+FLAREBOX_API flarebox_result flarebox_tab_set_observer(flarebox_tab *tab, const flarebox_observer *observer);
+/* Attaches the tab, closed, to the host's window 0.1 seconds from now. */
+FLAREBOX_API flarebox_result flarebox_tab_show(flarebox_tab *tab);
+FLAREBOX_API flarebox_result flarebox_tab_remove(flarebox_tab *tab);
+FLAREBOX_API flarebox_result flarebox_tab_open(flarebox_tab *tab, bool animated);
+FLAREBOX_API flarebox_result flarebox_tab_close(flarebox_tab *tab, bool animated);
+/* False also for a tab that was not shown yet. */
+FLAREBOX_API bool flarebox_tab_is_open(flarebox_tab *tab);
+/* The open button at the tab's edge. Hiding it closes the tab. */
+FLAREBOX_API flarebox_result flarebox_tab_show_button(flarebox_tab *tab, bool show);
+FLAREBOX_API flarebox_result flarebox_tab_set_button_alpha(flarebox_tab *tab, double alpha);
+/* Seconds between two lists; 0: 180. */
+FLAREBOX_API flarebox_result flarebox_tab_set_refresh(flarebox_tab *tab, int32_t seconds);
+/* Starts anew with what is configured now. */
+FLAREBOX_API flarebox_result flarebox_tab_reload(flarebox_tab *tab);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif
