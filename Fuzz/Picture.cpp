@@ -36,7 +36,8 @@ FLAREBOX_FUZZER(Picture) {
     if (pixelCount > 1e6 && pixelCount <= static_cast<double>(UIImage::maximumPixelCount)) return;
 
     Ref<NSError> error;
-    const Ref<UIImage> image = UIImage::imageWithData(data, &error, side);
+    const Ref<UIImage> image =
+        UIImage::imageWithData(data, &error, side > 0 ? UIImage::Room{{side * 1.0, side * 1.0}} : UIImage::Room());
     check(!image == static_cast<bool>(error), "a picture or an error");
     if (!image) return;
     check(header.has_value(), "what can be decoded has a header");

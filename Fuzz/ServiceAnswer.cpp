@@ -59,7 +59,7 @@ void loadPicture() {
     const auto downloader = make<AFImageDownloader>();
     const auto complete = outcome.completion<Ref<UIImage>>();
     downloader->downloadImageForURLRequest(
-        requestFor("/picture.png"), 100,
+        requestFor("/picture.png"), {.pixels = {100, 100}},
         [complete](const Ref<NSURLRequest>&, const Ref<NSHTTPURLResponse>&, const Ref<UIImage>& image) {
             complete(image, nullptr);
         },

@@ -1,5 +1,6 @@
 #include <Networking/AFAutoPurgingImageCache.h>
 
+#include <algorithm>
 #include <utility>
 
 namespace flarebox {
@@ -23,6 +24,13 @@ Ref<UIImage> AFAutoPurgingImageCache::imageWithIdentifier(std::string_view ident
     if (found == byIdentifier_.end()) return nullptr;
     entries_.splice(entries_.begin(), entries_, found->second);
     return found->second->image;
+}
+
+void AFAutoPurgingImageCache::replaceSmaller(const Ref<UIImage>& image) {
+    const auto found = std::ranges::find_if(entries_, [&](const Entry& entry) {
+        return entry.image->isSamePictureAs(*image) && !entry.image->pixelSize().holds(image->pixelSize());
+    });
+    if (found != entries_.end()) addImage(image, std::string(found->identifier));
 }
 
 void AFAutoPurgingImageCache::removeImageWithIdentifier(std::string_view identifier) {

@@ -28,6 +28,8 @@ public:
     void addImage(Ref<UIImage> image, std::string_view identifier);
     /// Null when there is none; the picture then counts as just used.
     Ref<UIImage> imageWithIdentifier(std::string_view identifier);
+    /// Puts a picture where it is kept in fewer pixels; does nothing where it is not.
+    void replaceSmaller(const Ref<UIImage>& image);
     void removeImageWithIdentifier(std::string_view identifier);
     void removeAllImages();
 

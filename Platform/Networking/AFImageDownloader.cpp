@@ -1,16 +1,20 @@
 #include <Networking/AFImageDownloader.h>
 
+#include <Foundation/MainQueue.h>
 #include <Foundation/Shutdown.h>
+#include <Foundation/TurnMeter.h>
 #include <Networking/NetworkError.h>
+#include <Networking/WorkerThread.h>
 
 #include <algorithm>
+#include <memory>
 #include <utility>
 
 namespace flarebox {
 namespace {
 
-bool isLargeEnough(const UIImage& image, int pixelSide) {
-    return !image.isReduced() || std::max(image.pixelWidth(), image.pixelHeight()) >= pixelSide;
+bool isLargeEnough(const UIImage& image, const UIImage::Room& room) {
+    return image.pixelSize().holds(room.sizeOf(image.wholeSize()));
 }
 
 }  // namespace
@@ -31,34 +35,47 @@ AFImageDownloader& AFImageDownloader::defaultInstance() {
     return *downloader;
 }
 
-void AFImageDownloader::downloadImageForURLRequest(const Ref<NSURLRequest>& request, int pixelSide, Success success,
+void AFImageDownloader::downloadImageForURLRequest(const Ref<NSURLRequest>& request, const Room& room, Success success,
                                                    Failure failure) {
-    pixelSide = std::clamp(pixelSide, 1, maximumPixelSide);
+    Room bounded = room;
+    bounded.longestSide = std::min<CGFloat>(room.longestSide, maximumPixelSide);
     const std::string address = request ? request->URL().absoluteString() : std::string();
-    if (auto image = cache_.imageWithIdentifier(address); image && isLargeEnough(*image, pixelSide)) {
-        if (success) success(request, nullptr, image);
-        return;
+    if (const auto image = cache_.imageWithIdentifier(address); image && image->canBeSizedFor(bounded)) {
+        if (!success) return;
+        if (isLargeEnough(*image, bounded)) return success(request, nullptr, image);
+        return resizeImage(image, bounded, [request, success = std::move(success)](const Ref<UIImage>& resized) {
+            success(request, nullptr, resized);
+        });
     }
     if (!std::exchange(endsAtShutdown_, true)) {
         Shutdown::addHandler([self = Weak<AFImageDownloader>(this)] {
             if (auto downloader = self.lock()) downloader->forgetEverything();
         });
     }
-    Load& load = loads_[address];
-    load.waiters.push_back({request, pixelSide, std::move(success), std::move(failure)});
-    if (load.serializer) {
-        // In time unless the picture is being decoded already.
-        load.serializer->setMaximumPixelSide(std::max(load.serializer->maximumPixelSide(), pixelSide));
-        return;
-    }
-    load.serializer = AFImageResponseSerializer::serializer();
-    load.serializer->setMaximumPixelSide(pixelSide);
+    std::vector<Waiter>& waiters = loads_[address];
+    waiters.push_back({request, bounded, std::move(success), std::move(failure)});
+    if (waiters.size() > 1) return;
+    const auto serializer = AFImageResponseSerializer::serializer();
+    serializer->setRoom(bounded);
     auto task = manager_->dataTaskWithRequest(
-        request, load.serializer,
-        [self = Ref<AFImageDownloader>(this), address](auto& response, auto& object, auto& error) {
+        request, serializer, [self = Ref<AFImageDownloader>(this), address](auto& response, auto& object, auto& error) {
             self->arrived(address, response, object, error);
         });
     task->resume();
+}
+
+void AFImageDownloader::resizeImage(const Ref<UIImage>& image, const Room& room,
+                                    std::function<void(const Ref<UIImage>&)> completion) {
+    // What is called back, and what it holds, is touched and released on the main thread alone.
+    WorkerThread::shared()->async([self = Ref<AFImageDownloader>(this), image, room, completion = std::move(completion),
+                                   activity = std::make_shared<MainQueue::Activity>()]() mutable {
+        Ref<UIImage> resized = image->sizedFor(room);
+        dispatch_async_main([self = std::move(self), resized = std::move(resized), completion = std::move(completion)] {
+            TurnMeter::Part part("answers");
+            self->cache_.replaceSmaller(resized);
+            completion(resized);
+        });
+    });
 }
 
 void AFImageDownloader::arrived(const std::string& address, const Ref<NSHTTPURLResponse>& response, const Value& object,
@@ -73,9 +90,9 @@ void AFImageDownloader::arrived(const std::string& address, const Ref<NSHTTPURLR
     // A callback may ask for the same picture again.
     auto load = loads_.extract(address);
     if (!load) return;
-    for (auto& waiter : load.mapped().waiters) {
-        if (image && !isLargeEnough(*image, waiter.pixelSide)) {
-            downloadImageForURLRequest(waiter.request, waiter.pixelSide, std::move(waiter.success),
+    for (auto& waiter : load.mapped()) {
+        if (image && !isLargeEnough(*image, waiter.room)) {
+            downloadImageForURLRequest(waiter.request, waiter.room, std::move(waiter.success),
                                        std::move(waiter.failure));
             continue;
         }

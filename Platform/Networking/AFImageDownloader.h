@@ -26,8 +26,9 @@ public:
     using Failure = std::function<void(const Ref<NSURLRequest>& request, const Ref<NSHTTPURLResponse>& response,
                                        const Ref<NSError>& error)>;
 
-    /// No picture gets more pixels than this each way, whatever is asked for.
+    /// No picture gets more pixels than this each way, whatever room there is.
     static constexpr int maximumPixelSide = 2048;
+    using Room = UIImage::Room;
 
     AFImageDownloader();
     ~AFImageDownloader() override;
@@ -36,9 +37,13 @@ public:
 
     /// Calls one of the two, once and with this very request: at once for a picture from the cache, so that a view that
     /// is shown again does not flicker, on the main queue otherwise. Requests for one address share the transfer of the
-    /// first. Either may be null. The picture fits into `pixelSide` pixels each way, or comes with more of them where
-    /// somebody else wants it larger; a picture at hand that was made smaller than that is loaded again.
-    void downloadImageForURLRequest(const Ref<NSURLRequest>& request, int pixelSide, Success success, Failure failure);
+    /// first. Either may be null. The picture has the pixels that it takes in the room, or more of them where somebody
+    /// else wants it larger; one at hand that has fewer is decoded anew, or loaded anew where its bytes were not kept.
+    void downloadImageForURLRequest(const Ref<NSURLRequest>& request, const Room& room, Success success,
+                                    Failure failure);
+    /// The picture in the pixels that it takes in the room, or the nearest that can be had, made on the decoder thread.
+    /// Where it is larger than the one at hand it takes its place.
+    void resizeImage(const Ref<UIImage>& image, const Room& room, std::function<void(const Ref<UIImage>&)> completion);
 
     AFAutoPurgingImageCache& imageCache() { return cache_; }
     /// For the address of a service's own certificates and the like.
@@ -47,23 +52,18 @@ public:
 private:
     struct Waiter {
         Ref<NSURLRequest> request;
-        int pixelSide;
+        Room room;
         Success success;
         Failure failure;
     };
-    /// One transfer and those who wait for it.
-    struct Load {
-        Ref<AFImageResponseSerializer> serializer;
-        std::vector<Waiter> waiters;
-    };
-
     void arrived(const std::string& address, const Ref<NSHTTPURLResponse>& response, const Value& object,
                  const Ref<NSError>& error);
     void forgetEverything();
 
     Ref<AFURLSessionManager> manager_;
     AFAutoPurgingImageCache cache_;
-    std::unordered_map<std::string, Load> loads_;
+    /// By address: those who wait for the transfer.
+    std::unordered_map<std::string, std::vector<Waiter>> loads_;
     bool endsAtShutdown_ = false;
 };
 

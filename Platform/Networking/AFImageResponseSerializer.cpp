@@ -1,7 +1,5 @@
 #include <Networking/AFImageResponseSerializer.h>
 
-#include <UIKit/UIImage.h>
-
 namespace flarebox {
 
 const ClassInfo& AFImageResponseSerializer::staticClass() {
@@ -21,7 +19,7 @@ Value AFImageResponseSerializer::responseObjectForResponse(const NSHTTPURLRespon
                                                            Ref<NSError>& error) const {
     error = validateResponse(response, data);
     if (error || data.length() == 0) return {};
-    Ref<UIImage> image = UIImage::imageWithData(data, &error, maximumPixelSide_);
+    Ref<UIImage> image = UIImage::imageWithData(data, &error, room_);
     return image ? Value(image) : Value();
 }
 

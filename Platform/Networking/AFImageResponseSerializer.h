@@ -1,8 +1,7 @@
 #pragma once
 
 #include <Networking/AFHTTPResponseSerializer.h>
-
-#include <atomic>
+#include <UIKit/UIImage.h>
 
 namespace flarebox {
 
@@ -14,17 +13,15 @@ public:
     AFImageResponseSerializer();
     static Ref<AFImageResponseSerializer> serializer();
 
-    /// Pictures are made to fit into that many pixels each way while they are read; 0 leaves them as they are.
-    int maximumPixelSide() const { return maximumPixelSide_; }
-    /// Any thread; counts for what is not decoded yet.
-    void setMaximumPixelSide(int side) { maximumPixelSide_ = side; }
+    /// Where the pictures are shown: they keep no more pixels than they take there. Before the first answer.
+    void setRoom(const UIImage::Room& room) { room_ = room; }
 
     Value responseObjectForResponse(const NSHTTPURLResponse& response, const NSData& data,
                                     Ref<NSError>& error) const override;
     bool decodesQuickly(std::size_t bytes) const override;
 
 private:
-    std::atomic<int> maximumPixelSide_ = 0;
+    UIImage::Room room_;
 };
 
 }  // namespace flarebox

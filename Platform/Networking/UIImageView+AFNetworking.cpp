@@ -1,13 +1,9 @@
 #include <Networking/UIImageView+AFNetworking.h>
 
-#include <Foundation/MainQueue.h>
-#include <Foundation/TurnMeter.h>
-#include <Networking/WorkerThread.h>
 #include <UIKit/UIScreen.h>
 
 #include <algorithm>
-#include <cmath>
-#include <memory>
+#include <string>
 #include <utility>
 
 namespace flarebox {
@@ -20,41 +16,45 @@ void showIfStillWanted(const Weak<UIImageView>& weakView, const Ref<NSURLRequest
     view->setImage(image);
 }
 
-/// Pixels each way that the view can show of a picture, now or on a turned screen: in steps, so that a little more of
-/// them is no reason to load it again. Of a view without a size as many as the screen has.
-int pixelSideOf(const UIImageView& view) {
-    constexpr int step = 128;
+/// The pixels that the view has for a picture; as many as the screen has while the view is nowhere yet.
+UIImage::Room roomOf(const UIImageView& view) {
+    if (!view.bounds().isEmpty()) return view.room();
     const UIScreen& screen = UIScreen::mainScreen();
-    const CGSize size = view.bounds().size, around = screen.bounds().size;
-    const CGFloat longer = std::max(around.width, around.height), shorter = std::min(around.width, around.height);
-    CGFloat side = longer;
-    if (size.width > 0 && size.height > 0 && shorter > 0) {
-        side = std::max(size.width, size.height) * std::min(2.0, longer / shorter);
-        // What fills the view reaches beyond it, how far is not known yet.
-        if (view.contentMode() == UIViewContentMode::ScaleAspectFill) side *= 1.5;
-    }
-    const CGFloat steps = std::ceil(std::min(side * screen.scale(), 1e6) / step);
-    return std::max(1, static_cast<int>(steps)) * step;
+    const CGSize size = screen.bounds().size;
+    const CGFloat side = std::max(size.width, size.height) * screen.scale();
+    return {.pixels = {side, side}};
 }
 
-/// Has the copy in which the view is going to draw a picture that has just arrived made off the main thread first.
-AFImageDownloader::Success preparedFor(UIImageView& view, AFImageDownloader::Success success) {
+/// Gets the picture that the view shows in another size: it is made of what is at hand, or loaded anew.
+void resize(UIImageView& view, const Ref<NSURLRequest>& request, const Ref<UIImage>& image, const UIImage::Room& room) {
+    AFImageDownloader& downloader = AFImageDownloader::defaultInstance();
+    const Weak<UIImageView> weakView(&view);
+    if (image->canBeSizedFor(room)) {
+        return downloader.resizeImage(image, room, [weakView](const Ref<UIImage>& resized) {
+            if (auto shown = weakView.lock()) shown->takeSized(resized);
+        });
+    }
+    downloader.downloadImageForURLRequest(
+        request, room,
+        [weakView, image](auto&, auto&, const Ref<UIImage>& loaded) {
+            auto shown = weakView.lock();
+            if (shown && shown->image() == image) shown->setImage(loaded);
+        },
+        nullptr);
+}
+
+/// Has a picture that has just arrived larger than the view draws it made smaller off the main thread first.
+AFImageDownloader::Success sizedFor(UIImageView& view, AFImageDownloader::Success success) {
     return [weakView = Weak<UIImageView>(&view), success = std::move(success)](auto& request, auto& response,
                                                                                auto& image) {
         const auto shown = weakView.lock();
-        if (!response || !shown || shown->bounds().isEmpty()) return success(request, response, image);
-        // What is called back, and what it holds, is touched and released on the main thread alone.
-        WorkerThread::shared()->async(
-            [success = AFImageDownloader::Success(success), request = Ref<NSURLRequest>(request),
-             response = Ref<NSHTTPURLResponse>(response), image = Ref<UIImage>(image), pixels = shown->pixelsOf(*image),
-             activity = std::make_shared<MainQueue::Activity>()]() mutable {
-                image->prepareResampled(pixels.width, pixels.height);
-                dispatch_async_main([success = std::move(success), request = std::move(request),
-                                     response = std::move(response), image = std::move(image)] {
-                    TurnMeter::Part part("answers");
-                    success(request, response, image);
-                });
-            });
+        const bool fits =
+            !shown || shown->bounds().isEmpty() || image->pixelSize() == shown->room().sizeOf(image->wholeSize());
+        if (!response || fits) return success(request, response, image);
+        AFImageDownloader::defaultInstance().resizeImage(
+            image, shown->room(),
+            [success, request = Ref<NSURLRequest>(request), response = Ref<NSHTTPURLResponse>(response)](
+                const Ref<UIImage>& resized) { success(request, response, resized); });
     };
 }
 
@@ -64,13 +64,21 @@ void setImageWithURLRequest(UIImageView& view, const Ref<NSURLRequest>& request,
                             AFImageDownloader::Success success, AFImageDownloader::Failure failure) {
     if (placeholder) view.setImage(placeholder);
     view.setImageTask(request);
+    view.setSizer([request](UIImageView& shown, const Ref<UIImage>& image, const UIImage::Room& room) {
+        resize(shown, request, image, room);
+    });
     if (!success) {
         success = [weakView = Weak<UIImageView>(&view)](auto& loaded, auto&, auto& image) {
             showIfStillWanted(weakView, loaded, image);
         };
     }
-    AFImageDownloader::defaultInstance().downloadImageForURLRequest(
-        request, pixelSideOf(view), preparedFor(view, std::move(success)), std::move(failure));
+    AFImageDownloader& downloader = AFImageDownloader::defaultInstance();
+    // Shown in whatever size it is at hand; the view asks for another one if it needs that.
+    const std::string address = request ? request->URL().absoluteString() : std::string();
+    if (const auto image = downloader.imageCache().imageWithIdentifier(address))
+        return success(request, nullptr, image);
+    downloader.downloadImageForURLRequest(request, roomOf(view), sizedFor(view, std::move(success)),
+                                          std::move(failure));
 }
 
 }  // namespace flarebox

@@ -81,15 +81,18 @@ Ref<UICollectionViewCell> UICollectionView::makeCell(std::string_view reuseIdent
 Ref<UICollectionViewCell> UICollectionView::dequeueReusableCell(std::string_view reuseIdentifier,
                                                                 const NSIndexPath& path) {
     Ref<UICollectionViewCell> cell;
+    const bool isItem = path.section == 0 && path.row < layout_.count();
+    // The size first: what fills the cell may depend on it.
     if (const auto pool = reusable_.find(reuseIdentifier); pool != reusable_.end() && !pool->second.empty()) {
         cell = pool->second.back();
         pool->second.pop_back();
         cell->prepareForReuse();
-    } else {
-        cell = makeCell(reuseIdentifier);
+        if (isItem) place(*cell, path.row);
+    } else if ((cell = makeCell(reuseIdentifier)) && isItem) {
+        place(*cell, path.row);
+        // Also that of the views within, which have none at all yet.
+        cell->layoutIfNeeded();
     }
-    // The size first: what fills the cell may depend on it.
-    if (cell && path.section == 0 && path.row < layout_.count()) place(*cell, path.row);
     return cell;
 }
 

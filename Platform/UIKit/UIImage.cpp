@@ -2,8 +2,6 @@
 
 #include <UIKit/AreaAverager.h>
 
-#include <algorithm>
-#include <cmath>
 #include <utility>
 
 namespace flarebox {
@@ -13,70 +11,59 @@ const ClassInfo& UIImage::staticClass() {
     return info;
 }
 
-UIImage::UIImage(int width, int height, std::vector<std::uint32_t> pixels, CGFloat scale, bool isReduced)
-    : width_(width), height_(height), pixels_(std::move(pixels)), scale_(scale), isReduced_(isReduced) {}
+UIImage::UIImage(PixelSize size, std::vector<std::uint32_t> pixels, std::shared_ptr<const Origin> origin)
+    : pixelSize_(size), pixels_(std::move(pixels)), origin_(std::move(origin)) {}
 
 Ref<UIImage> UIImage::imageWithPixels(int width, int height, std::vector<std::uint32_t> pixels, CGFloat scale) {
     if (width < 1 || height < 1 || !(scale > 0)) return nullptr;
     if (pixels.size() != static_cast<std::size_t>(width) * static_cast<std::size_t>(height)) return nullptr;
-    return make<UIImage>(width, height, std::move(pixels), scale, false);
+    const PixelSize size{width, height};
+    return make<UIImage>(size, std::move(pixels), std::make_shared<const Origin>(Origin{size, scale, {}}));
 }
 
-Ref<UIImage> UIImage::imageWithData(const NSData& data, Ref<NSError>* error, int maximumPixelSide) {
-    return imageWithData(data.bytes(), error, maximumPixelSide);
+Ref<UIImage> UIImage::imageWithData(std::span<const std::byte> data, Ref<NSError>* error, const Room& room) {
+    return decode({data, {}, nullptr}, error, room);
+}
+
+Ref<UIImage> UIImage::imageWithData(const NSData& data, Ref<NSError>* error, const Room& room) {
+    return decode({data.bytes(), data, nullptr}, error, room);
+}
+
+std::size_t UIImage::byteCost() const {
+    return pixels_.size() * sizeof(std::uint32_t) + origin_->data.length();
 }
 
 Ref<UIImage> UIImage::downscaledTo(CGSize maximumPixelSize) const {
-    const CGFloat factor = std::min(maximumPixelSize.width / width_, maximumPixelSize.height / height_);
-    if (!(factor < 1)) return resampledTo(width_, height_);
-    const auto side = [factor](int length) {
-        return std::max(1, static_cast<int>(std::lround(length * std::max(0.0, factor))));
-    };
-    return resampledTo(side(width_), side(height_));
+    return resampledTo(Room{maximumPixelSize}.sizeOf(pixelSize_));
 }
 
-bool UIImage::canBecome(int pixelWidth, int pixelHeight) const {
-    const bool isSmaller = pixelWidth < width_ || pixelHeight < height_;
-    return isSmaller && pixelWidth >= 1 && pixelHeight >= 1 && pixelWidth <= width_ && pixelHeight <= height_;
-}
-
-Ref<UIImage> UIImage::averagedTo(int pixelWidth, int pixelHeight) const {
-    AreaAverager averager(width_, height_, pixelWidth, pixelHeight);
-    const auto stride = static_cast<std::size_t>(width_);
-    for (std::size_t y = 0; y < static_cast<std::size_t>(height_); ++y)
+Ref<UIImage> UIImage::averagedTo(PixelSize size) const {
+    AreaAverager averager(pixelWidth(), pixelHeight(), size.width, size.height);
+    const auto stride = static_cast<std::size_t>(pixelWidth());
+    for (std::size_t y = 0; y < static_cast<std::size_t>(pixelHeight()); ++y)
         averager.addRow(std::span(pixels_).subspan(y * stride, stride));
-    return make<UIImage>(pixelWidth, pixelHeight, averager.takePixels(), scale_, true);
+    return make<UIImage>(size, averager.takePixels(), origin_);
 }
 
-Ref<UIImage> UIImage::resampledTo(int pixelWidth, int pixelHeight) const {
-    if (!canBecome(pixelWidth, pixelHeight)) return Ref<UIImage>(const_cast<UIImage*>(this));
-    if (Ref<UIImage> prepared = takePrepared(pixelWidth, pixelHeight)) return prepared;
-    return averagedTo(pixelWidth, pixelHeight);
+Ref<UIImage> UIImage::resampledTo(PixelSize size) const {
+    const bool isPossible = size.width >= 1 && size.height >= 1 && pixelSize_.holds(size) && size != pixelSize_;
+    return isPossible ? averagedTo(size) : Ref<UIImage>(const_cast<UIImage*>(this));
 }
 
-void UIImage::prepareResampled(int pixelWidth, int pixelHeight) const {
-    if (!canBecome(pixelWidth, pixelHeight)) return;
-    Ref<UIImage> made = averagedTo(pixelWidth, pixelHeight);
-    const std::lock_guard lock(preparedMutex_);
-    std::swap(prepared_, made);
+Ref<UIImage> UIImage::sizedFor(const Room& room) const {
+    const PixelSize wanted = room.sizeOf(wholeSize());
+    if (!pixelSize_.holds(wanted) && origin_->data) {
+        if (Ref<UIImage> larger = decode({origin_->data.bytes(), origin_->data, origin_}, nullptr, room)) return larger;
+    }
+    return resampledTo(wanted);
 }
 
-Ref<UIImage> UIImage::takePrepared(int pixelWidth, int pixelHeight) const {
-    const std::lock_guard lock(preparedMutex_);
-    return hasPrepared(pixelWidth, pixelHeight) ? std::exchange(prepared_, nullptr) : nullptr;
-}
-
-bool UIImage::isPreparedFor(int pixelWidth, int pixelHeight) const {
-    const std::lock_guard lock(preparedMutex_);
-    return hasPrepared(pixelWidth, pixelHeight);
-}
-
-bool UIImage::hasPrepared(int pixelWidth, int pixelHeight) const {
-    return prepared_ && prepared_->width_ == pixelWidth && prepared_->height_ == pixelHeight;
+bool UIImage::canBeSizedFor(const Room& room) const {
+    return origin_->data || pixelSize_.holds(room.sizeOf(wholeSize()));
 }
 
 std::string UIImage::description() const {
-    return "<UIImage: " + std::to_string(width_) + " x " + std::to_string(height_) + " pixels>";
+    return "<UIImage: " + std::to_string(pixelWidth()) + " x " + std::to_string(pixelHeight()) + " pixels>";
 }
 
 }  // namespace flarebox

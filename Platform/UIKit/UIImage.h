@@ -4,16 +4,18 @@
 #include <Foundation/NSObject.h>
 #include <Foundation/Values.h>
 #include <UIKit/Geometry.h>
+#include <UIKit/PictureRoom.h>
 
 #include <cstddef>
 #include <cstdint>
-#include <mutex>
+#include <memory>
 #include <span>
 #include <vector>
 
 namespace flarebox {
 
-/// A picture in memory. Immutable and shared; may be made, read and released on any thread.
+/// A picture in memory, in as many pixels as are needed of it. Immutable and shared; may be made, read and released on
+/// any thread.
 class UIImage : public NSObject {
     FLAREBOX_CLASS(UIImage)
 public:
@@ -21,64 +23,76 @@ public:
     static constexpr std::size_t maximumDataLength = std::size_t{32} << 20;
     static constexpr std::int64_t maximumPixelCount = 64'000'000;
 
-    /// Decodes PNG, JPEG, WebP, or the first frame of a GIF. A picture that would not fit into `maximumPixelSide` x
-    /// `maximumPixelSide` pixels is made smaller while it is read, its proportions kept; 0 leaves it as it is.
+    using PixelSize = flarebox::PixelSize;
+    using Room = PictureRoom;
+
+    /// Decodes PNG, JPEG, WebP, or the first frame of a GIF, and keeps no more pixels than it takes in the room.
     /// Null when the data is too long, of another format, damaged, or too large; `error` (may be null) then says why:
     /// NSURLErrorDataLengthExceedsMaximum or NSURLErrorCannotDecodeContentData of NSURLErrorDomain. Any thread.
     static Ref<UIImage> imageWithData(std::span<const std::byte> data, Ref<NSError>* error = nullptr,
-                                      int maximumPixelSide = 0);
-    static Ref<UIImage> imageWithData(const NSData& data, Ref<NSError>* error = nullptr, int maximumPixelSide = 0);
+                                      const Room& room = {});
+    /// A picture made smaller keeps the data as well, for `sizedFor` to make it larger again, where that takes less
+    /// memory than the pixels left out.
+    static Ref<UIImage> imageWithData(const NSData& data, Ref<NSError>* error = nullptr, const Room& room = {});
     /// Takes over `width` x `height` pixels, each 0xAARRGGBB with the colour premultiplied by the alpha.
     /// Null when the sizes are not positive or do not match the number of pixels.
     static Ref<UIImage> imageWithPixels(int width, int height, std::vector<std::uint32_t> pixels, CGFloat scale = 1);
 
-    struct PixelSize {
-        int width = 0, height = 0;
-        friend bool operator==(const PixelSize&, const PixelSize&) = default;
-    };
-    int pixelWidth() const { return width_; }
-    int pixelHeight() const { return height_; }
+    int pixelWidth() const { return pixelSize_.width; }
+    int pixelHeight() const { return pixelSize_.height; }
+    const PixelSize& pixelSize() const { return pixelSize_; }
     /// Rows from the top, without gaps.
     std::span<const std::uint32_t> pixels() const { return pixels_; }
-    /// Pixels per point.
-    CGFloat scale() const { return scale_; }
-    /// In points.
-    CGSize size() const { return {width_ / scale_, height_ / scale_}; }
-    /// Whether it was made smaller than the picture that it comes from, which holds more detail then.
-    bool isReduced() const { return isReduced_; }
-    /// Memory that the pixels take.
-    std::size_t byteCost() const { return pixels_.size() * sizeof(std::uint32_t); }
+    /// Pixels per point of the whole picture.
+    CGFloat scale() const { return origin_->scale; }
+    /// In points. The same in however many pixels the picture is kept.
+    CGSize size() const { return {wholeSize().width / scale(), wholeSize().height / scale()}; }
+    /// Of the picture before any of it was left out.
+    const PixelSize& wholeSize() const { return origin_->size; }
+    /// Whether it has fewer pixels than the picture that it comes from, which holds more detail then.
+    bool isReduced() const { return pixelSize_ != origin_->size; }
+    /// Whether the other one is this picture, in as many pixels or in others.
+    bool isSamePictureAs(const UIImage& other) const { return origin_ == other.origin_; }
+    /// Memory that the pixels take, and the data from which they can be made anew.
+    std::size_t byteCost() const;
 
     /// The picture averaged down to fit into that many pixels, its proportions kept; itself when it fits already. Any
     /// thread.
     Ref<UIImage> downscaledTo(CGSize maximumPixelSize) const;
     /// The picture averaged to exactly that many pixels, which must be at least 1 and at most its own size; itself
     /// otherwise.
-    Ref<UIImage> resampledTo(int pixelWidth, int pixelHeight) const;
-    /// Makes the copy that `resampledTo` of that size answers the next time, so that the main thread need not. Another
-    /// one that was made before and not asked for is dropped. Any thread.
-    void prepareResampled(int pixelWidth, int pixelHeight) const;
-    /// Whether such a copy waits to be asked for. Any thread.
-    bool isPreparedFor(int pixelWidth, int pixelHeight) const;
+    Ref<UIImage> resampledTo(PixelSize size) const;
+    /// The picture in as many pixels as it takes in the room, decoded anew where it has fewer now and its data was
+    /// kept; otherwise what comes nearest. Never null. Any thread, but it takes milliseconds.
+    Ref<UIImage> sizedFor(const Room& room) const;
+
+    /// Whether `sizedFor` of that room gives the picture all the pixels that it takes there.
+    bool canBeSizedFor(const Room& room) const;
 
     std::string description() const override;
 
-    /// For the class itself: `imageWithPixels` checks the arguments.
-    UIImage(int width, int height, std::vector<std::uint32_t> pixels, CGFloat scale, bool isReduced);
+    /// For the class itself: what is the same for a picture in all its sizes.
+    struct Origin {
+        PixelSize size;
+        CGFloat scale = 1;
+        /// Absent where the pixels are all there is.
+        NSData data;
+    };
+    UIImage(PixelSize size, std::vector<std::uint32_t> pixels, std::shared_ptr<const Origin> origin);
 
 private:
-    bool canBecome(int pixelWidth, int pixelHeight) const;
-    Ref<UIImage> averagedTo(int pixelWidth, int pixelHeight) const;
-    Ref<UIImage> takePrepared(int pixelWidth, int pixelHeight) const;
-    /// Under the lock.
-    bool hasPrepared(int pixelWidth, int pixelHeight) const;
+    /// Encoded bytes, the value that keeps them (may be absent), and where they have been decoded before, their origin.
+    struct Source {
+        std::span<const std::byte> bytes;
+        NSData data;
+        std::shared_ptr<const Origin> origin;
+    };
+    static Ref<UIImage> decode(const Source& source, Ref<NSError>* error, const Room& room);
+    Ref<UIImage> averagedTo(PixelSize size) const;
 
-    int width_, height_;
+    PixelSize pixelSize_;
     std::vector<std::uint32_t> pixels_;
-    CGFloat scale_;
-    bool isReduced_;
-    mutable std::mutex preparedMutex_;
-    mutable Ref<UIImage> prepared_;
+    std::shared_ptr<const Origin> origin_;
 };
 
 }  // namespace flarebox

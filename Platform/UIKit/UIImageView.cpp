@@ -1,24 +1,17 @@
 #include <UIKit/UIImageView.h>
 #include <UIKit/UIScreen.h>
 
-#include <UIKit/UIScreen.h>
-
 #include <algorithm>
-#include <cmath>
 
 namespace flarebox {
 namespace {
 
 constexpr double fadeDuration = 0.15;
-/// Bytes up to which the copy that was drawn is kept for the next time. Large ones are drawn again too rarely.
-constexpr std::size_t keptCopyLength = std::size_t{1} << 20;
+/// Pixels up to which the copy that was drawn is kept for the next time. Large ones are drawn again too rarely.
+constexpr std::size_t keptCopyPixels = std::size_t{1} << 18;
 
-/// Whole pixels, and no more than the picture has.
-UIImage::PixelSize pixelsWithin(const UIImage& image, CGSize pixels) {
-    const auto side = [](CGFloat length, int own) { return std::clamp(static_cast<int>(std::lround(length)), 1, own); };
-    return {side(std::min(pixels.width, 1e6), image.pixelWidth()),
-            side(std::min(pixels.height, 1e6), image.pixelHeight())};
-}
+/// Pixels that are averaged to a smaller size in less time than it takes to draw the view twice.
+constexpr std::size_t quicklySizedPixels = std::size_t{1} << 15;
 
 }  // namespace
 
@@ -36,7 +29,7 @@ void UIImageView::setImage(Ref<UIImage> image, bool animated) {
     if (image == image_) return;
     const bool sizeChanged = !image || !image_ || !(image->size() == image_->size());
     image_ = std::move(image);
-    drawnImage_ = nullptr;
+    awaitedSize_ = {};
     if (sizeChanged) invalidateIntrinsicContentSize();
     setNeedsDisplay();
     if (!image_ || !animated || !window()) return;
@@ -75,21 +68,41 @@ CGRect UIImageView::contentRect() const {
     return bounds().inset(inset, inset);
 }
 
-CGRect UIImageView::placeOf(const UIImage& image) const {
-    return placedByContentMode(image.size(), contentRect(), contentMode());
+UIImage::Room UIImageView::roomAtScale(CGFloat scale) const {
+    const CGSize size = contentRect().size;
+    return {.pixels = {std::max(0.0, size.width) * scale, std::max(0.0, size.height) * scale}, .mode = contentMode()};
 }
 
-UIImage::PixelSize UIImageView::pixelsOf(const UIImage& image) const {
-    const CGFloat scale = UIScreen::mainScreen().scale();
-    const CGRect place = placeOf(image);
-    return pixelsWithin(image, {place.width() * scale, place.height() * scale});
+UIImage::Room UIImageView::room() const {
+    return roomAtScale(UIScreen::mainScreen().scale());
 }
 
-const UIImage& UIImageView::imageForPixels(CGSize pixels) {
-    const UIImage::PixelSize wanted = pixelsWithin(*image_, pixels);
-    if (!drawnImage_ || drawnImage_->pixelWidth() != wanted.width || drawnImage_->pixelHeight() != wanted.height)
-        drawnImage_ = image_->resampledTo(wanted.width, wanted.height);
+Ref<UIImage> UIImageView::standInFor(UIImage::PixelSize size) const {
+    if (!sizer_) return nullptr;
+    if (!image_->pixelSize().holds(size)) return image_;
+    return drawnImage_ && image_->pixels().size() > quicklySizedPixels ? drawnImage_ : nullptr;
+}
+
+const UIImage& UIImageView::imageFor(const UIImage::Room& room) {
+    const UIImage::PixelSize wanted = room.sizeOf(image_->wholeSize());
+    if (drawnImage_ && !drawnImage_->isSamePictureAs(*image_)) drawnImage_ = nullptr;
+    if (drawnImage_ && drawnImage_->pixelSize() == wanted) return *drawnImage_;
+    if (image_->pixelSize() != wanted) {
+        if (const Ref<UIImage> standIn = standInFor(wanted)) {
+            if (awaitedSize_ != wanted) sizer_(*this, image_, room);
+            awaitedSize_ = wanted;
+            return *standIn;
+        }
+    }
+    drawnImage_ = image_->resampledTo(wanted);
     return *drawnImage_;
+}
+
+void UIImageView::takeSized(const Ref<UIImage>& image) {
+    if (!image || !image_ || image == image_ || !image->isSamePictureAs(*image_)) return;
+    if (image->pixelSize().holds(image_->pixelSize())) image_ = image;
+    drawnImage_ = image;
+    setNeedsDisplay();
 }
 
 bool UIImageView::showsPixelBuffer() const {
@@ -98,9 +111,7 @@ bool UIImageView::showsPixelBuffer() const {
 }
 
 UIView::PixelBuffer UIImageView::pixelBuffer() {
-    const CGSize place = placedByContentMode(image_->size(), bounds(), contentMode()).size;
-    const CGFloat scale = UIScreen::mainScreen().scale();
-    const UIImage& shown = imageForPixels({place.width * scale, place.height * scale});
+    const UIImage& shown = imageFor(room());
     return {shown.pixelWidth(), shown.pixelHeight(), shown.pixelWidth(), shown.pixels().data()};
 }
 
@@ -108,11 +119,12 @@ void UIImageView::drawRect(Canvas& canvas, const CGRect&) {
     const CGRect area = contentRect();
     if (area.isEmpty()) return;
     if (!image_) {
+        drawnImage_ = nullptr;
         const CGFloat margin = (1 - iconShare_) / 2 * std::min(area.width(), area.height());
         if (icon_) icon_->draw(canvas, area.inset(margin, margin), tintColor());
         return;
     }
-    const CGRect place = placeOf(*image_);
+    const CGRect place = placedByContentMode(image_->size(), area, contentMode());
     const CGFloat inset = area.minX() - bounds().minX();
     const auto radius = [inset](CGFloat own) { return std::max(0.0, own - inset); };
     const CornerRadii& own = layer().cornerRadii();
@@ -121,9 +133,9 @@ void UIImageView::drawRect(Canvas& canvas, const CGRect&) {
     if (inset > 0)
         canvas.clipRoundedRect(
             area, {radius(own.topLeft), radius(own.topRight), radius(own.bottomRight), radius(own.bottomLeft)});
-    canvas.drawImage(imageForPixels({place.width() * canvas.scale(), place.height() * canvas.scale()}), place);
+    canvas.drawImage(imageFor(roomAtScale(canvas.scale())), place);
     canvas.restore();
-    if (drawnImage_ != image_ && drawnImage_->byteCost() > keptCopyLength) drawnImage_ = nullptr;
+    if (drawnImage_ && drawnImage_ != image_ && drawnImage_->pixels().size() > keptCopyPixels) drawnImage_ = nullptr;
 }
 
 }  // namespace flarebox

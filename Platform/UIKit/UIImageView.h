@@ -38,8 +38,15 @@ public:
     const Ref<NSObject>& imageTask() const { return imageTask_; }
     void setImageTask(Ref<NSObject> task) { imageTask_ = std::move(task); }
 
-    /// In how many pixels, width and height, the view as it is now would draw that picture on the screen.
-    UIImage::PixelSize pixelsOf(const UIImage& image) const;
+    /// The pixels that the view, as it is now, has for a picture on the screen.
+    UIImage::Room room() const;
+    /// What makes pictures of the sizes in which they are drawn, off the main thread: it is called while the view is
+    /// drawn, at once, and answers with `takeSized` later. Meanwhile the view shows what it has of the picture. Null,
+    /// as long as none is set: the view does it itself, where it draws.
+    using Sizer = std::function<void(UIImageView& view, const Ref<UIImage>& image, const UIImage::Room& room)>;
+    void setSizer(Sizer sizer) { sizer_ = std::move(sizer); }
+    /// The picture shown, in the size that was wanted; passed over when another one is shown by now.
+    void takeSized(const Ref<UIImage>& image);
 
     /// The picture's size in points; none without a picture.
     CGSize intrinsicContentSize() const override;
@@ -51,13 +58,18 @@ public:
 
 private:
     CGRect contentRect() const;
-    CGRect placeOf(const UIImage& image) const;
-    const UIImage& imageForPixels(CGSize pixels);
+    UIImage::Room roomAtScale(CGFloat scale) const;
+    const UIImage& imageFor(const UIImage::Room& room);
+    /// What stands for the picture until it has been made in that size; null where that is done at once.
+    Ref<UIImage> standInFor(UIImage::PixelSize size) const;
 
     Ref<UIImage> image_;
-    /// The picture at the size in which it was last drawn; the picture itself where that is its own size. Null where it
-    /// is not worth its memory.
+    /// A picture at the size in which it was last drawn; the picture itself where that is its own size. Null where it
+    /// is not worth its memory. It may be of a former picture, in case that one comes back.
     Ref<UIImage> drawnImage_;
+    Sizer sizer_;
+    /// What the sizer has been asked for, of the picture shown.
+    UIImage::PixelSize awaitedSize_;
     const VectorIcon* icon_ = nullptr;
     Ref<NSObject> imageTask_;
     CGFloat borderGap_ = 0, iconShare_ = 1;

@@ -17,14 +17,6 @@ constexpr CGFloat leastVisibleAlpha = 0.01;
 
 }  // namespace
 
-CGRect placedByContentMode(CGSize picture, const CGRect& area, UIViewContentMode mode) {
-    if (mode == UIViewContentMode::ScaleToFill || !(picture.width > 0) || !(picture.height > 0)) return area;
-    const CGFloat across = area.width() / picture.width, down = area.height() / picture.height;
-    const CGFloat factor = mode == UIViewContentMode::ScaleAspectFit ? std::min(across, down) : std::max(across, down);
-    const CGSize size = {picture.width * factor, picture.height * factor};
-    return CGRectMake(area.midX() - size.width / 2, area.midY() - size.height / 2, size.width, size.height);
-}
-
 const ClassInfo& UIView::staticClass() {
     static const ClassInfo info("UIView", &NSObject::staticClass(), createObject<UIView>);
     return info;

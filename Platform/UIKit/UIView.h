@@ -5,6 +5,7 @@
 #include <UIKit/Canvas.h>
 #include <UIKit/Geometry.h>
 #include <UIKit/NSLayoutConstraint.h>
+#include <UIKit/UIViewContentMode.h>
 
 #include <cstdint>
 #include <functional>
@@ -23,10 +24,6 @@ class UIWindow;
 
 /// Width or height that a view does not have by itself.
 inline constexpr CGFloat UIViewNoIntrinsicMetric = -1;
-
-enum class UIViewContentMode : std::uint8_t { ScaleToFill, ScaleAspectFit, ScaleAspectFill };
-/// Where a picture of that size goes in an area: beyond it where the mode fills the area and keeps the proportions.
-CGRect placedByContentMode(CGSize picture, const CGRect& area, UIViewContentMode mode);
 
 enum class UILayoutConstraintAxis : std::uint8_t { Horizontal, Vertical };
 

@@ -6,6 +6,7 @@
 #include <Networking/AFHTTPSessionManager.h>
 #include <Networking/AFImageResponseSerializer.h>
 #include <Networking/UIImageView+AFNetworking.h>
+#include <UIKit/BitmapCanvas.h>
 
 #include <gmock/gmock.h>
 
@@ -87,20 +88,27 @@ protected:
 
 }  // namespace
 
-TEST_F(ImageLoadingTest, TheCopyThatIsDrawnIsMadeOffTheMainThread) {
+TEST_F(ImageLoadingTest, APictureComesInThePixelsThatTheViewShows) {
     view_->setFrame(CGRectMake(0, 0, 1, 1));
-    bool prepared = false;
+    bool isSized = false;
     setImageWithURLRequest(
         *view_, get(server_.url("/p")), nullptr,
         [&](auto&, auto&, auto& image) {
             EXPECT_TRUE(isMainThread());
-            const auto pixels = view_->pixelsOf(*image);
-            EXPECT_EQ(pixels, (UIImage::PixelSize{1, 1}));
-            prepared = image->isPreparedFor(pixels.width, pixels.height);
+            EXPECT_EQ(image->pixelSize(), (PixelSize{1, 1}));
+            isSized = true;
+        },
+        nullptr);
+    // Somebody else wants it larger, and is served by the same transfer.
+    AFImageDownloader::defaultInstance().downloadImageForURLRequest(
+        get(server_.url("/p")), {},
+        [&](auto&, auto&, auto& image) {
+            EXPECT_EQ(image->pixelSize(), (PixelSize{2, 1}));
         },
         nullptr);
     EXPECT_TRUE(pumpUntilIdle());
-    EXPECT_TRUE(prepared);
+    EXPECT_TRUE(isSized);
+    EXPECT_EQ(server_.requests().size(), 1U);
 }
 
 TEST_F(ImageLoadingTest, OneTransferServesEverybodyWhoAsks) {
@@ -121,9 +129,9 @@ TEST_F(ImageLoadingTest, OneTransferServesEverybodyWhoAsks) {
 }
 
 TEST_F(ImageLoadingTest, PicturesHaveNoMorePixelsThanAreShown) {
-    const auto load = [this](int side, const std::string& url) {
+    const auto load = [this](double side, const std::string& url) {
         AFImageDownloader::defaultInstance().downloadImageForURLRequest(
-            get(url), side,
+            get(url), {{side, side}},
             [this](auto&, auto& response, auto& image) {
                 events_.push_back(std::to_string(image->pixelWidth()) + "x" + std::to_string(image->pixelHeight()) +
                                   (response ? "" : " cached"));
@@ -138,24 +146,65 @@ TEST_F(ImageLoadingTest, PicturesHaveNoMorePixelsThanAreShown) {
     load(5000, server_.url("/wide"));
     EXPECT_TRUE(pumpUntilIdle());
     load(1000, server_.url("/wide"));
-    EXPECT_THAT(events_, ElementsAre("100x50", "100x50 cached", "200x100", "400x200", "400x200 cached"));
-    EXPECT_EQ(server_.requests().size(), 3u);
+    EXPECT_THAT(events_, ElementsAre("100x50", "100x50 cached", "200x100 cached", "400x200 cached", "400x200 cached"));
+    EXPECT_EQ(server_.requests().size(), 1u) << "what was made smaller is decoded anew";
 
-    // Whoever joins a transfer gets the size that he wants, if it has to be loaded twice for that.
+    // Whoever joins a transfer gets the size that he wants.
     events_.clear();
     held_ = true;
     load(50, server_.url("/wide?2"));
     load(300, server_.url("/wide?2"));
     held_ = false;
     EXPECT_TRUE(pumpUntilIdle());
-    EXPECT_EQ(events_.back(), "300x150");
+    EXPECT_EQ(events_.back(), "300x150 cached");
 
     // A view of 10 x 10 points, on a screen of 1024 x 768 with one pixel a point.
     view_->setFrame({{0, 0}, {10, 10}});
+    view_->setContentMode(UIViewContentMode::ScaleAspectFit);
     events_.clear();
     start("icon", server_.url("/wide?3"));
     EXPECT_TRUE(pumpUntilIdle());
-    EXPECT_THAT(events_, ElementsAre("icon: 128x64"));
+    EXPECT_THAT(events_, ElementsAre("icon: 10x5"));
+}
+
+TEST_F(ImageLoadingTest, AViewThatGrowsShowsWhatItHasUntilThereIsMore) {
+    struct Case {
+        const char* path;
+        CGSize before, after;
+        PixelSize small, large;
+        std::size_t requests;
+    };
+    // Where the encoded bytes take less than the pixels left out they are kept, and nothing is loaded anew.
+    const Case cases[] = {
+        {"/wide", {40, 40}, {300, 300}, {40, 20}, {300, 150}, 1},
+        {"/p", {1, 1}, {2, 1}, {1, 1}, {2, 1}, 2},
+    };
+    const auto draw = [this] {
+        std::vector<std::uint32_t> pixels(300 * 300);
+        view_->drawRect(*makeBitmapCanvas(pixels.data(), 300, 300, 300, 1), view_->bounds());
+    };
+    view_->setContentMode(UIViewContentMode::ScaleAspectFit);
+    for (const Case& c : cases) {
+        const std::size_t before = server_.requests().size();
+        view_->setFrame({{}, c.before});
+        setImageWithURLRequest(*view_, get(server_.url(c.path)), nullptr, nullptr, nullptr);
+        EXPECT_TRUE(pumpUntilIdle());
+        ASSERT_TRUE(view_->image());
+        const CGSize size = view_->image()->size();
+        EXPECT_EQ(view_->image()->pixelSize(), c.small);
+        view_->setFrame({{}, c.after});
+        for (int frames = 0; frames < 3; ++frames) draw();
+        EXPECT_EQ(view_->image()->pixelSize(), c.small);
+        EXPECT_TRUE(pumpUntilIdle());
+        EXPECT_EQ(view_->image()->pixelSize(), c.large) << c.path;
+        EXPECT_EQ(view_->image()->size(), size);
+        EXPECT_EQ(server_.requests().size() - before, c.requests) << c.path;
+        draw();
+        EXPECT_TRUE(MainQueue::shared().isIdle()) << "nothing more is asked for";
+        // Another view finds the larger one at hand.
+        EXPECT_EQ(AFImageDownloader::defaultInstance().imageCache().imageWithIdentifier(server_.url(c.path)),
+                  view_->image());
+    }
 }
 
 TEST_F(ImageLoadingTest, WhatIsNoUsablePictureFails) {

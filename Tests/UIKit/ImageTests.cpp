@@ -38,8 +38,8 @@ std::string bytesOf(const char* base64) {
     return std::string(NSData::dataWithBase64EncodedString(base64).text());
 }
 
-Ref<UIImage> decode(const std::string& bytes, Ref<NSError>* error = nullptr, int side = 0) {
-    return UIImage::imageWithData(std::as_bytes(std::span(bytes)), error, side);
+Ref<UIImage> decode(const std::string& bytes, Ref<NSError>* error = nullptr, const PictureRoom& room = {}) {
+    return UIImage::imageWithData(std::as_bytes(std::span(bytes)), error, room);
 }
 
 void expectColor(std::uint32_t pixel, std::uint32_t expected, int tolerance) {
@@ -143,7 +143,7 @@ TEST(Image, SurvivesDamagedData) {
         for (int round = 0; round < 300; ++round) {
             std::string damaged = whole;
             for (int i = 0; i < 4; ++i) damaged[random() % damaged.size()] = static_cast<char>(random());
-            const auto image = decode(damaged, nullptr, 64);
+            const auto image = decode(damaged, nullptr, {{64, 64}});
             EXPECT_LE(image ? std::max(image->pixelWidth(), image->pixelHeight()) : 0, 64);
         }
     }
@@ -169,29 +169,38 @@ TEST(Image, GetsSmallerByAveraging) {
     const auto image = UIImage::imageWithPixels(8, 6, stripes, 2);
     EXPECT_EQ(image->size(), (CGSize{4, 3}));
 
-    const auto half = image->resampledTo(4, 3);
+    const auto half = image->resampledTo({4, 3});
     ASSERT_EQ(half->pixels().size(), 12U);
     expectColor(half->pixels()[0], 0x80808080, 1);
     expectColor(half->pixels()[8], 0xBF404040, 1);
-    expectColor(image->resampledTo(1, 1)->pixels()[0], 0x956A6A6A, 2);
+    expectColor(image->resampledTo({1, 1})->pixels()[0], 0x956A6A6A, 2);
     // Sizes that do not divide each other keep the mean.
-    const auto plain = UIImage::imageWithPixels(7, 5, std::vector<std::uint32_t>(35, 0xFF3264C8))->resampledTo(3, 2);
+    const auto plain = UIImage::imageWithPixels(7, 5, std::vector<std::uint32_t>(35, 0xFF3264C8))->resampledTo({3, 2});
     EXPECT_EQ(plain->pixels().size(), 6U);
     for (const std::uint32_t pixel : plain->pixels()) expectColor(pixel, 0xFF3264C8, 1);
 }
 
-TEST(Image, ACopyMadeOnAnotherThreadIsHandedOutOnce) {
-    const auto image = UIImage::imageWithPixels(7, 5, std::vector<std::uint32_t>(35, 0xFF3264C8));
-    std::thread([&] { image->prepareResampled(3, 2); }).join();
-    EXPECT_TRUE(image->isPreparedFor(3, 2));
-    EXPECT_EQ(image->resampledTo(4, 2)->pixelWidth(), 4) << "another size is made at once";
-    EXPECT_TRUE(image->isPreparedFor(3, 2));
-    EXPECT_EQ(image->resampledTo(3, 2)->pixels().size(), 6U);
-    EXPECT_FALSE(image->isPreparedFor(3, 2)) << "memory for two copies would be wasted";
-    EXPECT_EQ(image->resampledTo(3, 2)->pixels().size(), 6U);
-    for (const auto& [width, height] : {std::pair(0, 2), std::pair(7, 5), std::pair(8, 2)}) {
-        image->prepareResampled(width, height);
-        EXPECT_FALSE(image->isPreparedFor(width, height)) << width << "x" << height;
+TEST(Image, TakesNoMorePixelsThanItsRoom) {
+    const auto whole = decode(bytesOf(png));
+    const auto image = UIImage::imageWithData(NSData::dataWithBytes(bytesOf(png)), nullptr, {{4, 4}});
+    EXPECT_TRUE(image->isReduced());
+    EXPECT_EQ(image->size(), whole->size()) << "layout does not depend on the pixels that are kept";
+    EXPECT_EQ(image->byteCost(), image->pixels().size_bytes()) << "so few pixels take less memory than the data";
+    EXPECT_EQ(image->sizedFor({{4, 4}}), image);
+    EXPECT_FALSE(image->canBeSizedFor({}));
+    EXPECT_EQ(image->sizedFor({}), image);
+    EXPECT_TRUE(whole->sizedFor({{2, 2}})->isSamePictureAs(*whole));
+    EXPECT_FALSE(image->isSamePictureAs(*whole));
+
+    using enum UIViewContentMode;
+    const std::pair<PictureRoom, PixelSize> rooms[] = {
+        {{{10, 10}, ScaleAspectFit}, {10, 5}},      {{{10, 10}, ScaleAspectFill}, {20, 10}},
+        {{{10, 10}, ScaleToFill}, {10, 10}},        {{{1000, 10}, ScaleToFill}, {100, 10}},
+        {{{0, 0}, ScaleAspectFill}, {1, 1}},        {{{1000, 1000}, ScaleAspectFill}, {100, 50}},
+        {{{10, 40}, ScaleAspectFill, 16}, {16, 8}}, {{}, {100, 50}},
+    };
+    for (const auto& [room, size] : rooms) {
+        EXPECT_EQ(room.sizeOf({100, 50}), size) << room.pixels.width << " x " << room.pixels.height;
     }
 }
 
@@ -212,7 +221,7 @@ TEST(Image, KeepsItsProportions) {
         EXPECT_EQ(small->pixelWidth(), c.expectedWidth);
         EXPECT_EQ(small->pixelHeight(), c.expectedHeight);
     }
-    const auto decoded = decode(bytesOf(png), nullptr, 4);
+    const auto decoded = decode(bytesOf(png), nullptr, {{4, 4}});
     ASSERT_TRUE(decoded);
     EXPECT_EQ(decoded->pixelWidth(), 4);
     EXPECT_EQ(decoded->pixelHeight(), 2);

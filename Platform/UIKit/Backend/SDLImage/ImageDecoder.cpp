@@ -54,7 +54,7 @@ const char* faultOfPNG(std::span<const std::byte> data) {
     return bytes.ok() ? nullptr : "The picture is cut off";
 }
 
-Surface decode(ImageFormat format, std::span<const std::byte> data) {
+Surface readSurface(ImageFormat format, std::span<const std::byte> data) {
     static std::once_flag once;
     std::call_once(once, [] { IMG_Init(IMG_INIT_PNG | IMG_INIT_JPG | IMG_INIT_WEBP); });
     struct StreamRelease {
@@ -110,28 +110,34 @@ bool readRow(const SDL_Surface& surface, bool isFourColor, int y, std::span<std:
     return true;
 }
 
-Ref<UIImage> imageFromSurface(const SDL_Surface& surface, bool isFourColor, int maximumSide) {
-    const int width = surface.w, height = surface.h;
-    const double factor =
-        maximumSide > 0 ? std::min(1.0, static_cast<double>(maximumSide) / std::max(width, height)) : 1;
-    const auto side = [factor](int length) { return std::max(1, static_cast<int>(std::lround(length * factor))); };
-    AreaAverager averager(width, height, side(width), side(height));
-    std::vector<std::uint32_t> row(static_cast<std::size_t>(width)), pixels;
-    if (factor >= 1) pixels.reserve(row.size() * static_cast<std::size_t>(height));
-    for (int y = 0; y < height; ++y) {
-        if (!readRow(surface, isFourColor, y, row)) return nullptr;
-        if (factor < 1)
-            averager.addRow(row);
-        else
+/// Empty when the colours cannot be converted.
+std::vector<std::uint32_t> pixelsOfSurface(const SDL_Surface& surface, bool isFourColor, UIImage::PixelSize size) {
+    const bool isWhole = size == UIImage::PixelSize{surface.w, surface.h};
+    AreaAverager averager(surface.w, surface.h, size.width, size.height);
+    std::vector<std::uint32_t> row(static_cast<std::size_t>(surface.w)), pixels;
+    if (isWhole) pixels.reserve(row.size() * static_cast<std::size_t>(surface.h));
+    for (int y = 0; y < surface.h; ++y) {
+        if (!readRow(surface, isFourColor, y, row)) return {};
+        if (isWhole)
             pixels.insert(pixels.end(), row.begin(), row.end());
+        else
+            averager.addRow(row);
     }
-    if (factor < 1) return make<UIImage>(side(width), side(height), averager.takePixels(), 1.0, true);
-    return UIImage::imageWithPixels(width, height, std::move(pixels));
+    return isWhole ? pixels : averager.takePixels();
 }
 
 }  // namespace
 
-Ref<UIImage> UIImage::imageWithData(std::span<const std::byte> data, Ref<NSError>* error, int maximumPixelSide) {
+Ref<UIImage> UIImage::decode(const Source& source, Ref<NSError>* error, const Room& room) {
+    const std::span<const std::byte> data = source.bytes;
+    const auto keep = [&](PixelSize whole, PixelSize size, std::vector<std::uint32_t> pixels) {
+        auto origin = source.origin;
+        if (!origin) {
+            const bool keepsData = data.size() < (whole.count() - size.count()) * sizeof(std::uint32_t);
+            origin = std::make_shared<const Origin>(Origin{whole, 1, keepsData ? source.data : NSData()});
+        }
+        return make<UIImage>(size, std::move(pixels), std::move(origin));
+    };
     if (data.size() > maximumDataLength)
         return fail(error, NSURLErrorDataLengthExceedsMaximum, "The picture's data is longer than 32 MiB");
     const auto header = readImageHeader(data);
@@ -147,16 +153,18 @@ Ref<UIImage> UIImage::imageWithData(std::span<const std::byte> data, Ref<NSError
     if (header->format == ImageFormat::GIF) {
         const Ref<UIImage> frame = decodeGIF(data);
         if (!frame) return fail(error, NSURLErrorCannotDecodeContentData, "The picture is damaged");
-        return maximumPixelSide > 0 ? frame->downscaledTo({CGFloat(maximumPixelSide), CGFloat(maximumPixelSide)})
-                                    : frame;
+        const Ref<UIImage> sized = frame->sizedFor(room);
+        return keep(frame->pixelSize(), sized->pixelSize(), {sized->pixels().begin(), sized->pixels().end()});
     }
-    Surface surface = decode(header->format, data);
+    Surface surface = readSurface(header->format, data);
     if (surface) surface = withDirectColors(std::move(surface));
     if (!surface || surface->w < 1 || surface->h < 1)
         return fail(error, NSURLErrorCannotDecodeContentData, std::string("The picture is damaged: ") + SDL_GetError());
-    Ref<UIImage> image = imageFromSurface(*surface, header->isFourColor, maximumPixelSide);
-    if (!image) return fail(error, NSURLErrorCannotDecodeContentData, "The picture's colours cannot be converted");
-    return image;
+    const PixelSize whole{surface->w, surface->h}, size = room.sizeOf(whole);
+    auto pixels = pixelsOfSurface(*surface, header->isFourColor, size);
+    if (pixels.empty())
+        return fail(error, NSURLErrorCannotDecodeContentData, "The picture's colours cannot be converted");
+    return keep(whole, size, std::move(pixels));
 }
 
 }  // namespace flarebox
