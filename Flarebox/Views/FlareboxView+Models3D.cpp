@@ -23,7 +23,7 @@ constexpr double fullScreenButtonWidth = 36, designScreenHeight = 600;
 std::string modelPath(const FXAssetInfo& asset) {
     const std::string uid = asset.uid().string();
     if (!isPlainPathComponent(uid)) return {};
-    const std::string folder = NSFileManager::defaultManager().documentsDirectory();
+    const std::string folder = NSFileManager::defaultManager().documentsPath();
     return folder.empty() ? std::string() : folder + "/" + uid;
 }
 
@@ -76,9 +76,11 @@ void FlareboxView::remove3DFilesCached() {
 
 void FlareboxView::load3DModel(const Ref<FXAssetInfo>& asset) {
     if (!asset) return;
-    const std::string path = modelPath(*asset);
+    std::string path = modelPath(*asset);
     if (NSFileManager::defaultManager().fileExistsAtPath(path)) return handleLoad3DAssetCompletion(path, asset);
     const NSURL url = NSURL::URLWithString(asset->fileIos());
+    // The folder is needed from now on.
+    if (url && NSFileManager::defaultManager().documentsDirectory().empty()) path.clear();
     show3DContent(*asset, url && !path.empty());
     if (!url) return;
     if (path.empty()) return errorLog("The model of the asset \"%@\" has no place on disk", asset->uid());

@@ -86,7 +86,10 @@ void SCNContentView::showState() {
     scnView_->setHidden(!hasModel);
     imgSign_->setHidden(isLoading);
     lbMessage_->setHidden(isLoading);
-    lbMessage_->setText(flareboxText(reason.empty() ? noModel : reason));
+    if (shownReason_ != reason) {
+        shownReason_ = reason;
+        lbMessage_->setText(flareboxText(reason.empty() ? noModel : reason));
+    }
     if (isLoading)
         indicator_->startAnimating();
     else

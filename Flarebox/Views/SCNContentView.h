@@ -5,6 +5,8 @@
 #include <UIKit/WeakDelegate.h>
 
 #include <cstdint>
+#include <optional>
+#include <string>
 
 namespace flarebox {
 
@@ -62,6 +64,8 @@ private:
     Weak<NSLayoutConstraint> btn3DModeWidthContraint_;
     WeakDelegate<SCNContentViewDelegate> delegate_;
     Content content_ = Content::None;
+    /// Why there is no model, as the message says it; absent before the first.
+    std::optional<std::string> shownReason_;
     bool is3DViewFullScreen_ = false;
 };
 

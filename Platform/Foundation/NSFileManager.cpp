@@ -183,16 +183,17 @@ bool NSFileManager::writeAtomically(std::string_view contents, std::string_view 
     return false;
 }
 
-std::string NSFileManager::documentsDirectory(Ref<NSError>* error) const {
-    std::string path;
+std::string NSFileManager::documentsPath() const {
     {
         std::lock_guard lock(mutex_);
-        path = documentsDirectory_;
+        if (!documentsDirectory_.empty()) return documentsDirectory_;
     }
-    if (path.empty()) {
-        path = NSProcessInfo::processInfo().dataDirectory();
-        if (!path.empty()) path += "/Documents";
-    }
+    const std::string data = NSProcessInfo::processInfo().dataDirectory();
+    return data.empty() ? data : data + "/Documents";
+}
+
+std::string NSFileManager::documentsDirectory(Ref<NSError>* error) const {
+    const std::string path = documentsPath();
     return createDirectoryAtPath(path, true, error) ? path : std::string();
 }
 

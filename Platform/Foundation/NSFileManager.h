@@ -67,6 +67,8 @@ public:
     /// The application's own documents directory, created where it is missing: what the host has set, or "Documents"
     /// below `NSProcessInfo::dataDirectory()`. Empty, with an error, when it cannot be created.
     std::string documentsDirectory(Ref<NSError>* error = nullptr) const;
+    /// Where that is, whether it exists or not, without a look at the disk. Empty when the user has no home directory.
+    std::string documentsPath() const;
     /// An empty path means the default again.
     void setDocumentsDirectory(std::string_view path);
 

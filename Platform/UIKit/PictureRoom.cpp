@@ -14,11 +14,12 @@ CGRect placedByContentMode(CGSize picture, const CGRect& area, UIViewContentMode
 }
 
 PixelSize PictureRoom::sizeOf(PixelSize picture) const {
-    const CGSize placed =
-        placedByContentMode({CGFloat(picture.width), CGFloat(picture.height)}, CGRect{{}, pixels}, mode).size;
+    constexpr CGFloat most = 1e6;
+    const CGRect area = CGRectMake(0, 0, std::min(pixels.width, most), std::min(pixels.height, most));
+    const CGSize placed = placedByContentMode({CGFloat(picture.width), CGFloat(picture.height)}, area, mode).size;
     const CGFloat excess = std::max(1.0, std::max(placed.width, placed.height) / longestSide);
     const auto side = [excess](CGFloat length, int own) {
-        return static_cast<int>(std::clamp<CGFloat>(std::round(std::min(length / excess, 1e6)), 1, own));
+        return static_cast<int>(std::clamp<CGFloat>(std::round(length / excess), 1, own));
     };
     return {side(placed.width, picture.width), side(placed.height, picture.height)};
 }

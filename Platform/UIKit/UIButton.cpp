@@ -86,6 +86,7 @@ UIColor UIButton::titleColorForState(UIControlState state) const {
 }
 
 void UIButton::setTitleColor(const UIColor& color, UIControlState state) {
+    if (titleColors_.own(state) == color) return;
     titleColors_.set(state, color);
     setNeedsDisplay();
 }
@@ -96,6 +97,7 @@ UIColor UIButton::tintColorForState(UIControlState state) const {
 
 void UIButton::setTintColor(const UIColor& color, UIControlState state) {
     if (state == UIControlState::Normal) return setTintColor(color);
+    if (tintColors_.own(state) == color) return;
     tintColors_.set(state, color);
     setNeedsDisplay();
 }
@@ -123,6 +125,7 @@ UIColor UIButton::backgroundColorForState(UIControlState state) const {
 }
 
 void UIButton::setBackgroundColor(const UIColor& color, UIControlState state) {
+    if (backgroundColors_.own(state) == color) return;
     backgroundColors_.set(state, color);
     setNeedsDisplay();
 }

@@ -5,6 +5,7 @@
 #include <UIKit/UITouch.h>
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace flarebox {
@@ -83,9 +84,7 @@ Ref<UICollectionViewCell> UICollectionView::dequeueReusableCell(std::string_view
     Ref<UICollectionViewCell> cell;
     const bool isItem = path.section == 0 && path.row < layout_.count();
     // The size first: what fills the cell may depend on it.
-    if (const auto pool = reusable_.find(reuseIdentifier); pool != reusable_.end() && !pool->second.empty()) {
-        cell = pool->second.back();
-        pool->second.pop_back();
+    if ((cell = takeReusable(reuseIdentifier, path.row))) {
         cell->prepareForReuse();
         if (isItem) place(*cell, path.row);
     } else if ((cell = makeCell(reuseIdentifier)) && isItem) {
@@ -93,6 +92,17 @@ Ref<UICollectionViewCell> UICollectionView::dequeueReusableCell(std::string_view
         // Also that of the views within, which have none at all yet.
         cell->layoutIfNeeded();
     }
+    return cell;
+}
+
+/// The cell that showed the item before, if it is there: it most likely looks right already.
+Ref<UICollectionViewCell> UICollectionView::takeReusable(std::string_view reuseIdentifier, std::size_t item) {
+    const auto pool = reusable_.find(reuseIdentifier);
+    if (pool == reusable_.end() || pool->second.empty()) return nullptr;
+    auto found = std::ranges::find(pool->second, item, &ShownItem::item);
+    if (found == pool->second.end()) found = std::prev(found);
+    const Ref<UICollectionViewCell> cell = std::move(found->cell);
+    pool->second.erase(found);
     return cell;
 }
 
@@ -115,14 +125,14 @@ void UICollectionView::leave(const ShownItem& shown) {
 void UICollectionView::recycleKeptAbove(std::size_t limit) {
     if (kept_.size() <= limit) return;
     const auto end = kept_.begin() + static_cast<std::ptrdiff_t>(kept_.size() - limit);
-    for (auto each = kept_.begin(); each != end; ++each) recycle(each->cell);
+    for (auto each = kept_.begin(); each != end; ++each) recycle(*each);
     kept_.erase(kept_.begin(), end);
 }
 
-void UICollectionView::recycle(const Ref<UICollectionViewCell>& cell) {
+void UICollectionView::recycle(const ShownItem& shown) {
     // Hidden and kept as a sub-view: that costs less than leaving and entering the tree.
-    cell->setHidden(true);
-    reusable_[cell->reuseIdentifier_].push_back(cell);
+    shown.cell->setHidden(true);
+    reusable_[shown.cell->reuseIdentifier_].push_back(shown);
 }
 
 void UICollectionView::recycleAll() {

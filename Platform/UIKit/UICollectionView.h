@@ -109,7 +109,8 @@ private:
     void readItems();
     void place(UICollectionViewCell& cell, std::size_t item);
     void leave(const ShownItem& shown);
-    void recycle(const Ref<UICollectionViewCell>& cell);
+    void recycle(const ShownItem& shown);
+    Ref<UICollectionViewCell> takeReusable(std::string_view reuseIdentifier, std::size_t item);
     void recycleKeptAbove(std::size_t limit);
     void recycleAll();
     void showItems(UICollectionViewLayout::Items items);
@@ -124,7 +125,7 @@ private:
     UICollectionViewLayout layout_;
     WeakDelegate<UICollectionViewDataSource> dataSource_;
     std::map<std::string, Source, std::less<>> sources_;
-    std::map<std::string, std::vector<Ref<UICollectionViewCell>>, std::less<>> reusable_;
+    std::map<std::string, std::vector<ShownItem>, std::less<>> reusable_;
     /// Ascending by item.
     std::vector<ShownItem> visible_;
     /// Out of sight, where the list clips them; those that left first come first.

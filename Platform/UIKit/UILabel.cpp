@@ -45,6 +45,7 @@ template <class T>
 void UILabel::change(T& field, const T& value, bool sizeChanged) {
     if (field == value) return;
     field = value;
+    if (sizeChanged) fits_ = {};
     contentChanged(sizeChanged);
 }
 
@@ -55,12 +56,14 @@ void UILabel::contentChanged(bool sizeChanged) {
 
 void UILabel::fontsDidOpen() {
     NSNotificationCenter::defaultCenter().removeObserver(*this, UIFontsDidOpenNotification, nullptr);
+    fits_ = {};
     contentChanged(true);
 }
 
 void UILabel::setText(const NSString& text) {
     if (text_.text() == text.text() && static_cast<bool>(text_) == static_cast<bool>(text)) return;
     text_ = text;
+    fits_ = {};
     contentChanged(true);
 }
 
@@ -101,9 +104,14 @@ CGFloat UILabel::iconWidth() const {
 
 CGSize UILabel::sizeThatFits(CGFloat width) const {
     if (!drawsContent()) return {};
+    for (const Fit& fit : fits_)
+        if (fit.width == width) return fit.size;
     const CGFloat beside = iconWidth() + contentInsets_.left + contentInsets_.right;
     const CGSize text = measureText(text_.text(), style_, std::max(0.0, width - beside));
-    return {text.width + beside, text.height + contentInsets_.top + contentInsets_.bottom};
+    const CGSize size = {text.width + beside, text.height + contentInsets_.top + contentInsets_.bottom};
+    // Estimates do not last.
+    if (!fontsAreOpening()) fits_ = {Fit{width, size}, fits_[0]};
+    return size;
 }
 
 CGSize UILabel::intrinsicContentSize() const {

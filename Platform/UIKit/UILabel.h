@@ -4,6 +4,8 @@
 #include <UIKit/UIView.h>
 #include <UIKit/VectorIcon.h>
 
+#include <array>
+
 namespace flarebox {
 
 /// Shows a text, in the middle of its height. Main thread only.
@@ -80,6 +82,13 @@ private:
     CGFloat minimumScale_ = 0.5, preferredMaxLayoutWidth_ = 0;
     /// The intrinsic height last answered, to notice when another width makes it wrong.
     mutable CGFloat answeredHeight_ = -1;
+    /// The last sizes answered, for layout asks for the same ones again and again; of widths below 0 where there is
+    /// none.
+    struct Fit {
+        CGFloat width = -1;
+        CGSize size;
+    };
+    mutable std::array<Fit, 2> fits_;
     bool adjustsFontSize_ = false;
 };
 

@@ -89,21 +89,21 @@ protected:
 }  // namespace
 
 TEST_F(ImageLoadingTest, APictureComesInThePixelsThatTheViewShows) {
-    view_->setFrame(CGRectMake(0, 0, 1, 1));
+    view_->setFrame(CGRectMake(0, 0, 10, 5));
     bool isSized = false;
     setImageWithURLRequest(
-        *view_, get(server_.url("/p")), nullptr,
+        *view_, get(server_.url("/wide")), nullptr,
         [&](auto&, auto&, auto& image) {
             EXPECT_TRUE(isMainThread());
-            EXPECT_EQ(image->pixelSize(), (PixelSize{1, 1}));
+            EXPECT_EQ(image->pixelSize(), (PixelSize{10, 5}));
             isSized = true;
         },
         nullptr);
     // Somebody else wants it larger, and is served by the same transfer.
     AFImageDownloader::defaultInstance().downloadImageForURLRequest(
-        get(server_.url("/p")), {},
+        get(server_.url("/wide")), {},
         [&](auto&, auto&, auto& image) {
-            EXPECT_EQ(image->pixelSize(), (PixelSize{2, 1}));
+            EXPECT_EQ(image->pixelSize(), (PixelSize{400, 200}));
         },
         nullptr);
     EXPECT_TRUE(pumpUntilIdle());
@@ -205,6 +205,33 @@ TEST_F(ImageLoadingTest, AViewThatGrowsShowsWhatItHasUntilThereIsMore) {
         EXPECT_EQ(AFImageDownloader::defaultInstance().imageCache().imageWithIdentifier(server_.url(c.path)),
                   view_->image());
     }
+}
+
+TEST_F(ImageLoadingTest, AViewThatShrinksShowsTheFormerCopyUntilThereIsANewOne) {
+    constexpr int side = 400;
+    const std::string url = server_.url("/kept");
+    AFImageDownloader::defaultInstance().imageCache().addImage(
+        UIImage::imageWithPixels(side, side, std::vector<std::uint32_t>(side * side, 0xFF3264C8)), url);
+    setImageWithURLRequest(*view_, get(url), nullptr, nullptr, nullptr);
+    const auto drawnSideAt = [this](CGFloat frame) {
+        view_->setFrame({{}, {frame, frame}});
+        return view_->pixelBuffer().width;
+    };
+    EXPECT_EQ(drawnSideAt(200), 200) << "there is nothing else to show";
+    EXPECT_EQ(drawnSideAt(100), 200);
+    // Back before the new copy is there, and away again.
+    EXPECT_EQ(drawnSideAt(200), 200);
+    EXPECT_TRUE(pumpUntilIdle());
+    EXPECT_EQ(drawnSideAt(100), 100);
+    // Set anew, as a list does that is read again.
+    const Ref<UIImage> image = view_->image();
+    view_->setImage(nullptr);
+    view_->setImage(image);
+    EXPECT_EQ(drawnSideAt(50), 100);
+    EXPECT_TRUE(pumpUntilIdle());
+    EXPECT_EQ(drawnSideAt(50), 50);
+    EXPECT_EQ(view_->image(), image) << "no pixels are lost";
+    EXPECT_EQ(drawnSideAt(side), side);
 }
 
 TEST_F(ImageLoadingTest, WhatIsNoUsablePictureFails) {

@@ -13,7 +13,7 @@ class NumberCell : public UICollectionViewCell {
 public:
     static inline int made = 0;
     std::size_t number = 0;
-    CGSize sizeWhenFilled;
+    CGSize sizeWhenFilled, innerSizeWhenFilled;
     int reuses = 0;
 
     NumberCell() { ++made; }
@@ -44,6 +44,7 @@ public:
         if (!numberCell) return nullptr;
         numberCell->number = path.row;
         numberCell->sizeWhenFilled = numberCell->bounds().size;
+        if (!cell->subviews().empty()) numberCell->innerSizeWhenFilled = cell->subviews().front()->bounds().size;
         return cell;
     }
     CGSize collectionViewLayoutSizeForItemAtIndexPath(UICollectionView&, const NSIndexPath& path) override {
@@ -148,6 +149,18 @@ TEST_F(Collection, EmptyAndStrangeListsShowNothing) {
 
 TEST_F(Collection, ReloadAsksAgainAndStaysWithinTheContent) {
     show(100);
+    list->setContentOffset({75, 0});
+    std::vector<Ref<UICollectionViewCell>> cells;
+    const auto collect = [&] {
+        cells.clear();
+        for (const auto& path : list->indexPathsForVisibleItems()) cells.push_back(list->cellForItemAtIndexPath(path));
+    };
+    collect();
+    const auto before = cells;
+    list->reloadData();
+    frame();
+    collect();
+    EXPECT_EQ(cells, before) << "what shows an item already goes on showing it";
     list->setContentOffset({5000, 0});
     source->asked.clear();
     source->count = 3;
@@ -274,6 +287,7 @@ TEST_F(Collection, CellsComeFromLayoutFilesToo) {
     const auto cell = list->cellForItemAtIndexPath({0, 1});
     EXPECT_EQ(cell->reuseIdentifier(), "number");
     EXPECT_EQ(cell->subviews().front()->frame(), CGRectMake(5, 5, 40, 40));
+    EXPECT_EQ(objectCast<NumberCell>(cell.get())->innerSizeWhenFilled, (CGSize{40, 40}));
     ::testing::internal::CaptureStderr();
     EXPECT_FALSE(list->dequeueReusableCell("unknown", {0, 0}));
     list->registerNib(UINib::nibWithText("<UIView/>", "View.xml"), "view");

@@ -182,15 +182,23 @@ TEST(Image, GetsSmallerByAveraging) {
 
 TEST(Image, TakesNoMorePixelsThanItsRoom) {
     const auto whole = decode(bytesOf(png));
-    const auto image = UIImage::imageWithData(NSData::dataWithBytes(bytesOf(png)), nullptr, {{4, 4}});
-    EXPECT_TRUE(image->isReduced());
-    EXPECT_EQ(image->size(), whole->size()) << "layout does not depend on the pixels that are kept";
-    EXPECT_EQ(image->byteCost(), image->pixels().size_bytes()) << "so few pixels take less memory than the data";
-    EXPECT_EQ(image->sizedFor({{4, 4}}), image);
-    EXPECT_FALSE(image->canBeSizedFor({}));
-    EXPECT_EQ(image->sizedFor({}), image);
+    const NSData data = NSData::dataWithBytes(bytesOf(png));
+    const CGFloat width = whole->pixelWidth(), height = whole->pixelHeight();
+    // The data is kept where that takes less memory than the pixels left out.
+    const std::pair<PictureRoom, bool> sizes[] = {{{{4, 4}}, true}, {{{width - 1, height}}, false}};
+    for (const auto& [room, keepsData] : sizes) {
+        const auto image = UIImage::imageWithData(data, nullptr, room);
+        EXPECT_TRUE(image->isReduced());
+        EXPECT_EQ(image->size(), whole->size()) << "layout does not depend on the pixels that are kept";
+        EXPECT_EQ(image->byteCost(), image->pixels().size_bytes() + (keepsData ? data.length() : 0));
+        EXPECT_EQ(image->sizedFor(room), image);
+        EXPECT_EQ(image->canBeSizedFor({}), keepsData);
+        const auto larger = image->sizedFor({});
+        EXPECT_TRUE(larger->isSamePictureAs(*image));
+        EXPECT_EQ(std::ranges::equal(larger->pixels(), whole->pixels()), keepsData);
+        EXPECT_FALSE(image->isSamePictureAs(*whole));
+    }
     EXPECT_TRUE(whole->sizedFor({{2, 2}})->isSamePictureAs(*whole));
-    EXPECT_FALSE(image->isSamePictureAs(*whole));
 
     using enum UIViewContentMode;
     const std::pair<PictureRoom, PixelSize> rooms[] = {

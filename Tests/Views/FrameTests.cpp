@@ -129,6 +129,20 @@ TEST_F(FrameTest, ScrollingThroughKnownCellsDoesNothing) {
     EXPECT_EQ(field("collectionView")->subviews().size(), cells);
 }
 
+TEST_F(FrameTest, SelectingDrawsWhatChanges) {
+    tab_->open();
+    const AssetList assets = *tab_->assestsList();
+    const auto select = [&](std::size_t index) {
+        tab_->selectAsset(assets[index]);
+        tab_->reloadCellVisibles();
+        rest();
+    };
+    for (const std::size_t index : {18U, 19U, 18U}) select(index);
+    const Work work = workOf([&] { select(19); });
+    EXPECT_EQ(work.drawn, 1U) << "the title";
+    EXPECT_EQ(work.texts, 0U);
+}
+
 TEST_F(FrameTest, ALongListHasFewCells) {
     AssetList& assets = *tab_->assestsList();
     while (assets.size() < 5000) assets.push_back(assets[assets.size() % 20]);
