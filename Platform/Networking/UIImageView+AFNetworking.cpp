@@ -1,5 +1,6 @@
 #include <Networking/UIImageView+AFNetworking.h>
 
+#include <Foundation/MainQueue.h>
 #include <UIKit/UIScreen.h>
 
 #include <algorithm>
@@ -34,13 +35,16 @@ void resize(UIImageView& view, const Ref<NSURLRequest>& request, const Ref<UIIma
             if (auto shown = weakView.lock()) shown->takeSized(resized);
         });
     }
-    downloader.downloadImageForURLRequest(
-        request, room,
-        [weakView, image](auto&, auto&, const Ref<UIImage>& loaded) {
-            auto shown = weakView.lock();
-            if (shown && shown->image() == image) shown->setImage(loaded);
-        },
-        nullptr);
+    // Later, because another view may have loaded it by now, and this one is being drawn.
+    dispatch_async_main([&downloader, request, room, weakView, image] {
+        downloader.downloadImageForURLRequest(
+            request, room,
+            [weakView, image](auto&, auto&, const Ref<UIImage>& loaded) {
+                auto shown = weakView.lock();
+                if (shown && shown->image() == image) shown->setImage(loaded);
+            },
+            nullptr);
+    });
 }
 
 /// Has a picture that has just arrived larger than the view draws it made smaller off the main thread first.

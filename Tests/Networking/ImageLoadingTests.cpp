@@ -179,9 +179,9 @@ TEST_F(ImageLoadingTest, AViewThatGrowsShowsWhatItHasUntilThereIsMore) {
         {"/wide", {40, 40}, {300, 300}, {40, 20}, {300, 150}, 1},
         {"/p", {1, 1}, {2, 1}, {1, 1}, {2, 1}, 2},
     };
-    const auto draw = [this] {
+    const auto draw = [](UIImageView& view) {
         std::vector<std::uint32_t> pixels(300 * 300);
-        view_->drawRect(*makeBitmapCanvas(pixels.data(), 300, 300, 300, 1), view_->bounds());
+        view.drawRect(*makeBitmapCanvas(pixels.data(), 300, 300, 300, 1), view.bounds());
     };
     view_->setContentMode(UIViewContentMode::ScaleAspectFit);
     for (const Case& c : cases) {
@@ -193,17 +193,26 @@ TEST_F(ImageLoadingTest, AViewThatGrowsShowsWhatItHasUntilThereIsMore) {
         const CGSize size = view_->image()->size();
         EXPECT_EQ(view_->image()->pixelSize(), c.small);
         view_->setFrame({{}, c.after});
-        for (int frames = 0; frames < 3; ++frames) draw();
+        const auto other = make<UIImageView>();
+        other->setContentMode(view_->contentMode());
+        setImageWithURLRequest(*other, get(server_.url(c.path)), nullptr, nullptr, nullptr);
+        for (int frames = 0; frames < 3; ++frames) draw(*view_);
         EXPECT_EQ(view_->image()->pixelSize(), c.small);
         EXPECT_TRUE(pumpUntilIdle());
         EXPECT_EQ(view_->image()->pixelSize(), c.large) << c.path;
         EXPECT_EQ(view_->image()->size(), size);
         EXPECT_EQ(server_.requests().size() - before, c.requests) << c.path;
-        draw();
+        draw(*view_);
         EXPECT_TRUE(MainQueue::shared().isIdle()) << "nothing more is asked for";
         // Another view finds the larger one at hand.
         EXPECT_EQ(AFImageDownloader::defaultInstance().imageCache().imageWithIdentifier(server_.url(c.path)),
                   view_->image());
+        other->setFrame(view_->frame());
+        draw(*other);
+        EXPECT_EQ(other->image()->pixelSize(), c.small);
+        EXPECT_TRUE(pumpUntilIdle());
+        EXPECT_EQ(other->image()->pixelSize(), c.large);
+        EXPECT_EQ(server_.requests().size() - before, c.requests) << c.path;
     }
 }
 
