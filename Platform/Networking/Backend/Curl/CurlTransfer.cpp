@@ -14,6 +14,9 @@ namespace {
 
 constexpr std::size_t maximumHeaderLength = 256 * 1024;
 constexpr std::size_t maximumFieldCount = 1000;
+constexpr long bufferLength = 16 * 1024;
+/// What comes for a file is long, as a rule: three system calls for each buffer of it are worth the memory.
+constexpr long bufferLengthOfDownloads = 128 * 1024;
 constexpr double longestIdleTimeout = 1e9;
 
 double usableTimeout(double seconds) {
@@ -108,6 +111,7 @@ void CurlTransfer::setUp() {
     }
     curl_easy_setopt(curl, CURLOPT_URL, request_.url.c_str());
     curl_easy_setopt(curl, CURLOPT_REDIR_PROTOCOLS_STR, "http,https");
+    curl_easy_setopt(curl, CURLOPT_BUFFERSIZE, request_.file ? bufferLengthOfDownloads : bufferLength);
     curl_easy_setopt(curl, CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(request_.maximumBodyLength));
     const std::string& pins = request_.pinnedPublicKeys;
     curl_easy_setopt(curl, CURLOPT_PINNEDPUBLICKEY, pins.empty() ? nullptr : pins.c_str());
