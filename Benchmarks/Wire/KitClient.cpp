@@ -31,8 +31,11 @@ KitClient::KitClient(const std::string& baseURL, Host host) : baseURL_(baseURL),
     flareboxBundle().setInfoDictionaryValue("API_URL", baseURL);
     if (host == Host::CallsAgainAtOnce) return;
     MainQueue::shared().setWakeUp([this] {
-        std::lock_guard lock(mutex_);
-        wakeUp_ = true;
+        {
+            std::lock_guard lock(mutex_);
+            wakeUp_ = true;
+        }
+        // Without the lock: whoever wakes would have to wait for it.
         woken_.notify_one();
     });
 }

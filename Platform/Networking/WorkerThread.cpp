@@ -1,9 +1,8 @@
 #include <Networking/WorkerThread.h>
 
+#include <Foundation/BackgroundThread.h>
 #include <Foundation/Immortal.h>
 #include <Foundation/Shutdown.h>
-
-#include <pthread.h>
 
 #include <utility>
 
@@ -30,7 +29,7 @@ void WorkerThread::stop() {
 }
 
 void WorkerThread::run() {
-    pthread_setname_np(pthread_self(), "flarebox-decode");
+    becomeBackgroundThread("flarebox-decode");
     while (queue_.runNext() != WorkQueue::Turn::Stopped) {
     }
 }

@@ -1,22 +1,13 @@
 #include <SceneKit/SceneRenderer.h>
 
+#include <Foundation/BackgroundThread.h>
 #include <Foundation/Immortal.h>
 #include <Foundation/Shutdown.h>
 #include <SceneKit/ModelSource.h>
 
-#include <pthread.h>
-#include <sys/resource.h>
-
 #include <utility>
 
 namespace flarebox::detail {
-namespace {
-
-/// Where a processor has to stand in for the graphics hardware, the game's own frames come first.
-constexpr int niceness = 5;
-
-}  // namespace
-
 ModelSource::~ModelSource() {
     SceneRenderer::shared().modelReleased();
 }
@@ -91,9 +82,8 @@ void SceneRenderer::stop() {
 }
 
 void SceneRenderer::run(const EngineMaker& makeEngine) {
-    pthread_setname_np(pthread_self(), "flarebox-scene");
-    // On Linux this is the thread's own, and that of the threads it starts.
-    setpriority(PRIO_PROCESS, 0, niceness);
+    // Where a processor has to stand in for the graphics hardware, the game's own frames come first.
+    becomeBackgroundThread("flarebox-scene");
     std::string reason;
     const std::unique_ptr<SceneEngine> engine = makeEngine(reason);
     if (!engine) {

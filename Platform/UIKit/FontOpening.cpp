@@ -1,11 +1,10 @@
 #include <UIKit/FontOpening.h>
 
+#include <Foundation/BackgroundThread.h>
 #include <Foundation/MainQueue.h>
 #include <Foundation/NSNotificationCenter.h>
 #include <Foundation/Shutdown.h>
 #include <UIKit/BitmapCanvas.h>
-
-#include <pthread.h>
 
 #include <atomic>
 #include <memory>
@@ -37,7 +36,7 @@ private:
 std::unique_ptr<Opening> opening;
 
 void Opening::run() {
-    pthread_setname_np(pthread_self(), "flarebox-fonts");
+    becomeBackgroundThread("flarebox-fonts");
     openUsualFonts(isStopping_);
     dispatch_async_main([] {
         opening.reset();
