@@ -77,6 +77,8 @@ public:
 
     /// Until list, picture and models are there and everything has come to rest.
     void open() {
+        // A tab that was shown closes itself in a later turn, which a frame without time puts off.
+        while (MainQueue::shared().hasDueWork()) drawFrame();
         hold("open", [&] { tab_->open(); });
         playUntil([&] { return hasList() && tab_->assetNodesDict().size() == ProductService::products; }, [] {});
     }
