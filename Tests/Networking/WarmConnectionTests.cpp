@@ -3,10 +3,13 @@
 #include "NetworkTest.h"
 #include "ScriptedServer.h"
 
+#include <Networking/Transport.h>
+
 #include <gmock/gmock.h>
 
 #include <atomic>
 #include <ctime>
+#include <future>
 
 namespace flarebox::testing {
 
@@ -54,6 +57,35 @@ TEST_F(WarmConnectionTest, ATimeOutEarlierThanThoseBeforeCounts) {
     request->setTimeoutInterval(0.2);
     EXPECT_EQ(load(request).code(), NSURLErrorTimedOut);
     EXPECT_EQ(fallingSilent_.acceptedConnections(), 1);
+}
+
+TEST_F(WarmConnectionTest, OnlyWhatBringsSomethingLeavesOnTheCallersThread) {
+    ScriptedServer server(answering([](Connection& connection, auto&) { connection.answerJSON("[]"); }));
+    ScriptedServer other(answering([](Connection& connection, auto&) { connection.answerJSON("[]"); }));
+    EXPECT_EQ(load(server.url()).code(), 0);
+    // The network thread stands still from here to there.
+    std::promise<void> reached, goesOn;
+    TransferRequest request;
+    request.url = other.url();
+    request.method = "GET";
+    request.maximumBodyLength = 100;
+    Transport::shared().start(request, [&](const TransferResult&) {
+        reached.set_value();
+        goesOn.get_future().wait();
+    });
+    reached.get_future().wait();
+    Outcome asked, brought;
+    manager_->dataTaskWithRequest(get(server.url("/asked")), asked.recorder())->resume();
+    manager_->dataTaskWithRequest(event(server.url("/brought")), brought.recorder())->resume();
+    EXPECT_TRUE(pumpUntil([&] { return server.requests().size() == 2; }));
+    goesOn.set_value();
+    EXPECT_TRUE(pumpUntil([&] { return asked.calls == 1 && brought.calls == 1; }));
+    EXPECT_EQ(asked.code(), 0);
+    EXPECT_EQ(brought.code(), 0);
+    const auto requests = server.requests();
+    ASSERT_EQ(requests.size(), 3U);
+    EXPECT_EQ(firstLine(requests[1]), "POST /brought HTTP/1.1");
+    EXPECT_EQ(firstLine(requests[2]), "GET /asked HTTP/1.1");
 }
 
 TEST_F(WarmConnectionTest, CancellingEndsTheExchange) {

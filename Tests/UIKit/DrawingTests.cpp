@@ -249,6 +249,24 @@ TEST(Text, LabelsFollowWhenTheirFontsAreOpen) {
     EXPECT_FALSE(bitmap.ink().isEmpty());
 }
 
+TEST(Text, WhatWasAskedForWhileFontsAreOpenedIsLaidOutElsewhere) {
+    if (fontsAreInUse()) GTEST_SKIP() << "another test has opened the fonts";
+    UIHost host({200, 100}, 1);
+    openFontsInBackground();
+    const auto width = [] { return measureText("asked for early", styleOf(12), 0).width; };
+    const CGFloat estimated = width();
+    // The thread may have been quicker than the question: whoever opens them next finds it.
+    const std::atomic<bool> stops = false;
+    std::thread([&] { openUsualFonts(stops); }).join();
+    EXPECT_EQ(width(), estimated) << "still by estimate";
+    ASSERT_TRUE(flarebox::testing::pumpUntil([] { return !fontsAreOpening(); }));
+    const std::uint64_t before = laidOutTextCount();
+    EXPECT_NE(width(), estimated);
+    EXPECT_EQ(laidOutTextCount(), before);
+    measureText("asked for late", styleOf(12), 0);
+    EXPECT_EQ(laidOutTextCount(), before + 1);
+}
+
 TEST(Text, FontsBeingOpenedHoldUpNoShutdown) {
     if (fontsAreInUse()) GTEST_SKIP() << "another test has opened the fonts";
     {

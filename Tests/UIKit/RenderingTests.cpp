@@ -10,6 +10,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <malloc.h>
 
 #include <cmath>
 #include <cstdlib>
@@ -526,6 +527,27 @@ TEST(Headless, DrawsThePanelOverTheGameAndWritesAPicture) {
     EXPECT_EQ(host.picture().width(), 30);
     EXPECT_EQ(host.picture().height(), 60);
     EXPECT_TRUE(isNear(host.picture().pixelAt(20, 20), 0xFF80007F));
+}
+
+TEST_F(Rendering, TheMemoryOfABitmapIsGivenBackAtRest) {
+    const auto memoryInUse = [] {
+        const struct mallinfo2 heap = mallinfo2();
+        return heap.uordblks + heap.hblkhd;
+    };
+    if (memoryInUse() == 0) GTEST_SKIP() << "the heap does not say what is in use";
+    constexpr std::size_t bitmapLength = std::size_t{2000} * 2000 * 4;
+    root_->setFrame({{}, {1000, 1000}});
+    const auto view = add<Painted>(*root_, {{}, {1000, 1000}});
+    CountingCompositor compositor;
+    for (int times = 0; times < 2; ++times) {
+        const std::size_t before = memoryInUse();
+        view->setNeedsDisplay();
+        renderer_.draw(compositor, 2);
+        EXPECT_GE(memoryInUse(), before + bitmapLength) << "kept for what else is drawn";
+        renderer_.draw(compositor, 2);
+        EXPECT_LT(memoryInUse(), before + bitmapLength / 2);
+    }
+    EXPECT_EQ(view->drawn, 2);
 }
 
 }  // namespace
