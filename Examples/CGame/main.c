@@ -138,7 +138,8 @@ static int play(game *g, flarebox_host *host, const char *picture) {
         fprintf(stderr, "no tab: %s\n", flarebox_last_error());
         return 1;
     }
-    for (int frame = 0; frame < 1200 && !g->products && !g->failures; ++frame) draw_frame(g, host);
+    for (int frame = 0; frame < 3600 && !g->products && !g->failures; ++frame) draw_frame(g, host);
+    for (int frame = 0; frame < 30; ++frame) draw_frame(g, host);
     /* A touch on the open button, which sticks out of the left edge. */
     flarebox_host_pointer_down(host, 0, 10, HEIGHT / 2.0);
     flarebox_host_pointer_up(host, 0, 10, HEIGHT / 2.0);

@@ -2,6 +2,8 @@
 
 #include <UIKit/UIImage.h>
 
+#include <Examples/Service/Service.h>
+
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -103,6 +105,22 @@ TEST(WindowTest, ShortestGameRuns) {
         return handlesTermination(process) && std::chrono::steady_clock::now() - start > std::chrono::seconds(1);
     });
     EXPECT_EQ(result.status, 0) << result.errors;
+}
+
+TEST(CGameTest, ShowsTheOpenTab) {
+    examples::Service service;
+    ASSERT_TRUE(service.start());
+    const TemporaryDirectory folder;
+    const GameResult result = runProgram(folder, FLAREBOX_CGAME, {service.baseURL(), "picture.ppm"});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    // A title, two points to the right of the panel's edge, and the game beside the panel.
+    const std::string picture = folder.read("picture.ppm");
+    constexpr std::size_t wide = 1334, high = 750, head = 16;
+    ASSERT_EQ(picture.size(), head + wide * high * 3);
+    const auto pixel = [&](std::size_t x, std::size_t y) { return picture.substr(head + (y * wide + x) * 3, 3); };
+    EXPECT_EQ(pixel(1200, 300), "\x28\x46\x78");
+    EXPECT_NE(pixel(60, 300), "\x28\x46\x78");
+    EXPECT_NE(result.output.find(": "), std::string::npos) << "no product was told of";
 }
 
 }  // namespace
