@@ -81,7 +81,7 @@ private:
     Operations operations_;
     Gallery gallery_;
     Media media_;
-    std::string host_;
+    std::string host_, publicURL_;
     std::atomic<int> port_{0};
     std::unique_ptr<Listener> listener_;
 };
@@ -90,6 +90,7 @@ bool Service::Implementation::start(const Options& options) {
     stop();
     gallery_.open();
     host_ = options.host;
+    publicURL_ = options.publicURL;
     auto handler = [this](const auto& request, auto& response) { return handle(request, response); };
     listener_ = std::make_unique<Listener>(handler);
     if (!listener_->start(options.host, options.port)) {
@@ -140,7 +141,7 @@ Answer Service::Implementation::answer(ReceivedRequest& request) {
         request.complaint = *complaint;
         return errorAnswer(400, *complaint);
     }
-    return operations_.answer(request, operation->name, baseURL(), media_);
+    return operations_.answer(request, operation->name, publicURL_.empty() ? baseURL() : publicURL_, media_);
 }
 
 Answer Service::Implementation::answerFile(ReceivedRequest& request) {

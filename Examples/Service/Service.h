@@ -22,6 +22,8 @@ public:
         std::string host = "127.0.0.1";
         /// 0 means any free port.
         int port = 0;
+        /// What the links in its answers begin with, where clients reach it by another address; empty for its own.
+        std::string publicURL = {};
     };
 
     Service();

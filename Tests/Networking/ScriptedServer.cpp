@@ -83,11 +83,20 @@ bool ScriptedServer::Connection::pause(double seconds) {
                                        [this] { return server_->stopping_; });
 }
 
-ScriptedServer::ScriptedServer(Script script, const ServerIdentity* identity)
+void ScriptedServer::Connection::reset() {
+    // Dissolving the association sends a reset at once and leaves the descriptor to its owner.
+    const sockaddr nobody = {.sa_family = AF_UNSPEC, .sa_data = {}};
+    ::connect(descriptor_, &nobody, sizeof nobody);
+}
+
+ScriptedServer::ScriptedServer(Script script, const ServerIdentity* identity, int port)
     : script_(std::move(script)), identity_(identity) {
     listener_ = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    const int on = 1;
+    if (port != 0) setsockopt(listener_, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
     sockaddr_in address = {};
     address.sin_family = AF_INET;
+    address.sin_port = htons(static_cast<std::uint16_t>(port));
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     socklen_t length = sizeof address;
     auto* generic = reinterpret_cast<sockaddr*>(&address);
@@ -143,6 +152,7 @@ void ScriptedServer::serve(int socket, int number) {
     if (identity_) connection = identity_->secure(socket);
     if (connection) {
         connection->server_ = this;
+        connection->descriptor_ = socket;
         connection->number_ = number;
         script_(*connection);
     }

@@ -33,6 +33,8 @@ public:
         void hang();
         /// Waits that long; false when the server ends meanwhile.
         bool pause(double seconds);
+        /// Breaks the connection off as a machine does that has forgotten it: the client is told of no end, but of an error.
+        void reset();
         /// How many connections were accepted before this one.
         int number() const { return number_; }
 
@@ -42,13 +44,14 @@ public:
         virtual int write(const char* bytes, int length) = 0;
 
         ScriptedServer* server_ = nullptr;
+        int descriptor_ = -1;
         int number_ = 0;
         std::string unread_;
     };
     using Script = std::function<void(Connection&)>;
 
-    /// Serves from now on. With an identity the connections are TLS.
-    explicit ScriptedServer(Script script, const ServerIdentity* identity = nullptr);
+    /// Serves from now on, on a free port unless one is given. With an identity the connections are TLS.
+    explicit ScriptedServer(Script script, const ServerIdentity* identity = nullptr, int port = 0);
     /// Ends every connection and joins every thread.
     ~ScriptedServer();
 
