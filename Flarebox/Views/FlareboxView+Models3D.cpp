@@ -68,10 +68,16 @@ void FlareboxView::remove3DFilesCached() {
     for (const std::string& name : files.contentsOfDirectoryAtPath(folder)) {
         const std::string path = folder + "/" + name;
         // A link under a model's name would lead out of the folder.
-        if (listed.contains(name) && files.isRegularFileAtPath(path)) continue;
+        if (listed.contains(name) && !isBrokenModel(name) && files.isRegularFileAtPath(path)) continue;
         files.removeItemAtPath(path);
         assetNodesDict_.erase(name);
     }
+    unreadableModels_.clear();
+}
+
+bool FlareboxView::isBrokenModel(std::string_view name) const {
+    const auto node = assetNodesDict_.find(name);
+    return unreadableModels_.contains(name) || (node != assetNodesDict_.end() && node->second->hasBrokenModel());
 }
 
 void FlareboxView::load3DModel(const Ref<FXAssetInfo>& asset) {
@@ -117,10 +123,12 @@ void FlareboxView::show3DContent(const FXAssetInfo& asset, bool isLoading) {
 void FlareboxView::create3DAssetNodeWithPath(const std::string& path, const Ref<FXAssetInfo>& asset) {
     if (!asset || nodeOf(*asset)) return;
     const auto renderer = make<ZorbRenderer>();
-    if (const Ref<SCNNode> node = renderer->createSCNNodeFromFile(path))
+    if (const Ref<SCNNode> node = renderer->createSCNNodeFromFile(path)) {
         assetNodesDict_[asset->uid().string()] = node;
-    else if (renderer->lastError())
-        errorLog("%@", renderer->lastError()->localizedDescription());
+        return;
+    }
+    unreadableModels_.insert(asset->uid().string());
+    if (renderer->lastError()) errorLog("%@", renderer->lastError()->localizedDescription());
 }
 
 Ref<SCNNode> FlareboxView::nodeOf(const FXAssetInfo& asset) const {

@@ -14,6 +14,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <string_view>
 
@@ -166,7 +167,8 @@ public:
     // Models. Each lies in the application's documents directory under its asset's uid, and nothing else does. For a
     // null asset nothing happens.
     void setup3DView();
-    /// Removes what is not a listed asset's and loads the models of all that are.
+    /// Removes what is not a listed asset's and loads the models of all that are. A file that turned out to be no model
+    /// is removed as well: what came in its place, a network's own page for example, is not to stay for good.
     void loadAll3DAssets();
     void remove3DFilesCached();
     void load3DModel(const Ref<FXAssetInfo>& asset);
@@ -238,6 +240,7 @@ private:
     /// Tells what there is of the asset's model, if it is the current one.
     void show3DContent(const FXAssetInfo& asset, bool isLoading);
     Ref<SCNNode> nodeOf(const FXAssetInfo& asset) const;
+    bool isBrokenModel(std::string_view name) const;
 
     // FlareboxView+Modes.cpp
     void press2DMode() { changeAssetMode(AssetMode2D); }
@@ -278,6 +281,8 @@ private:
     Ref<SCNContentView> scnContent_;
     Ref<VideoView> videoView_;
     std::map<std::string, Ref<SCNNode>, std::less<>> assetNodesDict_;
+    /// Names of files that turned out to be no models.
+    std::set<std::string, std::less<>> unreadableModels_;
     Ref<NSTimer> refreshTimer_;
     AssetMode currentAssetMode_ = AssetMode2D;
     std::int64_t netWorkStatus_ = 0;

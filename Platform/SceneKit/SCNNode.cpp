@@ -65,6 +65,10 @@ SCNBoundingBox SCNNode::boundingBox() const {
     return box;
 }
 
+bool SCNNode::hasBrokenModel() const {
+    return model_ && model_->isBroken();
+}
+
 void SCNNode::didChange() {
     SCNNode* root = this;
     while (root->parent_) root = root->parent_;

@@ -46,6 +46,8 @@ public:
     SCNBoundingBox boundingBox() const;
     /// Null for a node that shows nothing itself.
     const std::shared_ptr<const detail::ModelSource>& model() const { return model_; }
+    /// Whether drawing has shown that the file of its model is broken.
+    bool hasBrokenModel() const;
 
 private:
     friend class SCNScene;

@@ -42,7 +42,8 @@ private:
     }
     void putBit(std::uint32_t bit) {
         if (filled_ == 0) bytes_ += '\0';
-        bytes_.back() = static_cast<char>(static_cast<std::uint32_t>(static_cast<unsigned char>(bytes_.back())) | bit << filled_);
+        bytes_.back() =
+            static_cast<char>(static_cast<std::uint32_t>(static_cast<unsigned char>(bytes_.back())) | bit << filled_);
         filled_ = (filled_ + 1) % 8;
     }
 

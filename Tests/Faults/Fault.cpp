@@ -10,8 +10,9 @@ namespace {
 using Connection = ScriptedServer::Connection;
 using Kind = Fault::Kind;
 
-constexpr std::array<const char*, Fault::kinds> names = {"reset",  "cut",      "stall",     "drip",       "corrupt",    "another",
-                                                         "circle", "too long", "too short", "bad chunks", "two lengths"};
+constexpr std::array<const char*, Fault::kinds> names = {"reset",     "cut",        "stall",      "drip",
+                                                         "corrupt",   "another",    "circle",     "too long",
+                                                         "too short", "bad chunks", "two lengths"};
 
 struct Message {
     /// With the end of its last line, without the empty one.

@@ -11,7 +11,7 @@ namespace {
 
 Flow flowOf(std::string_view path) {
     static constexpr std::pair<std::string_view, Flow> folders[] = {
-        {"/sessions/", Flow::Session}, {"/game/", Flow::List},         {"/kafka/", Flow::Event},
+        {"/sessions/", Flow::Session}, {"/game/", Flow::List},          {"/kafka/", Flow::Event},
         {"/coupons/", Flow::Coupon},   {"/media/models/", Flow::Model}, {"/media/videos/", Flow::Video}};
     for (const auto& [folder, flow] : folders)
         if (path.starts_with(folder)) return flow;

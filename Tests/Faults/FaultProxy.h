@@ -16,10 +16,11 @@ namespace flarebox::testing {
 
 /// What a request is for.
 enum class Flow : std::uint8_t { Session, List, Event, Coupon, Picture, Model, Video };
-inline constexpr std::array<const char*, 7> flowNames = {"session", "list", "event", "coupon", "picture", "model", "video"};
+inline constexpr std::array<const char*, 7> flowNames = {"session", "list",  "event", "coupon",
+                                                         "picture", "model", "video"};
 
-/// Stands between the kit and the service at one address for all its life, hands every request on and spoils the answers
-/// that it is told to. Faults are told and counted on one thread.
+/// Stands between the kit and the service at one address for all its life, hands every request on and spoils the
+/// answers that it is told to. Faults are told and counted on one thread.
 class FaultProxy {
 public:
     /// By what the request is for and how many of these came before it.

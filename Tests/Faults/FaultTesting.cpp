@@ -12,14 +12,13 @@
 #include <UIKit/UILabel.h>
 
 #include <filesystem>
+#include <fstream>
 
 namespace flarebox::testing {
 namespace {
 
 namespace fs = std::filesystem;
 
-/// Seconds of real time after which the kit gives up waiting for the service; whole ones are all it takes.
-constexpr int serviceTimeout = 1;
 /// Seconds of real time that a step takes at most.
 constexpr double patience = 0.02;
 /// Seconds of real time after which something that does not end counts as hanging.
@@ -31,8 +30,16 @@ T* part(UIView& view, std::string_view name) {
     return outlet ? objectCast<T>(outlet->get(view)) : nullptr;
 }
 
-std::ptrdiff_t entriesOf(const char* folder) {
-    return std::distance(fs::directory_iterator(folder), fs::directory_iterator());
+std::string lineOf(const fs::path& path) {
+    std::ifstream file(path);
+    std::string line;
+    std::getline(file, line);
+    return line;
+}
+
+/// Seconds of real time after which the kit gives up waiting for the service.
+void setServiceTimeout(int seconds) {
+    NSUserDefaults::standardUserDefaults().setObject(seconds, "timeoutInterval");
 }
 
 FaultProxy& sharedProxy() {
@@ -51,7 +58,15 @@ FaultProxy& sharedProxy() {
 }  // namespace
 
 Holdings Holdings::now() {
-    return {entriesOf("/proc/self/task"), entriesOf("/proc/self/fd")};
+    Holdings now;
+    std::error_code gone;
+    for (const auto& thread : fs::directory_iterator("/proc/self/task"))
+        now.threads.insert(lineOf(thread.path() / "comm"));
+    for (const auto& descriptor : fs::directory_iterator("/proc/self/fd")) {
+        const std::string target = fs::read_symlink(descriptor, gone).string();
+        now.descriptors.insert(target.substr(0, target.find('[')));
+    }
+    return now;
 }
 
 FaultProxy& FaultTest::proxy() {
@@ -62,10 +77,9 @@ void FaultTest::SetUp() {
     // The kit reads the address of its service once.
     sharedProxy();
     NSUserDefaults::standardUserDefaults().setFile("");
-    NSUserDefaults::standardUserDefaults().setObject(serviceTimeout, "timeoutInterval");
     AVPlayerSettings silent;
     silent.hasSound = false;
-    silent.stallTimeout = serviceTimeout;
+    silent.stallTimeout = 1;
     AVPlayer::setSettings(silent);
 }
 
@@ -75,6 +89,7 @@ void FaultTest::TearDown() {
 }
 
 void FaultTest::begin(const Schedule& schedule) {
+    setServiceTimeout(1);
     TabTest::SetUp();
     for (const auto& entry : fs::directory_iterator(documents_.path())) fs::remove_all(entry);
     network_->setStatus(AFNetworkReachabilityStatusReachableViaWiFi);
@@ -151,7 +166,7 @@ void FaultTest::perform(const Schedule::Step& step) {
         case Deed::Period:
             return passSeconds(181);
         case Deed::Rest:
-            settleWithin(serviceTimeout * 1.2, [] { return MainQueue::shared().isIdle(); });
+            settleWithin(1.2, [] { return MainQueue::shared().isIdle(); });
             return;
     }
 }
@@ -167,6 +182,7 @@ bool FaultTest::leaveCoupon() {
 
 bool FaultTest::comeToRest() {
     proxy().heal();
+    setServiceTimeout(static_cast<int>(longest));
     network_->setStatus(AFNetworkReachabilityStatusReachableViaWiFi);
     host_->keyDown("escape");
     pass(0.5);
@@ -227,7 +243,8 @@ std::string FaultTest::state() {
     for (const Ref<FXAssetInfo>& asset : *tab_->assestsList()) {
         text += asset == tab_->currentAsset() ? "current " : "asset ";
         text += asset->uid().string() + (tab_->assetNodesDict().contains(asset->uid().text()) ? " model\n" : "\n");
-        text += "  " + std::string(NSJSONSerialization::dataWithJSONObject(asset->toDictionary(), nullptr).text()) + "\n";
+        text +=
+            "  " + std::string(NSJSONSerialization::dataWithJSONObject(asset->toDictionary(), nullptr).text()) + "\n";
     }
     for (const auto& entry : fs::directory_iterator(documents_.path()))
         if (!tab_->assetNodesDict().contains(entry.path().filename().string()))

@@ -3,7 +3,7 @@
 #include <Tests/Faults/Schedule.h>
 #include <Tests/Views/TabTesting.h>
 
-#include <cstddef>
+#include <set>
 #include <string>
 
 namespace flarebox::testing {
@@ -20,7 +20,8 @@ protected:
     void perform(const Schedule& schedule);
     /// The network is well, the player has gone back to the game: false when something does not end.
     bool comeToRest();
-    /// Whether what the player does now works: a coupon, an event, and a video if there is to be one. The reason if not.
+    /// Whether what the player does now works: a coupon, an event, and a video if there is to be one. The reason if
+    /// not.
     std::string tryEverything(bool withVideo);
     /// Lets the tab and the host go; empty, or what is left of them.
     std::string end();
@@ -40,9 +41,9 @@ private:
     bool leaveCoupon();
 };
 
-/// Threads and descriptors of the process.
+/// Threads and descriptors of the process, by their names and what they lead to.
 struct Holdings {
-    std::ptrdiff_t threads = 0, descriptors = 0;
+    std::multiset<std::string> threads, descriptors;
     static Holdings now();
 };
 

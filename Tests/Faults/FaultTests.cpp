@@ -2,10 +2,13 @@
 
 #include <Tests/Faults/FaultTesting.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <iostream>
+#include <iterator>
 #include <set>
 #include <sstream>
+#include <vector>
 
 namespace flarebox::testing {
 namespace {
@@ -13,6 +16,10 @@ namespace {
 int numberFrom(const char* variable, int otherwise) {
     const char* text = std::getenv(variable);
     return text ? std::atoi(text) : otherwise;
+}
+
+bool isVerbose() {
+    return std::getenv("FAULT_VERBOSE") != nullptr;
 }
 
 /// The lines that are in one of the texts only, marked by "-" or "+".
@@ -46,10 +53,13 @@ protected:
     }
     void play(const Schedule& schedule) {
         begin(schedule);
+        FlareboxConfig::defaultConfig().setEnableLogging(isVerbose());
+        FlareboxConfig::defaultConfig().setLogLevel(1);
         perform(schedule);
         faults_ += proxy().faults();
         if (!comeToRest()) ++hangs_, ADD_FAILURE() << "something hangs";
-        if (const std::string now = state(); now != right_) ++wrong_, ADD_FAILURE() << "wrong state:\n" << difference(right_, now);
+        if (const std::string now = state(); now != right_)
+            ++wrong_, ADD_FAILURE() << "wrong state:\n" << difference(right_, now);
         if (const std::string reason = tryEverything(schedule.has(Deed::Play)); !reason.empty())
             ++wrong_, ADD_FAILURE() << reason;
         if (const int counted = countedInTenSeconds(); counted < 9 || counted > 10)
@@ -58,11 +68,25 @@ protected:
     }
     /// Waits for what ends on other threads.
     void compare(const Holdings& before) {
-        pumpUntil([&] { return Holdings::now().threads <= before.threads && Holdings::now().descriptors <= before.descriptors; }, 5);
-        const Holdings now = Holdings::now();
-        if (now.threads > before.threads) ++threads_, ADD_FAILURE() << now.threads - before.threads << " threads more";
-        if (now.descriptors > before.descriptors)
-            ++descriptors_, ADD_FAILURE() << now.descriptors - before.descriptors << " descriptors more";
+        const auto more = [](const std::multiset<std::string>& now, const std::multiset<std::string>& then) {
+            std::string text;
+            std::vector<std::string> added;
+            std::ranges::set_difference(now, then, std::back_inserter(added));
+            for (const std::string& each : added) text += " " + each;
+            return text;
+        };
+        Holdings now;
+        pumpUntil(
+            [&] {
+                now = Holdings::now();
+                return now.threads.size() <= before.threads.size() &&
+                       now.descriptors.size() <= before.descriptors.size();
+            },
+            5);
+        if (now.threads.size() > before.threads.size())
+            ++threads_, ADD_FAILURE() << "threads more:" << more(now.threads, before.threads);
+        if (now.descriptors.size() > before.descriptors.size())
+            ++descriptors_, ADD_FAILURE() << "descriptors more:" << more(now.descriptors, before.descriptors);
     }
 
     std::string right_;
@@ -78,12 +102,12 @@ TEST_F(FaultScheduleTest, OnceTheNetworkIsWellAgainSoIsTheTab) {
     for (int seed = first; seed < first + count; ++seed) {
         const Schedule schedule = Schedule::fromSeed(static_cast<std::uint64_t>(seed));
         SCOPED_TRACE(schedule.description());
-        if (std::getenv("FAULT_VERBOSE")) std::cerr << schedule.description() << std::endl;
+        if (isVerbose()) std::cerr << schedule.description() << std::endl;
         play(schedule);
         compare(before);
     }
-    std::cout << "schedules " << count << " faults " << faults_ << " hangs " << hangs_ << " states " << wrong_ << " timers "
-              << timers_ << " threads " << threads_ << " descriptors " << descriptors_ << std::endl;
+    std::cout << "schedules " << count << " faults " << faults_ << " hangs " << hangs_ << " states " << wrong_
+              << " timers " << timers_ << " threads " << threads_ << " descriptors " << descriptors_ << std::endl;
 }
 
 }  // namespace

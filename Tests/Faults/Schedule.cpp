@@ -6,10 +6,10 @@
 namespace flarebox::testing {
 namespace {
 
-constexpr const char* deedNames[] = {
-    "open",   "close",       "select",       "picture",      "model",        "video",        "coupon",
-    "leave",  "play",        "stop",         "scroll",       "new game",     "lose service", "find service",
-    "lose network", "find network", "seconds", "period", "rest"};
+constexpr const char* deedNames[] = {"open",         "close",    "select",       "picture",      "model",
+                                     "video",        "coupon",   "leave",        "play",         "stop",
+                                     "scroll",       "new game", "lose service", "find service", "lose network",
+                                     "find network", "seconds",  "period",       "rest"};
 static_assert(std::size(deedNames) == deedCount);
 
 /// The same numbers on every machine, which the library's distributions do not promise.
@@ -40,8 +40,8 @@ std::uint32_t anyByte(Dice& dice) {
 
 Fault anyFault(Dice& dice) {
     static constexpr int statuses[] = {200, 200, 200, 204, 206, 301, 304, 400, 401, 404, 416, 429, 500, 503, 599};
-    static constexpr const char* types[] = {"application/json", "application/json", "text/html", "image/png",
-                                            "model/gltf-binary", "video/mp4", ""};
+    static constexpr const char* types[] = {"application/json",  "application/json", "text/html", "image/png",
+                                            "model/gltf-binary", "video/mp4",        ""};
     static constexpr std::uint32_t lengths[] = {0, 0, 1, 100, 5000, 300'000};
     Fault fault;
     fault.kind = static_cast<Fault::Kind>(dice.below(Fault::kinds));
@@ -69,11 +69,11 @@ void addFault(FaultProxy::Plan& plan, Dice& dice) {
 Schedule::Step anyStep(Dice& dice) {
     using enum Deed;
     // Playing takes the longest, and waiting in real time.
-    static constexpr Deed deeds[] = {Open,        Open,       Open,        Close,        Select,       Select,
-                                     Select,      ShowPicture, ShowModel,  ShowModel,    ShowVideo,    SaveCoupon,
-                                     SaveCoupon,  LeaveCoupon, Play,       StopPlaying,  Scroll,       ChangeGame,
-                                     LoseService, FindService, FindService, LoseNetwork, FindNetwork,  FindNetwork,
-                                     Seconds,     Period,      Period,     Rest};
+    static constexpr Deed deeds[] = {Open,        Open,        Open,        Close,       Select,      Select,
+                                     Select,      ShowPicture, ShowModel,   ShowModel,   ShowVideo,   SaveCoupon,
+                                     SaveCoupon,  LeaveCoupon, Play,        StopPlaying, Scroll,      ChangeGame,
+                                     LoseService, FindService, FindService, LoseNetwork, FindNetwork, FindNetwork,
+                                     Seconds,     Period,      Period,      Rest};
     const Deed deed = dice.pick(deeds);
     return {deed, dice.below(20)};
 }
@@ -92,8 +92,8 @@ Schedule Schedule::fromSeed(std::uint64_t seed) {
 Schedule Schedule::faultless() {
     using enum Deed;
     Schedule schedule;
-    for (const Deed deed : {Rest, Open, Select, ShowVideo, Play, Rest, StopPlaying, ShowModel, SaveCoupon, Rest, LeaveCoupon,
-                            ChangeGame, Rest, Close})
+    for (const Deed deed : {Rest, Open, Select, ShowVideo, Play, Rest, StopPlaying, ShowModel, SaveCoupon, Rest,
+                            LeaveCoupon, ChangeGame, Rest, Close})
         schedule.steps.push_back({deed, 1});
     return schedule;
 }
@@ -108,10 +108,12 @@ std::string Schedule::description() const {
         const auto& [request, fault] = *at;
         const std::string what = fault.description();
         int last = request.second;
-        while (++at != faults.end() && at->first == std::pair(request.first, last + 1) && at->second.description() == what)
+        while (++at != faults.end() && at->first == std::pair(request.first, last + 1) &&
+               at->second.description() == what)
             ++last;
         text += std::string(" ") + flowNames[static_cast<std::size_t>(request.first)] + " " +
-                std::to_string(request.second) + (last > request.second ? "-" + std::to_string(last) : "") + " " + what + ";";
+                std::to_string(request.second) + (last > request.second ? "-" + std::to_string(last) : "") + " " +
+                what + ";";
     }
     text += " steps:";
     for (const Step& step : steps) {

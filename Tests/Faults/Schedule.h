@@ -10,8 +10,25 @@ namespace flarebox::testing {
 
 /// What a player, a host and the world around them do with the tab.
 enum class Deed : std::uint8_t {
-    Open, Close, Select, ShowPicture, ShowModel, ShowVideo, SaveCoupon, LeaveCoupon, Play, StopPlaying, Scroll, ChangeGame,
-    LoseService, FindService, LoseNetwork, FindNetwork, Seconds, Period, Rest,
+    Open,
+    Close,
+    Select,
+    ShowPicture,
+    ShowModel,
+    ShowVideo,
+    SaveCoupon,
+    LeaveCoupon,
+    Play,
+    StopPlaying,
+    Scroll,
+    ChangeGame,
+    LoseService,
+    FindService,
+    LoseNetwork,
+    FindNetwork,
+    Seconds,
+    Period,
+    Rest,
 };
 inline constexpr int deedCount = static_cast<int>(Deed::Rest) + 1;
 

@@ -230,4 +230,29 @@ TEST_F(FailureTest, AServerThatHangsHoldsUpNoOther) {
     EXPECT_LE(hanging.acceptedConnections(), Transport::connectionsPerHost);
 }
 
+// A server that says more than it announced: what is left over is no answer to the next request.
+TEST_F(FailureTest, WhatIsLeftOnAConnectionAnswersNothing) {
+    const std::string poison =
+        "HTTP/1.1 200 OK\r\nContent-Type: application/json\r\nContent-Length: 8\r\n\r\n\"poison\"";
+    for (const std::string& left : {std::string(8000, 'x'), "[3]" + poison + poison}) {
+        ScriptedServer server(answering([&](Connection& connection, const std::string& request) {
+            const bool isFirst = firstLine(request).find("/first") != std::string::npos;
+            connection.answerJSON("[1]");
+            if (isFirst) connection.send(left);
+        }));
+        for (const char* method : {"GET", "POST"}) {
+            EXPECT_EQ(load(get(server.url("/first"))).code(), 0);
+            // What is left over is sent once the answer's arrival has been confirmed, which takes 40 ms.
+            EXPECT_TRUE(pumpUntil([end = Clock::real().uptime() + 0.1] { return Clock::real().uptime() > end; }));
+            auto request = get(server.url("/second"));
+            request->setHTTPMethod(method);
+            const Outcome second = load(request);
+            EXPECT_EQ(second.code(), 0) << method;
+            EXPECT_EQ(second.object.as<NSArray>().count(), 1U) << method;
+            EXPECT_EQ(second.object.as<NSArray>().objectAtIndex(0), Value(1)) << method;
+        }
+        EXPECT_EQ(server.requests().size(), 4U) << "nothing is asked twice";
+    }
+}
+
 }  // namespace flarebox::testing

@@ -33,7 +33,8 @@ public:
         void hang();
         /// Waits that long; false when the server ends meanwhile.
         bool pause(double seconds);
-        /// Breaks the connection off as a machine does that has forgotten it: the client is told of no end, but of an error.
+        /// Breaks the connection off as a machine does that has forgotten it: the client is told of no end, but of an
+        /// error.
         void reset();
         /// How many connections were accepted before this one.
         int number() const { return number_; }

@@ -1,5 +1,6 @@
 #include <Flarebox/Views/SCNContentView.h>
 #include <Host/Headless/SoftwareCompositor.h>
+#include <SceneKit/ModelSource.h>
 #include <SceneKit/SCNView.h>
 #include <SceneKit/ZorbRenderer.h>
 #include <Tests/SceneKit/ModelBuilder.h>
@@ -173,6 +174,23 @@ TEST_F(ModelsTest, WhatCannotBeHadOrReadCostsALogLineEach) {
     ASSERT_TRUE(settleIdle());
     EXPECT_NE(node("P1"), nullptr) << "the next selection tries again";
     EXPECT_EQ(shown(), node("P1"));
+
+    for (const int number : {2, 3}) serveModel(number, {});
+    sharedService().forgetRequests();
+    reload({"P1", "P2", "P3", "P4"});
+    EXPECT_THAT(downloads(), ElementsAre(2, 3)) << "the next list does without what turned out to be no model";
+    EXPECT_THAT(nodes(), ElementsAre("P1", "P2", "P3", "P4"));
+    EXPECT_TRUE(documents_.read("P2") == cubeFile());
+}
+
+TEST_F(ModelsTest, OneThatBreaksWhenItIsDrawnIsHadAnewWithTheNextList) {
+    showList({"P1", "P2"});
+    node("P2")->model()->setBroken();
+    sharedService().forgetRequests();
+    reload({"P1", "P2"});
+    EXPECT_THAT(downloads(), ElementsAre(2));
+    ASSERT_NE(node("P2"), nullptr);
+    EXPECT_FALSE(node("P2")->hasBrokenModel());
 }
 
 TEST(SampleModelsTest, AreAllRead) {

@@ -7,6 +7,24 @@
 #include <unistd.h>
 
 namespace flarebox {
+namespace {
+
+/// Whether a server has said something over the connection that nobody has read; what belongs to its encryption does
+/// not count.
+bool hasUnreadText(curl_socket_t socket) {
+    unsigned char bytes[2] = {};
+    const ssize_t count = recv(socket, bytes, sizeof bytes, MSG_PEEK | MSG_DONTWAIT);
+    const bool isRecord = count == 2 && bytes[0] >= 0x14 && bytes[0] <= 0x17 && bytes[1] == 3;
+    return count > 0 && !isRecord;
+}
+
+}  // namespace
+
+void CurlSockets::endTalkative() {
+    for (const auto& [socket, connection] : connections_) {
+        if (connection.rests && hasUnreadText(socket)) ::shutdown(socket, SHUT_RDWR);
+    }
+}
 
 void CurlSockets::attachToMulti(CURLM* multi) {
     multi_ = multi;

@@ -172,6 +172,7 @@ void TransferLoop::begin(TransferQueue::Entry entry) {
     CURL* handle = transfer->handle();
     identifiers_[handle] = entry.identifier;
     transfers_[entry.identifier] = std::move(transfer);
+    sockets_.endTalkative();
     if (curl_multi_add_handle(multi_.get(), handle) != CURLM_OK) finish(entry.identifier, CURLE_FAILED_INIT);
 }
 
