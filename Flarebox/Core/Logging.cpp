@@ -146,7 +146,11 @@ std::string_view title(LogLevel level) {
 
 void writeLog(LogLevel level, std::string_view title, std::string_view format, std::span<const Value> arguments) {
     if (format.ends_with('\n')) format.remove_suffix(1);
-    LogSink::write(level, std::string(title) + ": " + formatLog(format, arguments));
+    std::string message = formatLog(format, arguments);
+    // Texts of a service must not steer the terminal that shows the log.
+    const auto isControl = [](unsigned char c) { return (c < ' ' && c != '\n' && c != '\t') || c == 127; };
+    std::ranges::replace_if(message, isControl, '?');
+    LogSink::write(level, std::string(title) + ": " + message);
 }
 
 }  // namespace

@@ -15,6 +15,9 @@ const int kApiMissingParamErrorCode = 234513;
 namespace {
 
 constexpr std::int64_t assetPageSize = 20;
+/// Several times what is asked for. Each asset may start a download with a file of its own, and the host's descriptors
+/// are not the service's to use up.
+constexpr std::size_t mostAssets = 100;
 
 std::string replacedAll(std::string text, std::string_view from, std::string_view to) {
     for (std::size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size()))
@@ -26,6 +29,11 @@ Ref<NSError> missingParameterError(std::string_view name) {
     const NSString format = NSBundle::mainBundle()->localizedStringForKey("Missing required parameter '%@'");
     return NSError::errorWithDomain(kApiErrorDomain, kApiMissingParamErrorCode,
                                     replacedAll(format.string(), "%@", name));
+}
+
+Ref<NSError> tooManyAssetsError() {
+    return NSError::errorWithDomain(NSURLErrorDomain, NSURLErrorDataLengthExceedsMaximum,
+                                    "The list holds more than " + std::to_string(mostAssets) + " assets.");
 }
 
 /// Asserts that a parameter is there. Where the assertion handler returns, a missing one is handed to `fail` as an
@@ -94,8 +102,10 @@ void FlareboxManager::loadGameCommonAssets(
          [completion](const Value& answer, const Ref<NSError>& error) {
              if (!completion) return;
              if (error) return completion(nullptr, error);
+             const NSArray elements = answer.as<NSArray>();
+             if (elements.count() > mostAssets) return completion(nullptr, tooManyAssetsError());
              auto assets = std::make_shared<AssetList>();
-             for (const Value& element : answer.as<NSArray>()) {
+             for (const Value& element : elements) {
                  assets->push_back(FXAssetInfo::initWithDictionary(element.as<NSDictionary>()));
              }
              completion(assets, nullptr);

@@ -5,6 +5,13 @@
 #include <Networking/AFJSONResponseSerializer.h>
 
 namespace flarebox {
+namespace {
+
+/// Of an answer, in bytes. A list of twenty assets has some twenty thousand; decoding takes up to twenty times the
+/// length of the text in memory.
+constexpr std::uint64_t longestAnswer = std::uint64_t{4} << 20;
+
+}  // namespace
 
 const ClassInfo& FlareboxManager::staticClass() {
     static const ClassInfo info("FlareboxManager", &AFHTTPSessionManager::staticClass(), nullptr);
@@ -23,6 +30,7 @@ FlareboxManager& FlareboxManager::sharedInstance() {
 FlareboxManager::FlareboxManager(const NSURL& baseURL) : AFHTTPSessionManager(baseURL) {
     setRequestSerializer(AFJSONRequestSerializer::serializer());
     setResponseSerializer(AFJSONResponseSerializer::serializer());
+    setMaximumResponseLength(longestAnswer);
 }
 
 Ref<NSMutableURLRequest> FlareboxManager::requestWithMethod(const NSString& method, const NSString& path,

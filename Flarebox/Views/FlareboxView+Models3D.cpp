@@ -11,6 +11,7 @@
 #include <UIKit/UIScreen.h>
 #include <UIKit/UIWindow.h>
 
+#include <algorithm>
 #include <set>
 
 namespace flarebox {
@@ -25,6 +26,15 @@ std::string modelPath(const FXAssetInfo& asset) {
     if (!isPlainPathComponent(uid)) return {};
     const std::string folder = NSFileManager::defaultManager().documentsPath();
     return folder.empty() ? std::string() : folder + "/" + uid;
+}
+
+/// The uid as it may stand within a line.
+NSString printable(const NSString& uid) {
+    constexpr std::size_t longest = 200;
+    std::string text = uid.string().substr(0, longest);
+    std::ranges::replace_if(
+        text, [](unsigned char c) { return c < ' ' || c == 127; }, '?');
+    return text;
 }
 
 }  // namespace
@@ -89,7 +99,7 @@ void FlareboxView::load3DModel(const Ref<FXAssetInfo>& asset) {
     if (url && NSFileManager::defaultManager().documentsDirectory().empty()) path.clear();
     show3DContent(*asset, url && !path.empty());
     if (!url) return;
-    if (path.empty()) return errorLog("The model of the asset \"%@\" has no place on disk", asset->uid());
+    if (path.empty()) return errorLog("The model of the asset \"%@\" has no place on disk", printable(asset->uid()));
     AFURLSessionManager::manager()
         ->downloadTaskWithRequest(
             NSURLRequest::requestWithURL(url), [path] { return path; },

@@ -14,7 +14,7 @@
 namespace flarebox {
 
 /// Loads pictures: from the cache, or by one transfer for an address at a time, however many ask for it.
-/// Pictures are decoded off the main thread, those above 64 megapixels or 32 MiB refused, and made no larger than they
+/// Pictures are decoded off the main thread, those above 4096 x 4096 pixels or 8 MiB refused, and made no larger than they
 /// are shown. Main thread only.
 class AFImageDownloader : public NSObject {
     FLAREBOX_CLASS(AFImageDownloader)

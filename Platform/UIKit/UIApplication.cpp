@@ -6,6 +6,16 @@
 #include <utility>
 
 namespace flarebox {
+namespace {
+
+/// Whether it names a host, and nobody before it: what looks like one shop's address would lead to another's.
+bool isPlainWebLink(const NSURL& url) {
+    const std::string address = url.absoluteString();
+    const std::size_t start = address.find("//");
+    return !url.host().empty() && address.substr(0, address.find_first_of("/?#", start + 2)).find('@') == address.npos;
+}
+
+}  // namespace
 
 UIApplication& UIApplication::sharedApplication() {
     static detail::Immortal<UIApplication> application;
@@ -19,6 +29,8 @@ UIWindow* UIApplication::keyWindow() const {
 }
 
 bool UIApplication::isAllowed(const NSURL& url) const {
+    const bool isWeb = url.scheme() == "http" || url.scheme() == "https";
+    if (isWeb && !isPlainWebLink(url)) return false;
     return std::ranges::find(allowedSchemes_, url.scheme()) != allowedSchemes_.end();
 }
 

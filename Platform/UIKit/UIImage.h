@@ -20,8 +20,10 @@ class UIImage : public NSObject {
     FLAREBOX_CLASS(UIImage)
 public:
     /// Largest encoded picture in bytes and largest decoded one in pixels; beyond them a picture is refused unread.
-    static constexpr std::size_t maximumDataLength = std::size_t{32} << 20;
-    static constexpr std::int64_t maximumPixelCount = 64'000'000;
+    /// Twice the sharpest screen each way, and what that takes well packed: several pictures arrive at the same time,
+    /// and the one that is being decoded takes up to nine bytes a pixel.
+    static constexpr std::size_t maximumDataLength = std::size_t{8} << 20;
+    static constexpr std::int64_t maximumPixelCount = 4096 * 4096;
 
     using PixelSize = flarebox::PixelSize;
     using Room = PictureRoom;

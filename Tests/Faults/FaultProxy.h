@@ -31,6 +31,7 @@ public:
 
     /// "http://127.0.0.1:PORT".
     std::string url() const;
+    int port() const { return port_; }
     void forwardTo(int servicePort) { servicePort_ = servicePort; }
 
     /// Listens, and counts requests from zero.

@@ -98,7 +98,7 @@ TEST_F(FaultScheduleTest, OnceTheNetworkIsWellAgainSoIsTheTab) {
     if (HasFailure()) return;
     const Holdings before = Holdings::now();
     const int first = numberFrom("FAULT_SEED", 1);
-    const int count = numberFrom("FAULT_COUNT", std::getenv("FAULT_SEED") ? 1 : 40);
+    const int count = numberFrom("FAULT_COUNT", std::getenv("FAULT_SEED") ? 1 : 30);
     for (int seed = first; seed < first + count; ++seed) {
         const Schedule schedule = Schedule::fromSeed(static_cast<std::uint64_t>(seed));
         SCOPED_TRACE(schedule.description());

@@ -41,8 +41,8 @@ struct Schedule {
     };
 
     std::uint64_t seed = 0;
-    FaultProxy::Plan faults;
-    std::vector<Step> steps;
+    FaultProxy::Plan faults = {};
+    std::vector<Step> steps = {};
 
     static Schedule fromSeed(std::uint64_t seed);
     /// The same for every run: all that there is to do, and no fault.

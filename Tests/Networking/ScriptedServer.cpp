@@ -83,6 +83,10 @@ bool ScriptedServer::Connection::pause(double seconds) {
                                        [this] { return server_->stopping_; });
 }
 
+void ScriptedServer::Connection::finish() {
+    shutdown(descriptor_, SHUT_WR);
+}
+
 void ScriptedServer::Connection::reset() {
     // Dissolving the association sends a reset at once and leaves the descriptor to its owner.
     const sockaddr nobody = {.sa_family = AF_UNSPEC, .sa_data = {}};

@@ -33,6 +33,8 @@ public:
         void hang();
         /// Waits that long; false when the server ends meanwhile.
         bool pause(double seconds);
+        /// Says that there is nothing more to come.
+        void finish();
         /// Breaks the connection off as a machine does that has forgotten it: the client is told of no end, but of an
         /// error.
         void reset();

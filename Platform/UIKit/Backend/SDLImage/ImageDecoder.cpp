@@ -139,7 +139,7 @@ Ref<UIImage> UIImage::decode(const Source& source, Ref<NSError>* error, const Ro
         return make<UIImage>(size, std::move(pixels), std::move(origin));
     };
     if (data.size() > maximumDataLength)
-        return fail(error, NSURLErrorDataLengthExceedsMaximum, "The picture's data is longer than 32 MiB");
+        return fail(error, NSURLErrorDataLengthExceedsMaximum, "The picture's data is longer than 8 MiB");
     const auto header = readImageHeader(data);
     if (!header) return fail(error, NSURLErrorCannotDecodeContentData, "The data is no PNG, JPEG, GIF or WebP picture");
     if (header->width > 32'767 || header->height > 32'767 || header->width * header->height > maximumPixelCount)
