@@ -1,4 +1,4 @@
-# Sourced by ./run, ./test, ./bench and ./fuzz: installs what is missing and builds a preset. Needs bash.
+# Sourced by ./run, ./test, ./bench, ./fuzz and ./faults: installs what is missing and builds a preset. Needs bash.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 

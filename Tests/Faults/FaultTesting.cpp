@@ -22,7 +22,7 @@ namespace fs = std::filesystem;
 /// Seconds of real time that a step takes at most.
 constexpr double patience = 0.02;
 /// Seconds of real time after which something that does not end counts as hanging.
-constexpr double longest = 20;
+constexpr double longest = 60;
 
 template <class T>
 T* part(UIView& view, std::string_view name) {
@@ -95,6 +95,8 @@ void FaultTest::begin(const Schedule& schedule) {
     network_->setStatus(AFNetworkReachabilityStatusReachableViaWiFi);
     proxy().begin(schedule.faults);
     makeTab()->showAtWindow();
+    // It waits a moment before it attaches itself.
+    pass(0.2);
 }
 
 bool FaultTest::settleWithin(double seconds, const std::function<bool()>& condition) {
@@ -264,9 +266,8 @@ std::string FaultTest::end() {
     const Weak<FlareboxView> tab(tab_.get());
     tab_->removeFromSuperview();
     tab_ = nullptr;
-    // Attaching to the window waits a moment.
-    pass(1);
     if (!settleWithin(longest, [&] { return !tab.lock() && MainQueue::shared().isIdle(); })) left += " the tab";
+    pass(1);
     if (const auto due = MainQueue::shared().nextDueTime())
         left += " a timer due in " + std::to_string(*due - clock_.uptime()) + " s";
     TabTest::TearDown();

@@ -2,6 +2,8 @@
 
 #include <Tests/Faults/FaultTesting.h>
 
+#include <sys/resource.h>
+
 #include <algorithm>
 #include <cstdlib>
 #include <iostream>
@@ -16,6 +18,12 @@ namespace {
 int numberFrom(const char* variable, int otherwise) {
     const char* text = std::getenv(variable);
     return text ? std::atoi(text) : otherwise;
+}
+
+long peakInMebibytes() {
+    rusage usage = {};
+    getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_maxrss / 1024;
 }
 
 bool isVerbose() {
@@ -107,7 +115,8 @@ TEST_F(FaultScheduleTest, OnceTheNetworkIsWellAgainSoIsTheTab) {
         compare(before);
     }
     std::cout << "schedules " << count << " faults " << faults_ << " hangs " << hangs_ << " states " << wrong_
-              << " timers " << timers_ << " threads " << threads_ << " descriptors " << descriptors_ << std::endl;
+              << " timers " << timers_ << " threads " << threads_ << " descriptors " << descriptors_ << " peak "
+              << peakInMebibytes() << std::endl;
 }
 
 }  // namespace
