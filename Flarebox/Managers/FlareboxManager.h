@@ -53,7 +53,8 @@ public:
 
     /// Creates a game session for the configured player. Needs a game UID, a game version and a user session.
     void createSesstion(const std::function<void(const Ref<FXSessionInfo>&, const Ref<NSError>&)>& completion);
-    /// Loads the first 20 assets of the game, in the service's order. Needs a game UID and a game version.
+    /// Loads the first 20 assets of the game, in the service's order. Needs a game UID and a game version. A list of more
+    /// than 100, or an answer of more than 4 MiB, as with every operation, is an error.
     void loadGameCommonAssets(
         const std::function<void(const std::shared_ptr<AssetList>&, const Ref<NSError>&)>& completion);
     /// Reports what the player did. Needs a record.

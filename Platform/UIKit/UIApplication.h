@@ -39,7 +39,8 @@ public:
 
     /// Whether links of this scheme may be opened at all. An absent link may not.
     bool isAllowed(const NSURL& url) const;
-    /// Whether a link of this scheme would be opened. An absent link, or one of a scheme that is not allowed, never is.
+    /// Whether a link of this scheme would be opened. An absent link, one of a scheme that is not allowed, and one to the
+    /// web that names no host, or a user before it, never is.
     bool canOpenURL(const NSURL& url) const;
     /// Hands the link to the desktop without waiting for it. False when it was refused.
     bool openURL(const NSURL& url);

@@ -72,6 +72,13 @@ TEST(Logging, ASinkTakesWhatAllThreadsSay) {
     EXPECT_EQ(lines.back(), "3 replaced");
 }
 
+TEST(Logging, TextsCannotSteerATerminal) {
+    ::testing::internal::CaptureStderr();
+    printLog("Title", "%@ and %@",
+             std::initializer_list<Value>{NSString(std::string_view("\x1b[2J\0\x7f\t", 7)), "caf\u00e9"});
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "Title: ?[2J??\t and caf\u00e9\n");
+}
+
 TEST(Logging, FormatsAnyArgumentsSafely) {
     struct Case {
         std::string_view format;

@@ -253,6 +253,28 @@ TEST_F(ServiceOperationsTest, AnswersOfTheWrongShapeGiveEmptyRecords) {
     expectOneCall(listed);
 }
 
+TEST_F(ServiceOperationsTest, AnswersAreBoundedInLengthAndNumber) {
+    const auto codeFor = [&](const std::string& body) {
+        service().behave("/game/common-assets/", {.body = body});
+        Outcome outcome;
+        manager().loadGameCommonAssets([&](const std::shared_ptr<AssetList>& assets, const Ref<NSError>& error) {
+            ++outcome.calls;
+            EXPECT_NE(assets == nullptr, error == nullptr);
+            outcome.error = error;
+        });
+        expectOneCall(outcome);
+        return outcome.error ? outcome.error->code() : 0;
+    };
+    const auto listOf = [](std::size_t count) {
+        std::string list = "[{}";
+        for (; count > 1; --count) list += ",{}";
+        return list + "]";
+    };
+    EXPECT_EQ(codeFor(listOf(100)), 0);
+    EXPECT_EQ(codeFor(listOf(101)), NSURLErrorDataLengthExceedsMaximum);
+    EXPECT_EQ(codeFor("[" + std::string(std::size_t{4} << 20, ' ') + "]"), NSURLErrorDataLengthExceedsMaximum);
+}
+
 TEST_F(ServiceOperationsTest, RequestsAreBuiltByTheRules) {
     FlareboxManager& client = manager();
     NSUserDefaults::standardUserDefaults().setObject(15, "timeoutInterval");

@@ -40,6 +40,8 @@ TEST(InputDesktop, LinkReachesTheInstalledApplication) {
     EXPECT_TRUE(application.openURL(link));
     EXPECT_TRUE(pumpUntil([&] { return home.has("opened"); }));
     EXPECT_EQ(home.read("opened"), "kestrin://asset/12?from=tab");
+    for (const char* misleading : {"https:", "https:///page", "https://shop.example@example.com/", "https://a:b@c?d"})
+        EXPECT_FALSE(application.openURL(NSURL::URLWithString(misleading))) << misleading;
     // Ending with links on their way loses them and waits for none.
     const NSURL page = NSURL::URLWithString("https://example.com/");
     for (int i = 0; i < 20; ++i) application.openURL(page);
