@@ -22,6 +22,14 @@ namespace {
 /// The one host that is in force. Other threads may ask whether there is one.
 std::atomic<UIHost*> currentHost = nullptr;
 
+/// Landscape-left or portrait for the shape of the window. A window that changes its size and keeps its shape is turned
+/// by half: what follows the orientation would not notice the new size otherwise.
+UIDeviceOrientation orientationAfter(UIDeviceOrientation previous, CGSize size) {
+    using enum UIDeviceOrientation;
+    if (size.width >= size.height) return previous == LandscapeLeft ? LandscapeRight : LandscapeLeft;
+    return previous == Portrait ? PortraitUpsideDown : Portrait;
+}
+
 }  // namespace
 
 /// The application around one window, as long as the host lives; longer where the host goes inside one of its own
@@ -109,6 +117,18 @@ void UIHost::setScreen(CGSize size, CGFloat scale) {
 void UIHost::setOrientation(UIDeviceOrientation orientation) {
     const Call call(*this, "UIHost::setOrientation", "input");
     if (call) UIDevice::currentDevice().setOrientation(orientation);
+}
+
+void UIHost::resize(CGSize size, CGFloat scale) {
+    const Call call(*this, "UIHost::resize", "input");
+    if (!call) return;
+    const UIScreen& screen = UIScreen::mainScreen();
+    UIDevice& device = UIDevice::currentDevice();
+    const UIDeviceOrientation former = device.orientation();
+    const bool isSame = screen.bounds().size == size && screen.scale() == scale;
+    if (isSame && former != UIDeviceOrientation::Unknown) return;
+    setScreen(size, scale);
+    device.setOrientation(orientationAfter(former, size));
 }
 
 InputResult UIHost::pointerDown(int pointer, CGPoint point) {

@@ -43,6 +43,9 @@ public:
     /// The screen's size or scale changed; the window follows. Does not by itself report a new orientation.
     void setScreen(CGSize size, CGFloat scale);
     void setOrientation(UIDeviceOrientation orientation);
+    /// Both, for a window, which has no orientation of its own: wide is landscape, tall is portrait. Does nothing when
+    /// size and scale are as they were.
+    void resize(CGSize size, CGFloat scale);
 
     // Input, in points of the screen. A touch that began on the panel belongs to it until it ends, one that began
     // beside it to the game.

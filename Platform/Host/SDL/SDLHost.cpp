@@ -47,14 +47,6 @@ bool isMouseFromTouch(const SDL_Event& event) {
     }
 }
 
-/// Landscape-left or portrait for the shape of the window. A window that changes its size and keeps its shape is turned
-/// by half: what follows the orientation would not notice the new size otherwise.
-UIDeviceOrientation orientationAfter(UIDeviceOrientation previous, CGSize size) {
-    using enum UIDeviceOrientation;
-    if (size.width >= size.height) return previous == LandscapeLeft ? LandscapeRight : LandscapeLeft;
-    return previous == Portrait ? PortraitUpsideDown : Portrait;
-}
-
 std::string keyName(SDL_Keycode key) {
     std::string name = SDL_GetKeyName(key);
     std::transform(name.begin(), name.end(), name.begin(),
@@ -217,14 +209,7 @@ void SDLHost::handleWindow(const SDL_Event& event) {
 }
 
 void SDLHost::followWindow() {
-    const CGSize size = sizeOf(window_);
-    const CGFloat scale = scaleOf(window_, renderer_);
-    if (size == size_ && scale == scale_) return;
-    size_ = size;
-    scale_ = scale;
-    setScreen(size, scale);
-    orientation_ = orientationAfter(orientation_, size);
-    setOrientation(orientation_);
+    resize(sizeOf(window_), scaleOf(window_, renderer_));
 }
 
 void SDLHost::cancelPointers() {

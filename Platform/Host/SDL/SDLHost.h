@@ -68,9 +68,6 @@ private:
     InputResult mouseResult_ = InputResult::Ignored;
     /// Buttons beside the left one, and keys, that went down on the panel: their end belongs to the panel as well.
     std::set<int> panelButtons_, panelKeys_;
-    CGSize size_;
-    CGFloat scale_ = 0;
-    UIDeviceOrientation orientation_ = UIDeviceOrientation::Unknown;
 };
 
 }  // namespace flarebox
