@@ -6,7 +6,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
+#include <cstdlib>
 #include <set>
 
 namespace flarebox::testing {
@@ -73,6 +75,44 @@ TEST(PictureTest, IsTheSameForTheSameScript) {
     EXPECT_EQ(last.size(), 1U);
     EXPECT_NE(*scrolled.begin(), *last.begin()) << "the shot fired by the tap beside the panel is to be seen";
 }
+
+#ifdef FLAREBOX_OPENGLGAME
+/// Largest difference of one colour, of the pixels left of the column.
+int largestDifference(const UIImage& a, const UIImage& b, int columns) {
+    int largest = 0;
+    for (int y = 0; y < a.pixelHeight(); ++y) {
+        for (int x = 0; x < columns; ++x) {
+            const auto place = static_cast<std::size_t>(y * a.pixelWidth() + x);
+            for (const int shift : {0, 8, 16}) {
+                const auto part = [&](const UIImage& image) {
+                    return static_cast<int>(image.pixels()[place] >> shift & 255);
+                };
+                largest = std::max(largest, std::abs(part(a) - part(b)));
+            }
+        }
+    }
+    return largest;
+}
+
+TEST(PictureTest, IsTheSameThroughOpenGL) {
+    const TemporaryDirectory folder;
+    const GameResult result =
+        runProgram(folder, FLAREBOX_OPENGLGAME, {"--headless", "--size", "667x375", "--screenshot", "opengl.png"});
+    if (result.errors.find("there is no") != std::string::npos) GTEST_SKIP() << result.errors;
+    ASSERT_EQ(result.status, 0) << result.errors;
+    ASSERT_EQ(runGame(folder, {"--size", "667x375", "--screenshot", "sample.png"}).status, 0);
+    const Ref<UIImage> opengl = picture(folder, "opengl.png"), sample = picture(folder, "sample.png");
+    ASSERT_TRUE(opengl && sample);
+    ASSERT_EQ(opengl->pixelWidth(), sample->pixelWidth());
+    ASSERT_EQ(opengl->pixelHeight(), sample->pixelHeight());
+    const int opaquePanel = 470;
+    EXPECT_LE(largestDifference(*opengl, *sample, opaquePanel), 3);
+
+    const GameResult window = runProgram(folder, FLAREBOX_OPENGLGAME, {});
+    EXPECT_EQ(window.status, 1);
+    EXPECT_NE(window.errors.find("cannot open a window"), std::string::npos) << window.errors;
+}
+#endif
 
 TEST(PictureTest, ComesFromAWindowToo) {
     const TemporaryDirectory folder;
