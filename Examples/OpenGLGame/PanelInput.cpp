@@ -31,6 +31,7 @@ InputResult handleButton(UIHost& panel, const SDL_MouseButtonEvent& button) {
 }
 
 InputResult handleKey(UIHost& panel, const SDL_KeyboardEvent& key) {
+    if (key.repeat != 0) return InputResult::Ignored;
     std::string name = SDL_GetKeyName(key.keysym.sym);
     std::ranges::transform(name, name.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
     return panel.keyDown(name);

@@ -105,7 +105,7 @@ TEST(PictureTest, IsTheSameThroughOpenGL) {
     ASSERT_TRUE(opengl && sample);
     ASSERT_EQ(opengl->pixelWidth(), sample->pixelWidth());
     ASSERT_EQ(opengl->pixelHeight(), sample->pixelHeight());
-    const int opaquePanel = 470;
+    const int opaquePanel = 460;
     EXPECT_LE(largestDifference(*opengl, *sample, opaquePanel), 3);
 
     const GameResult window = runProgram(folder, FLAREBOX_OPENGLGAME, {});

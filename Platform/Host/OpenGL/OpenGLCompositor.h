@@ -14,8 +14,8 @@ namespace flarebox {
 /// of the context as it was. It never asks for errors: those that the game has left are the game's.
 ///
 /// Everything is made when it is first needed. Where that fails the log says once why, and nothing is drawn. Every call
-/// needs the same context, or one that shares with it nothing less than its vertex arrays, to be current, and no
-/// transform feedback or conditional rendering to be under way. Main thread.
+/// needs the same context to be current, and no transform feedback or conditional rendering to be under way. Main
+/// thread.
 class OpenGLCompositor : public Compositor {
 public:
     explicit OpenGLCompositor(OpenGLResolver resolve);
