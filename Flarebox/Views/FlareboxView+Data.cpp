@@ -81,13 +81,26 @@ void FlareboxView::reachabilityChanged(std::int64_t status) {
 
 void FlareboxView::createGameSession() {
     if (!requireMainThread("FlareboxView::createGameSession")) return;
+    startLoad([this] {
+        infoLog("create a game session");
+        FlareboxManager::sharedInstance().createSesstion(
+            [self = Ref<FlareboxView>(this)](const Ref<FXSessionInfo>& session, const Ref<NSError>& error) {
+                self->gameSessionCreated(session, error);
+            });
+    });
+}
+
+void FlareboxView::startLoad(const std::function<void()>& load) {
     if (!isNetworkConnected() || !loadingView_->isHidden()) return;
     showLoadingView(true);
-    infoLog("create a game session");
-    FlareboxManager::sharedInstance().createSesstion(
-        [self = Ref<FlareboxView>(this)](const Ref<FXSessionInfo>& session, const Ref<NSError>& error) {
-            self->gameSessionCreated(session, error);
-        });
+    try {
+        load();
+    } catch (...) {
+        // A failed assertion, as a rule: nothing is under way, and the next refresh tries again.
+        startFreshTimer();
+        showRequestErrorMessage();
+        throw;
+    }
 }
 
 void FlareboxView::gameSessionCreated(const Ref<FXSessionInfo>& session, const Ref<NSError>& error) {
@@ -102,13 +115,13 @@ void FlareboxView::gameSessionCreated(const Ref<FXSessionInfo>& session, const R
 }
 
 void FlareboxView::loadAssets() {
-    if (!isNetworkConnected() || !loadingView_->isHidden()) return;
-    showLoadingView(true);
-    infoLog("Load common game assets");
-    FlareboxManager::sharedInstance().loadGameCommonAssets(
-        [self = Ref<FlareboxView>(this)](const std::shared_ptr<AssetList>& assets, const Ref<NSError>& error) {
-            self->assetsLoaded(assets, error);
-        });
+    startLoad([this] {
+        infoLog("Load common game assets");
+        FlareboxManager::sharedInstance().loadGameCommonAssets(
+            [self = Ref<FlareboxView>(this)](const std::shared_ptr<AssetList>& assets, const Ref<NSError>& error) {
+                self->assetsLoaded(assets, error);
+            });
+    });
 }
 
 void FlareboxView::assetsLoaded(const std::shared_ptr<AssetList>& assets, const Ref<NSError>& error) {

@@ -12,6 +12,7 @@
 #include <UIKit/UIView.h>
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <set>
@@ -204,6 +205,7 @@ private:
     void tellWhetherOpen(bool open);
 
     // FlareboxView+Data.cpp
+    void startLoad(const std::function<void()>& load);
     void reachabilityChanged(std::int64_t status);
     void gameSessionCreated(const Ref<FXSessionInfo>& session, const Ref<NSError>& error);
     void assetsLoaded(const std::shared_ptr<AssetList>& assets, const Ref<NSError>& error);

@@ -86,12 +86,18 @@ void AVPlayer::load() {
     pipeline_ = VideoPipeline::open(item_->url().absoluteString(), options, [weak = Weak<AVPlayer>(this)] {
         if (const Ref<AVPlayer> player = weak.lock()) player->pipelineChanged();
     });
+    if (!pipeline_) {
+        error_ =
+            networkError(NSURLErrorUnknown, "The system gives no thread for the video.", item_->url().absoluteString());
+        return tellObservers();
+    }
     countActivity();
 }
 
 void AVPlayer::play() {
     if (rate_ > 0 || error_ || hasEnded()) return;
     load();
+    if (error_) return;
     rate_ = 1;
     pipeline_->setPlaying(true);
     tellObservers();
@@ -112,6 +118,7 @@ AVPlayerTimeControlStatus AVPlayer::timeControlStatus() const {
 void AVPlayer::seekToTime(double seconds) {
     if (error_ || !std::isfinite(seconds)) return;
     load();
+    if (error_) return;
     soughtTime_ = std::max(seconds, 0.0);
     endIsKnown_ = false;
     pipeline_->seek(++lastSeek_, soughtTime_);

@@ -61,7 +61,8 @@ public:
     /// Whether this build has what it needs for playing videos.
     static bool isSupported();
     /// Starts to load from an http or https address. `changed` is called on the main queue after the state has
-    /// changed, several changes together once, and no more after the pipeline's end. Null where it is not supported.
+    /// changed, several changes together once, and no more after the pipeline's end. Null where it is not supported,
+    /// and when the system gives no thread for it.
     static std::unique_ptr<VideoPipeline> open(const std::string& url, const VideoOptions& options,
                                                std::function<void()> changed);
     /// Returns at once; the video is put away in the background.

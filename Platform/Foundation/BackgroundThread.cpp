@@ -1,6 +1,5 @@
 #include <Foundation/BackgroundThread.h>
 
-#include <pthread.h>
 #include <sys/resource.h>
 
 namespace flarebox {
@@ -12,8 +11,7 @@ constexpr int niceness = 5;
 
 }  // namespace
 
-void becomeBackgroundThread(const char* name) {
-    pthread_setname_np(pthread_self(), name);
+void becomeBackgroundThread() {
     // On Linux this is the thread's own.
     setpriority(PRIO_PROCESS, 0, niceness);
 }

@@ -1,5 +1,6 @@
 #include <Networking/AFImageDownloader.h>
 
+#include <Foundation/LogSink.h>
 #include <Foundation/MainQueue.h>
 #include <Foundation/Shutdown.h>
 #include <Foundation/TurnMeter.h>
@@ -8,6 +9,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <new>
 #include <utility>
 
 namespace flarebox {
@@ -15,6 +17,16 @@ namespace {
 
 bool isLargeEnough(const UIImage& image, const UIImage::Room& room) {
     return image.pixelSize().holds(room.sizeOf(image.wholeSize()));
+}
+
+/// Without memory for it now the picture stays as it is.
+Ref<UIImage> sizedWherePossible(const Ref<UIImage>& image, const UIImage::Room& room) {
+    try {
+        return image->sizedFor(room);
+    } catch (const std::bad_alloc&) {
+        LogSink::write(LogLevelError, "There is not enough memory for another size of " + image->description());
+        return image;
+    }
 }
 
 }  // namespace
@@ -69,7 +81,7 @@ void AFImageDownloader::resizeImage(const Ref<UIImage>& image, const Room& room,
     // What is called back, and what it holds, is touched and released on the main thread alone.
     WorkerThread::shared()->async([self = Ref<AFImageDownloader>(this), image, room, completion = std::move(completion),
                                    activity = std::make_shared<MainQueue::Activity>()]() mutable {
-        Ref<UIImage> resized = image->sizedFor(room);
+        Ref<UIImage> resized = sizedWherePossible(image, room);
         dispatch_async_main([self = std::move(self), resized = std::move(resized), completion = std::move(completion)] {
             TurnMeter::Part part("answers");
             self->cache_.replaceSmaller(resized);

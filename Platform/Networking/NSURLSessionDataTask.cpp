@@ -10,6 +10,7 @@
 #include <Networking/WorkerThread.h>
 
 #include <memory>
+#include <new>
 #include <unordered_map>
 #include <utility>
 
@@ -131,7 +132,12 @@ NSURLSessionDataTask::Outcome NSURLSessionDataTask::decode(const AFHTTPResponseS
         outcome.object = NSString(file);
         return outcome;
     }
-    outcome.object = serializer.responseObjectForResponse(*outcome.response, result.body, outcome.error);
+    try {
+        outcome.object = serializer.responseObjectForResponse(*outcome.response, result.body, outcome.error);
+    } catch (const std::bad_alloc&) {
+        outcome.error =
+            networkError(NSURLErrorCannotDecodeContentData, "There is not enough memory for the answer.", result.url);
+    }
     return outcome;
 }
 

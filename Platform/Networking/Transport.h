@@ -65,7 +65,7 @@ public:
         virtual ~Watch() = default;
         virtual int descriptor() const = 0;
         /// Called once when the watch begins and whenever there is something to read. Network thread, like the
-        /// destructor.
+        /// destructor; without one the main thread.
         virtual void readable() = 0;
     };
 
@@ -81,6 +81,7 @@ public:
     /// Ends a transfer without its completion. An identifier of one that has ended is ignored.
     void cancel(Identifier transfer);
 
+    /// Where the system gives no thread for it, the watch is told once, at once, and let go.
     Identifier watch(std::unique_ptr<Watch> watch);
     void unwatch(Identifier watch);
 
@@ -88,7 +89,8 @@ private:
     friend class detail::Immortal<Transport>;
     Transport() = default;
     ~Transport() = default;
-    TransferLoop& loop();
+    /// Started if need be; null when the system does not give what it takes.
+    TransferLoop* loop();
 
     std::unique_ptr<TransferLoop> loop_;
     Identifier next_ = 1;

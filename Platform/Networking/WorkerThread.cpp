@@ -11,13 +11,21 @@ namespace flarebox {
 std::shared_ptr<WorkerThread> WorkerThread::shared() {
     static detail::Immortal<std::shared_ptr<WorkerThread>> worker;
     if (!*worker) {
-        *worker = std::make_shared<WorkerThread>();
+        auto made = std::make_shared<WorkerThread>();
+        // Another one may start the next time.
+        if (!made->isWorking_) return made;
+        *worker = std::move(made);
         Shutdown::addHandler([] { std::exchange(*worker, nullptr)->stop(); });
     }
     return *worker;
 }
 
-WorkerThread::WorkerThread() : thread_([this] { run(); }) {}
+WorkerThread::WorkerThread()
+    : isWorking_(thread_.start("flarebox-decode", [this] {
+          becomeBackgroundThread();
+          while (queue_.runNext() != WorkQueue::Turn::Stopped) {
+          }
+      })) {}
 
 WorkerThread::~WorkerThread() {
     stop();
@@ -25,13 +33,12 @@ WorkerThread::~WorkerThread() {
 
 void WorkerThread::stop() {
     queue_.stop();
-    if (thread_.joinable()) thread_.join();
+    thread_.join();
 }
 
-void WorkerThread::run() {
-    becomeBackgroundThread("flarebox-decode");
-    while (queue_.runNext() != WorkQueue::Turn::Stopped) {
-    }
+void WorkerThread::async(Work work) {
+    if (!isWorking_) return work();
+    queue_.add(std::move(work));
 }
 
 }  // namespace flarebox

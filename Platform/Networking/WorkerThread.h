@@ -1,13 +1,14 @@
 #pragma once
 
+#include <Foundation/Thread.h>
 #include <Foundation/WorkQueue.h>
 
 #include <memory>
-#include <thread>
 
 namespace flarebox {
 
 /// A thread that decodes answers, one after the other, so that neither the main thread nor the transfers wait for it.
+/// Where the system gives no thread they have to: the work is done where it comes up.
 class WorkerThread {
 public:
     using Work = WorkQueue::Work;
@@ -22,15 +23,14 @@ public:
     WorkerThread& operator=(const WorkerThread&) = delete;
 
     /// Any thread. After `stop` the work is dropped.
-    void async(Work work) { queue_.add(std::move(work)); }
+    void async(Work work);
     /// Joins the thread. Main thread.
     void stop();
 
 private:
-    void run();
-
     WorkQueue queue_;
-    std::thread thread_;
+    Thread thread_;
+    const bool isWorking_;
 };
 
 }  // namespace flarebox

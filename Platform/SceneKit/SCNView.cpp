@@ -124,6 +124,7 @@ void SCNView::sceneDidChange() {
         startTime_ = Clock::current().uptime();
         // Pictures of the former model, one still being drawn included, are not for this one.
         picture_.reset();
+        SceneRenderer::shared().tryAgain();
         canvas_ = std::make_shared<detail::SceneCanvas>();
     }
     refresh();
@@ -179,10 +180,10 @@ bool SCNView::takePicture() {
     detail::SceneCanvas::Result result;
     if (!canvas_->takeResult(result)) return false;
     // What stands for the broken model, its floor for example, is to go.
-    if (!result.failures.empty()) isOutOfDate_ = true;
+    if (!result.failures.empty() && !result.picture.pixels.empty()) isOutOfDate_ = true;
     for (const std::string& failure : result.failures) report(failure);
     if (result.picture.pixels.empty()) {
-        if (!std::exchange(saidUnavailable_, true)) report(unavailableReason());
+        if (result.failures.empty() && !std::exchange(saidUnavailable_, true)) report(unavailableReason());
         return false;
     }
     picture_ = std::make_unique<detail::ScenePicture>(std::move(result.picture));

@@ -5,9 +5,17 @@
 #include <Foundation/Shutdown.h>
 #include <SceneKit/ModelSource.h>
 
+#include <new>
 #include <utility>
 
 namespace flarebox::detail {
+namespace {
+
+/// What renderer and graphics driver start and open. They end the process when they are refused some of them.
+constexpr int threadsOfEngine = 32, descriptorsOfEngine = 32;
+
+}  // namespace
+
 ModelSource::~ModelSource() {
     SceneRenderer::shared().modelReleased();
 }
@@ -37,15 +45,28 @@ void SceneRenderer::submit(const std::shared_ptr<SceneCanvas>& canvas, SceneFram
         canvas->isBusy_ = true;
         canvas->frame_ = std::move(frame);
     }
-    std::lock_guard lock(mutex_);
-    waiting_.push_back(canvas);
-    changed_.notify_one();
-    if (!thread_.joinable()) start();
+    {
+        std::lock_guard lock(mutex_);
+        waiting_.push_back(canvas);
+        changed_.notify_one();
+    }
+    if (!isRunning()) start();
 }
 
 std::string SceneRenderer::unavailableReason() const {
     std::lock_guard lock(mutex_);
     return unavailableReason_;
+}
+
+void SceneRenderer::tryAgain() {
+    std::lock_guard lock(mutex_);
+    if (std::exchange(reasonMayPass_, false)) unavailableReason_.clear();
+}
+
+void SceneRenderer::setUnavailable(std::string reason, bool mayPass) {
+    std::lock_guard lock(mutex_);
+    unavailableReason_ = std::move(reason);
+    reasonMayPass_ = mayPass;
 }
 
 void SceneRenderer::modelReleased() noexcept {
@@ -60,12 +81,14 @@ void SceneRenderer::setEngineMaker(EngineMaker maker) {
 
 void SceneRenderer::start() {
     isStopping_ = modelReleased_ = false;
-    thread_ = std::thread([this, maker = engineMaker_ ? engineMaker_ : EngineMaker(makeSceneEngine)] { run(maker); });
-    Shutdown::addHandler([this] { stop(); });
+    const auto maker = engineMaker_ ? engineMaker_ : EngineMaker(makeSceneEngine);
+    if (thread_.start("flarebox-scene", [this, maker] { run(maker); })) return Shutdown::addHandler([this] { stop(); });
+    setUnavailable("3D models cannot be shown: the system gives no thread for them", true);
+    for (const auto& canvas : std::exchange(waiting_, {})) drawInto(*canvas, nullptr);
 }
 
 void SceneRenderer::stop() {
-    if (!thread_.joinable()) return;
+    if (!isRunning()) return;
     std::deque<std::shared_ptr<SceneCanvas>> dropped;
     {
         std::lock_guard lock(mutex_);
@@ -81,19 +104,10 @@ void SceneRenderer::stop() {
     }
 }
 
-void SceneRenderer::run(const EngineMaker& makeEngine) {
+void SceneRenderer::run(const EngineMaker& maker) {
     // Where a processor has to stand in for the graphics hardware, the game's own frames come first.
-    becomeBackgroundThread("flarebox-scene");
-    std::string reason;
-    const std::unique_ptr<SceneEngine> engine = makeEngine(reason);
-    if (!engine) {
-        std::lock_guard lock(mutex_);
-        unavailableReason_ = reason.empty() ? "3D models cannot be shown" : reason;
-    }
-    work(engine.get());
-}
-
-void SceneRenderer::work(SceneEngine* engine) {
+    becomeBackgroundThread();
+    std::unique_ptr<SceneEngine> engine;
     std::unique_lock lock(mutex_);
     while (true) {
         changed_.wait(lock, [this] { return isStopping_ || modelReleased_ || !waiting_.empty(); });
@@ -106,10 +120,22 @@ void SceneRenderer::work(SceneEngine* engine) {
         const bool modelReleased = std::exchange(modelReleased_, false);
         lock.unlock();
         if (modelReleased && engine) engine->releaseUnused();
-        if (canvas) drawInto(*canvas, engine);
+        if (canvas && !engine) engine = makeEngine(maker);
+        if (canvas) drawInto(*canvas, engine.get());
         canvas = nullptr;
         lock.lock();
     }
+}
+
+std::unique_ptr<SceneEngine> SceneRenderer::makeEngine(const EngineMaker& maker) {
+    if (const std::string lack = lackOf(threadsOfEngine, descriptorsOfEngine); !lack.empty()) {
+        setUnavailable("3D models cannot be shown: " + lack, true);
+        return nullptr;
+    }
+    std::string reason;
+    auto engine = maker(reason);
+    if (!engine) setUnavailable(reason.empty() ? "3D models cannot be shown" : reason, false);
+    return engine;
 }
 
 void SceneRenderer::drawInto(SceneCanvas& canvas, SceneEngine* engine) {
@@ -119,7 +145,11 @@ void SceneRenderer::drawInto(SceneCanvas& canvas, SceneEngine* engine) {
         frame = std::move(canvas.frame_);
     }
     SceneCanvas::Result result;
-    if (engine) result.picture = engine->draw(frame, result.failures);
+    try {
+        if (engine) result.picture = engine->draw(frame, result.failures);
+    } catch (const std::bad_alloc&) {
+        result.failures.emplace_back("there is not enough memory for the picture of a model");
+    }
     std::lock_guard lock(canvas.mutex_);
     canvas.result_ = std::move(result);
     canvas.isFinished_ = true;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Foundation/Thread.h>
 #include <SceneKit/SceneEngine.h>
 
 #include <condition_variable>
@@ -7,7 +8,6 @@
 #include <functional>
 #include <memory>
 #include <mutex>
-#include <thread>
 
 namespace flarebox {
 namespace detail {
@@ -49,13 +49,15 @@ public:
     void submit(const std::shared_ptr<SceneCanvas>& canvas, SceneFrame frame);
     /// Why nothing can be drawn; empty as long as that is not known. Any thread.
     std::string unavailableReason() const;
+    /// Forgets a reason that may have passed meanwhile, lack of threads for example.
+    void tryAgain();
     /// A model is not held by anybody any more: the engine may drop it. Any thread.
     void modelReleased() noexcept;
     /// Another engine from the next start of the thread on; null for the usual one.
     void setEngineMaker(EngineMaker maker);
     /// Waits for the picture being drawn and ends the thread; the next frame starts it anew.
     void stop();
-    bool isRunning() const { return thread_.joinable(); }
+    bool isRunning() const { return thread_.isRunning(); }
 
 private:
     friend class Immortal<SceneRenderer>;
@@ -63,17 +65,18 @@ private:
     ~SceneRenderer() = default;
 
     void start();
-    void run(const EngineMaker& makeEngine);
-    void work(SceneEngine* engine);
+    void run(const EngineMaker& maker);
+    std::unique_ptr<SceneEngine> makeEngine(const EngineMaker& maker);
+    void setUnavailable(std::string reason, bool mayPass);
     static void drawInto(SceneCanvas& canvas, SceneEngine* engine);
 
     mutable std::mutex mutex_;
     std::condition_variable changed_;
     std::deque<std::shared_ptr<SceneCanvas>> waiting_;
     std::string unavailableReason_;
-    bool isStopping_ = false, modelReleased_ = false;
+    bool reasonMayPass_ = false, isStopping_ = false, modelReleased_ = false;
     EngineMaker engineMaker_;
-    std::thread thread_;
+    Thread thread_;
 };
 
 }  // namespace detail

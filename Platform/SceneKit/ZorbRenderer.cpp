@@ -3,7 +3,21 @@
 #include <SceneKit/ModelFile.h>
 #include <SceneKit/ModelSource.h>
 
+#include <new>
+
 namespace flarebox {
+namespace {
+
+std::optional<detail::ModelSummary> summaryOf(const std::string& file, std::string& failure) {
+    try {
+        return detail::readModelSummary(file, failure);
+    } catch (const std::bad_alloc&) {
+        failure = "there is not enough memory for it";
+        return std::nullopt;
+    }
+}
+
+}  // namespace
 
 const ClassInfo& ZorbRenderer::staticClass() {
     static const ClassInfo info("ZorbRenderer", &NSObject::staticClass(), createObject<ZorbRenderer>);
@@ -13,7 +27,7 @@ const ClassInfo& ZorbRenderer::staticClass() {
 Ref<SCNNode> ZorbRenderer::createSCNNodeFromFile(std::string_view path) {
     lastError_ = nullptr;
     std::string file(path), failure;
-    const auto summary = detail::readModelSummary(file, failure);
+    const auto summary = summaryOf(file, failure);
     if (!summary) {
         lastError_ = NSError::errorWithDomain(ZorbErrorDomain, 1, file + ": " + failure);
         return nullptr;

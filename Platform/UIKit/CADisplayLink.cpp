@@ -1,6 +1,7 @@
 #include <UIKit/CADisplayLink.h>
 
 #include <algorithm>
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -20,7 +21,8 @@ Links& links() {
 
 }  // namespace
 
-CADisplayLink::CADisplayLink(std::function<void(double now)> callback) : callback_(std::move(callback)) {
+CADisplayLink::CADisplayLink(std::function<void(double now)> callback)
+    : callback_(std::make_shared<const std::function<void(double)>>(std::move(callback))) {
     links().all.push_back(this);
 }
 
@@ -38,18 +40,22 @@ bool CADisplayLink::isAnyActive() {
 void CADisplayLink::runFrame(double now) {
     std::vector<CADisplayLink*>& all = links().all;
     if (all.empty() || links().areCalled) return;
-    links().areCalled = true;
+    // A callback may throw, which ends this frame and nothing else.
+    const struct Calling {
+        Calling() { links().areCalled = true; }
+        ~Calling() {
+            links().areCalled = false;
+            std::erase(links().all, nullptr);
+        }
+    } calling;
     // By index: callbacks may make links, whose turn comes with the next frame.
     const std::size_t count = all.size();
     for (std::size_t index = 0; index < count; ++index) {
         if (!all[index]) continue;
-        // Taken out meanwhile: the callback may destroy its own link.
-        std::function<void(double)> callback = std::move(all[index]->callback_);
-        callback(now);
-        if (all[index]) all[index]->callback_ = std::move(callback);
+        // Held here meanwhile: the callback may destroy its own link.
+        const auto callback = all[index]->callback_;
+        (*callback)(now);
     }
-    links().areCalled = false;
-    std::erase(all, nullptr);
 }
 
 }  // namespace flarebox

@@ -1,13 +1,15 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 
 namespace flarebox {
 
 /// Calls back once a frame for as long as it exists: what moves by itself holds one while it moves. Main thread.
 class CADisplayLink {
 public:
-    /// `callback` gets the clock's uptime in seconds. It may destroy this or any other link.
+    /// `callback` gets the clock's uptime in seconds. It may destroy this or any other link. One that
+    /// throws is called again the next time.
     explicit CADisplayLink(std::function<void(double now)> callback);
     ~CADisplayLink();
     CADisplayLink(const CADisplayLink&) = delete;
@@ -19,7 +21,7 @@ public:
     static void runFrame(double now);
 
 private:
-    std::function<void(double)> callback_;
+    const std::shared_ptr<const std::function<void(double)>> callback_;
 };
 
 }  // namespace flarebox

@@ -13,4 +13,8 @@ void openFontsInBackground();
 /// Whether texts are still measured by estimate. Main thread.
 bool fontsAreOpening();
 
+/// Whether the system gives what opening another font takes. Where it does not, which is said on standard error, fonts
+/// count as being opened until it does. The library would end the process. Main thread.
+bool anotherFontCanBeOpened();
+
 }  // namespace flarebox

@@ -139,13 +139,19 @@ void TouchDispatcher::end(Track& track, bool isCancelled, CGPoint point) {
     UITouch& touch = *track.touch;
     touch.update(isCancelled ? UITouchPhase::Cancelled : UITouchPhase::Ended, point, Clock::current().uptime());
     track.dropViewOutside(window_);
+    // The touch is over even if an action throws.
+    const struct Reset {
+        ~Reset() {
+            for (const auto& recognizer : track.recognizers) recognizer->reset();
+        }
+        Track& track;
+    } reset{track};
     track.tellRecognizers(isCancelled ? &UIGestureRecognizer::touchesCancelled : &UIGestureRecognizer::touchesEnded);
     if (isCancelled) {
         track.takeFromView();
     } else if (const Ref<UIView> view = track.view.lock(); view && track.viewHasTouch) {
         view->touchesEnded(touch);
     }
-    for (const auto& recognizer : track.recognizers) recognizer->reset();
 }
 
 InputResult TouchDispatcher::hovered(CGPoint point) {

@@ -30,6 +30,10 @@ enum class UIDeviceOrientation : std::int64_t {
 /// false, and are named in the log. One host exists at a time: a second one does nothing, and the log says so. Inside a
 /// callback of the kit the game may do everything but call `update` and `draw`, which do nothing there, and end the
 /// host adapter, which may end in a callback of `update` only.
+///
+/// An exception passes through these calls where a failed assertion or a callback of the host's raises it. The callback
+/// that threw is over, its timer or link comes again; what the call still had to do is done by the next `update`, and a
+/// load that did not begin is tried again with the next refresh. A host that catches it may go on.
 class UIHost {
 public:
     /// The host in force, or null. Any thread.

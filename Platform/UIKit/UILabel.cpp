@@ -36,10 +36,14 @@ const ClassInfo& UILabel::staticClass() {
 
 UILabel::UILabel() {
     setUserInteractionEnabled(false);
-    if (fontsAreOpening())
-        NSNotificationCenter::defaultCenter().addObserver(*this, "fontsDidOpen", UIFontsDidOpenNotification);
+    followFonts();
 }
 UILabel::~UILabel() = default;
+
+void UILabel::followFonts() {
+    if (!fontsAreOpening() || std::exchange(followsFonts_, true)) return;
+    NSNotificationCenter::defaultCenter().addObserver(*this, "fontsDidOpen", UIFontsDidOpenNotification);
+}
 
 template <class T>
 void UILabel::change(T& field, const T& value, bool sizeChanged) {
@@ -50,6 +54,7 @@ void UILabel::change(T& field, const T& value, bool sizeChanged) {
 }
 
 void UILabel::contentChanged(bool sizeChanged) {
+    followFonts();
     if (sizeChanged) invalidateIntrinsicContentSize();
     setNeedsDisplay();
 }
@@ -57,6 +62,7 @@ void UILabel::contentChanged(bool sizeChanged) {
 void UILabel::fontsDidOpen() {
     NSNotificationCenter::defaultCenter().removeObserver(*this, UIFontsDidOpenNotification, nullptr);
     fits_ = {};
+    followsFonts_ = false;
     contentChanged(true);
 }
 
@@ -161,6 +167,7 @@ void UILabel::drawTextInRect(Canvas& canvas, const CGRect& rect, const UIColor& 
 }
 
 void UILabel::drawRect(Canvas& canvas, const CGRect& bounds) {
+    followFonts();
     drawTextInRect(canvas, insetBy(bounds, contentInsets_), style_.color);
 }
 

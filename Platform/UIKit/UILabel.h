@@ -71,6 +71,7 @@ protected:
 private:
     template <class T>
     void change(T& field, const T& value, bool sizeChanged);
+    void followFonts();
     void fontsDidOpen();
     CGFloat iconWidth() const;
     TextStyle fittedStyle(TextStyle style, CGFloat width) const;
@@ -89,7 +90,7 @@ private:
         CGSize size;
     };
     mutable std::array<Fit, 2> fits_;
-    bool adjustsFontSize_ = false;
+    bool adjustsFontSize_ = false, followsFonts_ = false;
 };
 
 }  // namespace flarebox

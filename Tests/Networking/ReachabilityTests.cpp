@@ -139,7 +139,7 @@ TEST_F(ReachabilityTest, TheBuiltInMonitorReportsSoonAndAfterEveryStart) {
     EXPECT_TRUE(pumpUntil([&] { return reports_.size() == 2; }));
     manager_.startMonitoring();
     EXPECT_TRUE(pumpUntil([&] { return reports_.size() == 3; }));
-    const std::int64_t status = reachabilityOf(interfaceAddresses(), Loopback::Counts);
+    const std::int64_t status = reachabilityOf(interfaceAddresses().value(), Loopback::Counts);
     EXPECT_EQ(reports_.back(), status);
 }
 

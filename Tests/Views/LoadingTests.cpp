@@ -1,4 +1,5 @@
 #include <AdSupport/ASIdentifierManager.h>
+#include <Foundation/NSAssertionHandler.h>
 #include <Tests/Views/TabTesting.h>
 #include <UIKit/UICollectionView.h>
 #include <UIKit/UIImageView.h>
@@ -182,6 +183,36 @@ TEST_F(LoadingTest, AHostMayChangeItsGameAtAnyTime) {
     ASSERT_TRUE(settle([&] { return !tab_->isNetworkConnected(); }));
     tab_->updateWithNewGameUDID();
     EXPECT_FALSE(shown("loadingView")) << "not without a network";
+}
+
+TEST_F(LoadingTest, AFailedAssertionEndsTheFrameAndNotTheTab) {
+    FlareboxConfig& config = FlareboxConfig::defaultConfig();
+    struct Case {
+        const char* load;
+        bool hasSession;
+    };
+    for (const Case& each : {Case{"session", false}, Case{"list", true}}) {
+        SCOPED_TRACE(each.load);
+        config.setGameUID(nullptr);
+        FlareboxManager::sharedInstance().setSessionInfo(each.hasSession ? FXSessionInfo::initWithDictionary({})
+                                                                         : nullptr);
+        makeTab()->showAtWindow();
+        bool isThrown = false;
+        try {
+            ASSERT_TRUE(settle([&] { return !field("lbErrorMessage")->isHidden(); }));
+        } catch (const NSException&) {
+            isThrown = true;
+        }
+        EXPECT_EQ(isThrown, NSAssertionHandler::assertionsActive());
+        EXPECT_TRUE(field("loadingView")->isHidden());
+        EXPECT_FALSE(field("lbErrorMessage")->isHidden());
+
+        config.setGameUID("game-1");
+        pass(config.getTimeRefresh() + 1.0);
+        EXPECT_TRUE(settle([&] { return tab_->currentAsset() != nullptr; }));
+        EXPECT_TRUE(field("lbErrorMessage")->isHidden());
+        tab_->removeFromSuperview();
+    }
 }
 
 TEST_F(LoadingTest, AnEmptyListIsSaidAndAskedForAgain) {

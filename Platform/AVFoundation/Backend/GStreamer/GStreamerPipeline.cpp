@@ -12,8 +12,9 @@ namespace {
 /// Hands every command on to the video thread.
 class GStreamerPipeline : public VideoPipeline {
 public:
-    GStreamerPipeline(const std::string& url, const VideoOptions& options, std::function<void()> changed)
-        : thread_(VideoThread::shared()),
+    GStreamerPipeline(std::shared_ptr<VideoThread> thread, const std::string& url, const VideoOptions& options,
+                      std::function<void()> changed)
+        : thread_(std::move(thread)),
           board_(std::make_shared<PlaybackBoard>(std::move(changed))),
           playback_(std::make_shared<Playback>(*thread_, board_, url, options)) {
         thread_->async([playback = playback_] { playback->open(); });
@@ -51,7 +52,9 @@ bool VideoPipeline::isSupported() {
 
 std::unique_ptr<VideoPipeline> VideoPipeline::open(const std::string& url, const VideoOptions& options,
                                                    std::function<void()> changed) {
-    return std::make_unique<GStreamerPipeline>(url, options, std::move(changed));
+    auto thread = VideoThread::shared();
+    if (!thread) return nullptr;
+    return std::make_unique<GStreamerPipeline>(std::move(thread), url, options, std::move(changed));
 }
 
 }  // namespace flarebox

@@ -2,6 +2,7 @@
 
 #include <Foundation/Clock.h>
 #include <Foundation/NSError.h>
+#include <Foundation/Thread.h>
 #include <gst/gst.h>
 
 #include <algorithm>
@@ -23,6 +24,9 @@ bool initializeLibrary() {
 double now() {
     return Clock::real().uptime();
 }
+
+/// What the library starts and opens for one video. It ends the process when it is refused some of them.
+constexpr int threadsOfOne = 24, descriptorsOfOne = 32;
 
 /// Seconds that the library gets to make something of a file that has arrived as a whole.
 constexpr double longestThought = 12;
@@ -56,6 +60,8 @@ void Playback::open() {
 
 void Playback::start() {
     ++pipeline_;
+    if (const std::string lack = lackOf(threadsOfOne, descriptorsOfOne); !lack.empty())
+        return fail({NSURLErrorUnknown, lack});
     if (initializeLibrary()) playbin_ = makePlaybin(url_, options_, *this);
     if (!playbin_) return fail({NSURLErrorUnknown, "This machine lacks what is needed for playing videos."});
     lastProgress_ = now();

@@ -3,8 +3,6 @@
 #include <Foundation/Immortal.h>
 #include <Foundation/Shutdown.h>
 
-#include <pthread.h>
-
 #include <algorithm>
 #include <chrono>
 #include <utility>
@@ -21,22 +19,25 @@ constexpr std::chrono::milliseconds watchInterval{100};
 
 std::shared_ptr<VideoThread> VideoThread::shared() {
     static detail::Immortal<std::shared_ptr<VideoThread>> thread;
-    if (!*thread) {
-        *thread = std::make_shared<VideoThread>();
-        Shutdown::addHandler([] { std::exchange(*thread, nullptr)->stop(); });
-    }
+    if (*thread) return *thread;
+    auto made = std::make_shared<VideoThread>();
+    if (!made->start()) return nullptr;
+    *thread = std::move(made);
+    Shutdown::addHandler([] { std::exchange(*thread, nullptr)->stop(); });
     return *thread;
 }
-
-VideoThread::VideoThread() : thread_([this] { run(); }) {}
 
 VideoThread::~VideoThread() {
     stop();
 }
 
+bool VideoThread::start() {
+    return thread_.start("flarebox-video", [this] { run(); });
+}
+
 void VideoThread::stop() {
     queue_.stop();
-    if (thread_.joinable()) thread_.join();
+    thread_.join();
 }
 
 void VideoThread::add(std::shared_ptr<Playback> playback) {
@@ -49,7 +50,6 @@ void VideoThread::remove(const std::shared_ptr<Playback>& playback) {
 
 void VideoThread::run() {
     using Turn = WorkQueue::Turn;
-    pthread_setname_np(pthread_self(), "flarebox-video");
     while (true) {
         const Turn turn = hasWaitingPlayback() ? queue_.runNext(watchInterval) : queue_.runNext();
         if (turn == Turn::Stopped) break;

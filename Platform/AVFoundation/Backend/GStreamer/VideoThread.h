@@ -1,9 +1,9 @@
 #pragma once
 
+#include <Foundation/Thread.h>
 #include <Foundation/WorkQueue.h>
 
 #include <memory>
-#include <thread>
 #include <vector>
 
 namespace flarebox {
@@ -15,14 +15,15 @@ class VideoThread {
 public:
     using Work = WorkQueue::Work;
 
-    /// The shared one, started if need be; Shutdown::run() joins it. Main thread.
+    /// The shared one, started if need be; Shutdown::run() joins it. Null when the system gives no thread. Main thread.
     static std::shared_ptr<VideoThread> shared();
 
-    VideoThread();
+    VideoThread() = default;
     ~VideoThread();
     VideoThread(const VideoThread&) = delete;
     VideoThread& operator=(const VideoThread&) = delete;
 
+    [[nodiscard]] bool start();
     /// Any thread. After `stop` the work is dropped.
     void async(Work work) { queue_.add(std::move(work)); }
     /// Closes every playback and joins the thread. Main thread.
@@ -41,7 +42,7 @@ private:
     WorkQueue queue_;
     /// Of the thread itself.
     std::vector<std::shared_ptr<Playback>> playbacks_;
-    std::thread thread_;
+    Thread thread_;
 };
 
 }  // namespace flarebox

@@ -6,6 +6,7 @@
 #include <Networking/UserAgent.h>
 
 #include <algorithm>
+#include <new>
 #include <utility>
 
 namespace flarebox {
@@ -248,13 +249,23 @@ bool CurlTransfer::storeBody(std::string_view bytes) {
         refusal_ = Refusal::FileFailed;
         return false;
     }
+    // Nothing may be thrown through the library.
+    try {
+        keepBody(bytes);
+        return true;
+    } catch (const std::bad_alloc&) {
+        refusal_ = Refusal::OutOfMemory;
+        return false;
+    }
+}
+
+void CurlTransfer::keepBody(std::string_view bytes) {
     if (body_.empty()) {
         curl_off_t announced = -1;
         curl_easy_getinfo(handle(), CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &announced);
         if (announced > 0) body_.reserve(std::min<std::uint64_t>(announced, request_.maximumBodyLength));
     }
     body_.append(bytes);
-    return true;
 }
 
 void CurlTransfer::finishBody() {
@@ -266,6 +277,10 @@ void CurlTransfer::finishBody() {
 
 Ref<NSError> CurlTransfer::errorFor(CURLcode code) {
     if (refusal_ == Refusal::BodyTooLong) return networkError(NSURLErrorDataLengthExceedsMaximum, request_.url);
+    if (refusal_ == Refusal::OutOfMemory) {
+        return networkError(NSURLErrorCannotDecodeContentData, "There is not enough memory for the answer.",
+                            request_.url);
+    }
     if (refusal_ == Refusal::FileFailed) return fileFailure(*request_.file, NSURLErrorCannotWriteToFile, request_.url);
     if (refusal_ == Refusal::HeaderTooLong) return networkError(NSURLErrorBadServerResponse, request_.url);
     if (code == CURLE_UNSUPPORTED_PROTOCOL && isRedirect(handle()) && isSecure(handle())) {

@@ -39,7 +39,7 @@ public:
 
 private:
     /// Why one of our own functions ended the transfer.
-    enum class Refusal { None, BodyTooLong, HeaderTooLong, FileFailed };
+    enum class Refusal { None, BodyTooLong, HeaderTooLong, FileFailed, OutOfMemory };
 
     static void setUpCallbacks(CURL* curl);
     void setUp();
@@ -51,6 +51,7 @@ private:
     std::size_t receiveBody(std::string_view bytes);
     bool isSuccess() const;
     bool storeBody(std::string_view bytes);
+    void keepBody(std::string_view bytes);
     void finishBody();
     void beginAnswer();
     void addResponseField(std::string_view line);

@@ -3,7 +3,6 @@
 #include <Foundation/Clock.h>
 #include <Foundation/MainQueue.h>
 
-#include <pthread.h>
 #include <signal.h>
 #include <sys/epoll.h>
 
@@ -41,11 +40,11 @@ TransferLoop::TransferLoop() : noProxy_(hostsWithoutProxy()) {
     multi_.reset(curl_multi_init());
     curl_multi_setopt(multi_.get(), CURLMOPT_MAXCONNECTS, keptConnections);
     sockets_.attachToMulti(multi_.get());
-    thread_ = std::thread([this] { run(); });
+    static_cast<void>(events_.isUsable() && thread_.start("flarebox-net", [this] { run(); }));
 }
 
 TransferLoop::~TransferLoop() {
-    order([](Orders& orders) { orders.stop = true; });
+    if (isRunning()) order([](Orders& orders) { orders.stop = true; });
     thread_.join();
 }
 
@@ -105,7 +104,6 @@ const std::vector<EventSet::Event>& TransferLoop::waitForEvents() {
 }
 
 void TransferLoop::run() {
-    pthread_setname_np(pthread_self(), "flarebox-net");
     sigset_t brokenPipe;
     sigemptyset(&brokenPipe);
     sigaddset(&brokenPipe, SIGPIPE);

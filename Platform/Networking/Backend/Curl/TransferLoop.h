@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Foundation/Thread.h>
 #include <Networking/Backend/Curl/CurlHandles.h>
 #include <Networking/Backend/Curl/CurlSockets.h>
 #include <Networking/Backend/Curl/CurlTransfer.h>
@@ -9,7 +10,6 @@
 
 #include <mutex>
 #include <string>
-#include <thread>
 #include <unordered_map>
 #include <vector>
 
@@ -27,6 +27,9 @@ public:
     ~TransferLoop();
     TransferLoop(const TransferLoop&) = delete;
     TransferLoop& operator=(const TransferLoop&) = delete;
+
+    /// Whether the system gave what it takes. Without, nothing else may be called.
+    bool isRunning() const { return thread_.isRunning(); }
 
     /// Never waits for the network thread.
     void start(Identifier identifier, TransferRequest request, Transport::Completion completion);
@@ -90,7 +93,7 @@ private:
     std::vector<EasyHandle> spareHandles_;
     /// What is completed once the lock is let go of: whoever learns of an answer may want to send again at once.
     std::vector<CurlTransfer::Ended> ended_;
-    std::thread thread_;
+    Thread thread_;
 };
 
 }  // namespace flarebox

@@ -3,6 +3,9 @@
 #include <Foundation/Immortal.h>
 #include <Foundation/Shutdown.h>
 #include <Networking/Backend/Curl/TransferLoop.h>
+#include <Networking/NetworkError.h>
+
+#include <utility>
 
 namespace flarebox {
 
@@ -11,16 +14,24 @@ Transport& Transport::shared() {
     return *transport;
 }
 
-TransferLoop& Transport::loop() {
-    if (!loop_) {
-        loop_ = std::make_unique<TransferLoop>();
-        Shutdown::addHandler([this] { loop_.reset(); });
-    }
-    return *loop_;
+TransferLoop* Transport::loop() {
+    if (loop_) return loop_.get();
+    auto loop = std::make_unique<TransferLoop>();
+    if (!loop->isRunning()) return nullptr;
+    loop_ = std::move(loop);
+    Shutdown::addHandler([this] { loop_.reset(); });
+    return loop_.get();
 }
 
 Transport::Identifier Transport::start(TransferRequest request, Completion completion) {
-    loop().start(next_, std::move(request), std::move(completion));
+    if (TransferLoop* const running = loop()) {
+        running->start(next_, std::move(request), std::move(completion));
+    } else {
+        TransferResult result;
+        result.error = networkError(NSURLErrorCannotConnectToHost,
+                                    "The system gives no thread or no files for the network.", request.url);
+        completion(std::move(result));
+    }
     return next_++;
 }
 
@@ -29,7 +40,10 @@ void Transport::cancel(Identifier transfer) {
 }
 
 Transport::Identifier Transport::watch(std::unique_ptr<Watch> watch) {
-    loop().watch(next_, std::move(watch));
+    if (TransferLoop* const running = loop())
+        running->watch(next_, std::move(watch));
+    else
+        watch->readable();
     return next_++;
 }
 

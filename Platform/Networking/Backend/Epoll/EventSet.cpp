@@ -28,7 +28,9 @@ EventSet::EventSet()
 }
 
 EventSet::~EventSet() {
-    for (const int descriptor : {bell_, alarm_, events_}) close(descriptor);
+    for (const int descriptor : {bell_, alarm_, events_}) {
+        if (descriptor >= 0) close(descriptor);
+    }
 }
 
 void EventSet::watch(int descriptor, std::uint32_t events) {

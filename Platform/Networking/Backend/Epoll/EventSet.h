@@ -21,6 +21,8 @@ public:
     EventSet(const EventSet&) = delete;
     EventSet& operator=(const EventSet&) = delete;
 
+    /// Whether the system gave it the descriptors that it needs itself. Otherwise it never sleeps.
+    bool isUsable() const { return events_ >= 0 && alarm_ >= 0 && bell_ >= 0; }
     /// Adds the descriptor, or changes what it is watched for. Any thread.
     void watch(int descriptor, std::uint32_t events);
     /// Any thread. A descriptor that is closed leaves by itself.

@@ -37,9 +37,9 @@ bool isMobileModem(std::string_view name) {
 
 }  // namespace
 
-std::vector<InterfaceAddress> interfaceAddresses() {
+std::optional<std::vector<InterfaceAddress>> interfaceAddresses() {
     ifaddrs* list = nullptr;
-    if (getifaddrs(&list) != 0) return {};
+    if (getifaddrs(&list) != 0) return std::nullopt;
     std::unique_ptr<ifaddrs, decltype(&freeifaddrs)> owner(list, freeifaddrs);
     std::vector<InterfaceAddress> addresses;
     for (const ifaddrs* entry = list; entry; entry = entry->ifa_next) {

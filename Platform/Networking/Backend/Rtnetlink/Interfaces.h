@@ -2,6 +2,7 @@
 
 #include <Networking/NetworkMonitor.h>
 
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -17,8 +18,9 @@ struct InterfaceAddress {
     bool isLinkLocal = false;
 };
 
-/// Every address of the machine, as the kernel knows them now. Takes some microseconds; any thread.
-std::vector<InterfaceAddress> interfaceAddresses();
+/// Every address of the machine, as the kernel knows them now; nothing when it cannot be asked. Takes some
+/// microseconds; any thread.
+std::optional<std::vector<InterfaceAddress>> interfaceAddresses();
 
 AFNetworkReachabilityStatus reachabilityOf(std::span<const InterfaceAddress> addresses,
                                            NetworkMonitor::Loopback loopback);

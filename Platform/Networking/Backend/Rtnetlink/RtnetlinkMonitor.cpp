@@ -42,7 +42,10 @@ public:
         std::array<char, 8192> notices;
         while (socket_ >= 0 && recv(socket_, notices.data(), notices.size(), 0) >= 0) {
         }
-        auto status = reachabilityOf(interfaceAddresses(), loopback_);
+        const auto addresses = interfaceAddresses();
+        // Where the machine cannot be asked, a request will tell.
+        const auto status =
+            addresses ? reachabilityOf(*addresses, loopback_) : AFNetworkReachabilityStatusReachableViaWiFi;
         if (std::exchange(reported_, status) != status) report_(status);
     }
 

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
+#include <new>
 #include <numbers>
 #include <utility>
 
@@ -182,8 +183,12 @@ FilamentModel* FilamentEngine::modelFor(const SceneFrame::Item& item, std::vecto
     entry.source = item.model;
     entry.model = nullptr;
     std::string failure;
-    if (const auto contents = readModelContents(item.model->path(), failure))
-        entry.model = FilamentModel::load(*engine_, *loader_, *contents, failure);
+    try {
+        if (const auto contents = readModelContents(item.model->path(), failure))
+            entry.model = FilamentModel::load(*engine_, *loader_, *contents, failure);
+    } catch (const std::bad_alloc&) {
+        failure = "there is not enough memory for it";
+    }
     if (!entry.model) {
         item.model->setBroken();
         failures.push_back(item.model->path() + ": " + failure);

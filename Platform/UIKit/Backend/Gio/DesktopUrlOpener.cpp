@@ -1,6 +1,7 @@
 #include <Foundation/Immortal.h>
 #include <Foundation/LogSink.h>
 #include <Foundation/Shutdown.h>
+#include <Foundation/Thread.h>
 #include <UIKit/Backend/Gio/DesktopUrlOpener.h>
 
 #include <gio/gio.h>
@@ -10,7 +11,6 @@
 #include <memory>
 #include <mutex>
 #include <string>
-#include <thread>
 #include <utility>
 
 namespace flarebox {
@@ -31,7 +31,7 @@ constexpr std::size_t longestQueue = 8;
 /// is done asynchronously on the thread's own context, where it can be given up at any moment.
 class LaunchThread {
 public:
-    LaunchThread() : cancellable_(g_cancellable_new()), context_(g_main_context_new()), thread_([this] { run(); }) {}
+    LaunchThread() : cancellable_(g_cancellable_new()), context_(g_main_context_new()) {}
 
     ~LaunchThread() {
         {
@@ -42,6 +42,10 @@ public:
         g_cancellable_cancel(cancellable_.get());
         g_main_context_wakeup(context_.get());
         thread_.join();
+    }
+
+    bool start() {
+        return thread_.start("flarebox-links", [this] { run(); });
     }
 
     bool launch(std::string url) {
@@ -99,7 +103,7 @@ private:
     std::condition_variable condition_;
     std::deque<std::string> links_;
     bool stopping_ = false;
-    std::thread thread_;
+    Thread thread_;
 };
 
 class DesktopUrlOpener : public UrlOpener {
@@ -112,14 +116,23 @@ public:
 
     bool openURL(const NSURL& url) override {
         if (!canOpenURL(url)) return false;
-        if (!thread_) {
-            thread_ = std::make_unique<LaunchThread>();
-            Shutdown::addHandler([this] { thread_.reset(); });
-        }
-        return thread_->launch(url.absoluteString());
+        return (thread_ || start()) && thread_->launch(url.absoluteString());
     }
 
 private:
+    bool start() {
+        // The library ends the process when it is refused what its message bus needs.
+        if (const std::string lack = lackOf(4, 8); !lack.empty()) {
+            std::fprintf(stderr, "UIApplication: cannot open a link: %s\n", lack.c_str());
+            return false;
+        }
+        auto made = std::make_unique<LaunchThread>();
+        if (!made->start()) return false;
+        thread_ = std::move(made);
+        Shutdown::addHandler([this] { thread_.reset(); });
+        return true;
+    }
+
     std::unique_ptr<LaunchThread> thread_;
 };
 

@@ -120,6 +120,15 @@ void drawLines(cairo_t& cairo, const TextLayout& text, NSTextAlignment alignment
     }
 }
 
+bool canBeLaidOut(std::string_view text, const TextStyle& style, CGFloat width) {
+    if (fontsAreOpening()) return false;
+    if (isInUse.load(std::memory_order_relaxed)) {
+        const std::lock_guard lock(shared().mutex);
+        if (shared().layouts.opensNoFont(text, style, width)) return true;
+    }
+    return anotherFontCanBeOpened();
+}
+
 }  // namespace
 
 void draw(cairo_t& cairo, std::string_view text, const TextStyle& style, const CGRect& rect) {
@@ -141,7 +150,7 @@ void draw(cairo_t& cairo, std::string_view text, const TextStyle& style, const C
 }  // namespace text
 
 CGSize measureText(std::string_view text, const TextStyle& style, CGFloat width) {
-    if (!fontsAreOpening()) return text::sizeOf(text, style, width);
+    if (text::canBeLaidOut(text, style, width)) return text::sizeOf(text, style, width);
     text::awaited().add(text, style, width);
     return text::estimatedSize(text, style, width);
 }

@@ -69,6 +69,11 @@ CGFloat widestLine(PangoLayout& layout, int lineCount) {
     return pango_units_to_double(widest);
 }
 
+LayoutQuery queryFor(std::string_view text, const TextStyle& style, int numberOfLines, CGFloat width) {
+    return {shortened(text), style.font, std::max(0, numberOfLines), libraryWidth(width),
+            style.lineBreakMode == NSLineBreakMode::ByTruncatingTail};
+}
+
 }  // namespace
 
 std::string cleanText(std::string_view text, bool severalLines) {
@@ -108,8 +113,7 @@ std::size_t LayoutKeyHash::operator()(const LayoutQuery& query) const noexcept {
 }
 
 const TextLayout& TextLayouts::find(std::string_view text, const TextStyle& style, int numberOfLines, CGFloat width) {
-    const LayoutQuery query(shortened(text), style.font, std::max(0, numberOfLines), libraryWidth(width),
-                            style.lineBreakMode == NSLineBreakMode::ByTruncatingTail);
+    const LayoutQuery query = queryFor(text, style, numberOfLines, width);
     if (const auto found = recent_.find(query); found != recent_.end()) return found->second;
     if (recent_.size() >= generationSize) {
         older_ = std::move(recent_);
@@ -130,6 +134,15 @@ LineMetrics TextLayouts::lineMetrics(const UIFont& font) {
         fonts_.closeUnused();
     }
     return metrics_.emplace(LayoutKey{{}, font}, fonts_.lineMetrics(font)).first->second;
+}
+
+bool TextLayouts::opensNoFont(std::string_view text, const TextStyle& style, CGFloat width) const {
+    const auto isBasicLatin = [](char c) { return (c & 0x80) == 0; };
+    if (!metrics_.contains(LayoutQuery({}, style.font, 0, -1, false))) return false;
+    if (std::ranges::all_of(text, isBasicLatin)) return true;
+    // Other letters may be another font's.
+    const LayoutQuery query = queryFor(text, style, style.numberOfLines, width);
+    return recent_.contains(query) || older_.contains(query);
 }
 
 TextLayout TextLayouts::build(const LayoutKey& key) {

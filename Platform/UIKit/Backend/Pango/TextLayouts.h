@@ -67,6 +67,8 @@ public:
     /// `numberOfLines` overrules that of the style. The layout stays valid until the next call.
     const TextLayout& find(std::string_view text, const TextStyle& style, int numberOfLines, CGFloat width);
     LineMetrics lineMetrics(const UIFont& font);
+    /// Whether finding this text opens no font.
+    bool opensNoFont(std::string_view text, const TextStyle& style, CGFloat width) const;
     /// How many texts were not remembered.
     std::uint64_t builtCount() const { return built_; }
 

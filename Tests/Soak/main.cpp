@@ -1,0 +1,120 @@
+// A virtual week of a game with the tab in it: ten thousand refreshes, random use, a network that flaps and a service
+// whose content changes. Prints what the process holds as time goes by, and fails when that grows.
+
+#include <Tests/Endurance/Stage.h>
+#include <Tests/Endurance/Usage.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+
+namespace flarebox::endurance {
+namespace {
+
+using RealClock = std::chrono::steady_clock;
+
+constexpr std::size_t refreshes = 10000;
+constexpr double week = 7 * 24 * 3600.0;
+constexpr std::int32_t period = static_cast<std::int32_t>(week / refreshes);
+constexpr std::size_t lines = 40;
+
+/// The week, as far as it fits into the real time that there is.
+class Week {
+public:
+    explicit Week(double minutes)
+        : deadline_(RealClock::now() +
+                    std::chrono::duration_cast<RealClock::duration>(std::chrono::duration<double>(minutes * 60))) {}
+
+    bool play() {
+        std::printf("%8s %10s %10s %8s %12s %8s\n", "day", "refreshes", "heap MiB", "threads", "descriptors", "wrong");
+        stage_.showLoadedTab();
+        for (; done_ < refreshes && RealClock::now() < deadline_; ++done_) {
+            refresh();
+            usage_.push_back(Usage::now());
+            if (done_ % (refreshes / lines) == 0) print();
+        }
+        print();
+        wrong_ += !stage_.end().empty();
+        return isFlat();
+    }
+
+private:
+    /// One period of the countdown: some use of the tab, and then the time that is left of it.
+    void refresh() {
+        sharedService().forgetRequests();
+        if (stage_.once(3)) changeContent();
+        for (std::size_t step = stage_.below(6); step > 0; --step) {
+            if (stage_.once(5)) stage_.disturb();
+            stage_.act();
+        }
+        stage_.has3D = stage_.once(10);
+        if (!stage_.tab->superview()) stage_.tab->showAtWindow();
+        stage_.frames(30);
+        stage_.tab->toggleFlarebox(true, false);
+        stage_.tab->toggleFlarebox(false, false);
+        stage_.tab->changeRefreshDataTime(period);
+        MainQueue::advance(stage_.clock, period - 5);
+        if (stage_.once(20)) requireThatItIsWell();
+    }
+
+    /// Once network and service are well, one refresh is enough.
+    void requireThatItIsWell() {
+        stage_.heal();
+        stage_.settleIdle();
+        stage_.tab->changeRefreshDataTime(period);
+        MainQueue::advance(stage_.clock, period + 1);
+        const bool isWell = stage_.settle([&] { return stage_.tab->currentAsset() && MainQueue::shared().isIdle(); }) &&
+                            stage_.field("lbErrorMessage")->isHidden() && stage_.field("loadingView")->isHidden();
+        wrong_ += !isWell;
+        if (!isWell) std::printf("wrong after refresh %zu\n", done_);
+    }
+
+    void changeContent() {
+        const std::string number = std::to_string(stage_.below(50)), base = sharedService().baseURL();
+        sharedService().behave(
+            "/game/common-assets/",
+            {.body = R"([{"id":)" + number + R"(,"uid":"asset-)" + number + R"(","title":"Asset )" + number +
+                     R"(","file_icon":")" + base + "/media/icons/halo-one.png?" + number + R"(","file_image":")" +
+                     base + "/media/images/halo-one.png?" + number + R"("}])",
+             .times = 1});
+    }
+
+    void print() const {
+        if (usage_.empty()) return;
+        const Usage& now = usage_.back();
+        std::printf("%8.2f %10zu %10.1f %8zu %12zu %8zu\n", stage_.clock.uptime() / 86400, done_,
+                    static_cast<double>(now.heapBytes) / (1 << 20), now.threads, now.descriptors, wrong_);
+        std::fflush(stdout);
+    }
+
+    bool isFlat() {
+        const double heap = growth(usage_, &Usage::heapBytes) / (1 << 20);
+        const double threads = growth(usage_, &Usage::threads), descriptors = growth(usage_, &Usage::descriptors);
+        std::printf("\n%.1f virtual days, %zu of %zu refreshes, peak %zu MiB\n", stage_.clock.uptime() / 86400, done_,
+                    refreshes, peakMiB());
+        std::printf("growth: heap %.2f MiB, threads %.0f, descriptors %.0f; wrong states %zu\n", heap, threads,
+                    descriptors, wrong_);
+        const bool isGood = heap <= 1 && threads <= 0 && descriptors <= 0 && wrong_ == 0;
+        report("soak, refreshes of a virtual week", done_, done_ - wrong_,
+               isGood ? 0 : std::max<std::size_t>(wrong_, 1));
+        return isGood;
+    }
+
+    RealClock::time_point deadline_;
+    Stage stage_{static_cast<std::uint32_t>(setting("FLAREBOX_SEED", 1))};
+    std::vector<Usage> usage_;
+    std::size_t done_ = 0, wrong_ = 0;
+};
+
+}  // namespace
+}  // namespace flarebox::endurance
+
+int main(int argc, char** argv) {
+    const double minutes = argc == 2 ? std::atof(argv[1]) : 0;
+    if (!(minutes > 0)) {
+        std::fprintf(stderr, "usage: %s MINUTES\n", argv[0]);
+        return 2;
+    }
+    return flarebox::endurance::Week(minutes).play() ? 0 : 1;
+}

@@ -1,0 +1,26 @@
+#!/usr/bin/env bash
+# The long form of what ./test tries briefly: 1,000 rounds of a host's and a tab's life, 200 processes that end with everything under way,
+# and every shortage of the system. Writes build/reliability/endurance.tsv: test, cases, survived, failures, peak in MiB.
+#   scripts/endurance.sh [asan|tsan|valgrind]
+# The sanitizers take fewer rounds, and valgrind very few.
+source "$(dirname "$0")/prepare.sh"
+install_packages
+preset=debug runner=()
+export FLAREBOX_ROUNDS=${FLAREBOX_ROUNDS:-1000} FLAREBOX_EXITS=${FLAREBOX_EXITS:-200}
+export ASAN_OPTIONS=detect_leaks=1:detect_stack_use_after_return=1
+export LSAN_OPTIONS=suppressions=$PWD/Tests/lsan.supp:print_suppressions=0
+export TSAN_OPTIONS=suppressions=$PWD/Tests/tsan.supp:halt_on_error=1
+case "${1:-}" in
+    asan|tsan) preset=$1 ;;
+    valgrind)
+        install_packages scripts/packages-valgrind.txt
+        export FLAREBOX_ROUNDS=5
+        runner=(valgrind --quiet --error-exitcode=1 --fair-sched=yes --suppressions=Tests/valgrind.supp --gen-suppressions=all) ;;
+esac
+build "$preset" EnduranceTests
+mkdir -p build/reliability
+export FLAREBOX_RELIABILITY=$PWD/build/reliability/endurance${1:+-$1}.tsv
+rm -f "$FLAREBOX_RELIABILITY"
+filter='*'
+[ ${#runner[@]} = 0 ] || filter='LifeCycleTest.*'
+exec "${runner[@]}" "build/$preset/Tests/EnduranceTests" --gtest_filter="$filter"
