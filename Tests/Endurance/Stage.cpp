@@ -4,6 +4,7 @@
 #include <Flarebox/Core/FlareboxBundle.h>
 #include <Foundation/NSFileManager.h>
 #include <Foundation/NSTimer.h>
+#include <Foundation/NSUserDefaults.h>
 #include <Foundation/Shutdown.h>
 #include <Networking/AFNetworkReachabilityManager.h>
 #include <Tests/Endurance/Usage.h>
@@ -41,6 +42,10 @@ Stage::Stage(std::uint32_t seed, Time time, const std::string& serviceURL)
     : time_(time), random_(seed), network_(make<ManualNetworkMonitor>(AFNetworkReachabilityStatusReachableViaWiFi)) {
     flareboxBundle().setInfoDictionaryValue("API_URL", serviceURL.empty() ? sharedService().baseURL() : serviceURL);
     NSFileManager::defaultManager().setDocumentsDirectory(documents_.path());
+    NSUserDefaults& settings = NSUserDefaults::standardUserDefaults();
+    settings.setFile(settings_.path("settings"));
+    // In seconds: a service that hangs is given up soon.
+    settings.setObject(1, "timeoutInterval");
     if (time == Time::Virtual) Clock::setCurrent(&clock);
     AVPlayerSettings silent;
     silent.hasSound = false;

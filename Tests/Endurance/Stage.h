@@ -75,7 +75,7 @@ private:
 
     Time time_;
     std::mt19937 random_;
-    testing::TemporaryDirectory documents_;
+    testing::TemporaryDirectory documents_, settings_;
     Ref<ManualNetworkMonitor> network_;
     std::vector<Weak<FlareboxView>> tabs_;
     struct Calls {

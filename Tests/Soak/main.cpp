@@ -17,14 +17,14 @@ using RealClock = std::chrono::steady_clock;
 constexpr std::size_t refreshes = 10000;
 constexpr double week = 7 * 24 * 3600.0;
 constexpr std::int32_t period = static_cast<std::int32_t>(week / refreshes);
-constexpr std::size_t lines = 40;
+constexpr int lines = 40;
 
 /// The week, as far as it fits into the real time that there is.
 class Week {
 public:
     explicit Week(double minutes)
-        : deadline_(RealClock::now() +
-                    std::chrono::duration_cast<RealClock::duration>(std::chrono::duration<double>(minutes * 60))) {}
+        : available_(std::chrono::duration_cast<RealClock::duration>(std::chrono::duration<double>(minutes * 60))),
+          deadline_(RealClock::now() + available_) {}
 
     bool play() {
         std::printf("%8s %10s %10s %8s %12s %8s\n", "day", "refreshes", "heap MiB", "threads", "descriptors", "wrong");
@@ -32,8 +32,9 @@ public:
         for (; done_ < refreshes && RealClock::now() < deadline_; ++done_) {
             refresh();
             usage_.push_back(Usage::now());
-            if (done_ % (refreshes / lines) == 0) print();
+            if (RealClock::now() >= nextLine_) print();
         }
+        if (usage_.empty()) return false;
         print();
         wrong_ += !stage_.end().empty();
         return isFlat();
@@ -80,8 +81,8 @@ private:
              .times = 1});
     }
 
-    void print() const {
-        if (usage_.empty()) return;
+    void print() {
+        nextLine_ = RealClock::now() + available_ / lines;
         const Usage& now = usage_.back();
         std::printf("%8.2f %10zu %10.1f %8zu %12zu %8zu\n", stage_.clock.uptime() / 86400, done_,
                     static_cast<double>(now.heapBytes) / (1 << 20), now.threads, now.descriptors, wrong_);
@@ -101,7 +102,9 @@ private:
         return isGood;
     }
 
-    RealClock::time_point deadline_;
+    const RealClock::duration available_;
+    const RealClock::time_point deadline_;
+    RealClock::time_point nextLine_ = RealClock::now();
     Stage stage_{static_cast<std::uint32_t>(setting("FLAREBOX_SEED", 1))};
     std::vector<Usage> usage_;
     std::size_t done_ = 0, wrong_ = 0;

@@ -73,7 +73,7 @@ TEST_F(ThrowingTest, OneFrameIsLostAndNothingElse) {
              thrower_->throwsInLayout = true;
              thrower_->setNeedsLayout();
          },
-         true},
+         false},
     };
     const CADisplayLink before([&](double) { ++framesBefore; });
     for (const Case& each : cases) {
