@@ -18,9 +18,22 @@ Handlers& handlers() {
     return *list;
 }
 
+/// A thread's own objects go first when it ends the process. Functions given to `atexit` come after those of libraries
+/// that were loaded later, a graphics driver's compiler for example, which then have put away what our threads still
+/// use.
+struct ThreadEnd {
+    bool isAwaited = false;
+    ~ThreadEnd() {
+        if (isAwaited) Shutdown::run();
+    }
+};
+thread_local ThreadEnd mainThreadEnd;
+
 }  // namespace
 
 void Shutdown::addHandler(std::function<void()> handler) {
+    mainThreadEnd.isAwaited = true;
+    // For a process that another thread ends.
     [[maybe_unused]] static const int registered = std::atexit([] { Shutdown::run(); });
     if (handler) handlers().push_back(std::move(handler));
 }

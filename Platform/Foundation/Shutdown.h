@@ -11,7 +11,7 @@ class Shutdown {
 public:
     static void addHandler(std::function<void()> handler);
     /// Runs and forgets all handlers, then drops what is left on the main queue, so that nothing is called back any
-    /// more. Runs by itself at the end of the process.
+    /// more. Runs by itself at the end of the main thread or of the process.
     static void run();
 };
 

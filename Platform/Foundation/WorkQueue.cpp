@@ -22,6 +22,11 @@ void WorkQueue::stop() {
     changed_.notify_one();
 }
 
+bool WorkQueue::isStopped() {
+    std::lock_guard lock(mutex_);
+    return isStopped_;
+}
+
 WorkQueue::Turn WorkQueue::runNext(std::optional<std::chrono::milliseconds> patience) {
     std::unique_lock lock(mutex_);
     const auto hasNews = [this] { return isStopped_ || !pending_.empty(); };

@@ -19,6 +19,7 @@ public:
     void add(Work work);
     /// Drops what has not begun, for good. Any thread.
     void stop();
+    bool isStopped();
 
     enum class Turn : std::uint8_t { Worked, TimedOut, Stopped };
     /// On the thread that works: waits for the next piece of work, for `patience` at most if given, and does it.

@@ -6,20 +6,16 @@
 #include <gst/gst.h>
 
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
+#include "LibraryOpening.h"
 #include "PlaybackFailure.h"
 #include "Playbin.h"
 #include "VideoThread.h"
 
 namespace flarebox {
 namespace {
-
-/// Loads the library. The first time on a machine it looks at all of its plug-ins, which may take a second.
-bool initializeLibrary() {
-    static const bool isInitialized = gst_init_check(nullptr, nullptr, nullptr);
-    return isInitialized;
-}
 
 double now() {
     return Clock::real().uptime();
@@ -62,10 +58,18 @@ void Playback::start() {
     ++pipeline_;
     if (const std::string lack = lackOf(threadsOfOne, descriptorsOfOne); !lack.empty())
         return fail({NSURLErrorUnknown, lack});
-    if (initializeLibrary()) playbin_ = makePlaybin(url_, options_, *this);
+    if (openLibrary()) playbin_ = makePlaybin(url_, options_, *this);
     if (!playbin_) return fail({NSURLErrorUnknown, "This machine lacks what is needed for playing videos."});
     lastProgress_ = now();
     gst_element_set_state(playbin_, GST_STATE_PAUSED);
+}
+
+bool Playback::openLibrary() const {
+    using State = LibraryOpening::State;
+    constexpr std::chrono::milliseconds step(5);
+    State state = LibraryOpening::shared().waitFor(step);
+    while (state == State::Opening && !thread_.isStopping()) state = LibraryOpening::shared().waitFor(step);
+    return state == State::Open;
 }
 
 void Playback::close() {

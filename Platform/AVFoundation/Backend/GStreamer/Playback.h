@@ -60,6 +60,8 @@ private:
     };
 
     void start();
+    /// False when that fails, or the thread stops first.
+    bool openLibrary() const;
     /// When a message was posted, by the counts of what makes it an old one.
     struct Moment {
         unsigned pipeline, flushes;

@@ -30,6 +30,7 @@ public:
     void stop();
 
     // On the thread itself.
+    bool isStopping() { return queue_.isStopped(); }
     /// Keeps the playback and has it look at the time now and then, until it is removed.
     void add(std::shared_ptr<Playback> playback);
     void remove(const std::shared_ptr<Playback>& playback);
