@@ -26,7 +26,7 @@ bool isFileForGood(int descriptor) {
     return descriptor > STDERR_FILENO && fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
 }
 
-bool isMemoryRefused(std::size_t size) {
+[[maybe_unused]] bool isMemoryRefused(std::size_t size) {
     const char* const threads = shortThreads;
     if (!threads || size < largestSize) return false;
     std::array<char, 16> name{};
