@@ -52,7 +52,7 @@ std::size_t peakMiB() {
 
 double growth(const std::vector<Usage>& values, std::size_t Usage::*what) {
     if (values.empty()) return 0;
-    return least(values, what, 0.75, 1) - least(values, what, 0.1, 0.5);
+    return least(values, what, 0.75, 1) - least(values, what, 0.25, 0.5);
 }
 
 void report(const std::string& test, std::size_t cases, std::size_t survived, std::size_t failures) {

@@ -20,7 +20,7 @@ std::vector<std::string> threadNames();
 std::size_t peakMiB();
 
 /// What an ever growing process would show: by how much the least of the last quarter of the values exceeds the least
-/// of those between the first tenth, in which caches fill, and the middle. What comes and goes does not count.
+/// of those between the first quarter, in which caches fill, and the middle. What comes and goes does not count.
 double growth(const std::vector<Usage>& values, std::size_t Usage::*what);
 
 /// Adds a line to the table of the file that the environment variable FLAREBOX_RELIABILITY names, if it does: test,
