@@ -1,3 +1,4 @@
+#include <Foundation/LogSink.h>
 #include <Foundation/Thread.h>
 
 #include <fcntl.h>
@@ -89,7 +90,8 @@ bool Thread::start(const char* name, std::function<void()> run) {
         });
         return true;
     } catch (const std::system_error& error) {
-        std::fprintf(stderr, "Thread: \"%s\" does not start: %s\n", name, error.code().message().c_str());
+        LogSink::write(LogLevelError,
+                       "Thread: \"" + std::string(name) + "\" does not start: " + error.code().message());
         return false;
     }
 }

@@ -1,6 +1,7 @@
 #include <UIKit/FontOpening.h>
 
 #include <Foundation/BackgroundThread.h>
+#include <Foundation/LogSink.h>
 #include <Foundation/MainQueue.h>
 #include <Foundation/NSNotificationCenter.h>
 #include <Foundation/Shutdown.h>
@@ -8,7 +9,6 @@
 #include <UIKit/BitmapCanvas.h>
 
 #include <atomic>
-#include <cstdio>
 #include <memory>
 #include <string>
 #include <utility>
@@ -82,7 +82,7 @@ bool fontsAreOpening() {
 bool anotherFontCanBeOpened() {
     const std::string lack = lackOf(threadsOfFont, descriptorsOfFont);
     if (lack.empty() || isLacking) return lack.empty();
-    std::fprintf(stderr, "Flarebox: some texts are not shown: %s\n", lack.c_str());
+    LogSink::write(LogLevelError, "Flarebox: some texts are not shown: " + lack);
     isLacking = true;
     dispatch_after_main(recoveryInterval, lookWhetherItHasPassed);
     Shutdown::addHandler([] { isLacking = false; });

@@ -123,7 +123,7 @@ private:
     bool start() {
         // The library ends the process when it is refused what its message bus needs.
         if (const std::string lack = lackOf(4, 8); !lack.empty()) {
-            std::fprintf(stderr, "UIApplication: cannot open a link: %s\n", lack.c_str());
+            LogSink::write(LogLevelError, "UIApplication: cannot open a link: " + lack);
             return false;
         }
         auto made = std::make_unique<LaunchThread>();
