@@ -98,10 +98,17 @@ void SceneRenderer::stop() {
     }
     thread_.join();
     unavailableReason_.clear();
-    for (const auto& canvas : dropped) {
-        std::lock_guard lock(canvas->mutex_);
-        canvas->isBusy_ = false;
-    }
+    for (const auto& canvas : dropped) letGo(*canvas);
+}
+
+bool SceneRenderer::isStopping() const {
+    std::lock_guard lock(mutex_);
+    return isStopping_;
+}
+
+void SceneRenderer::letGo(SceneCanvas& canvas) {
+    std::lock_guard lock(canvas.mutex_);
+    canvas.isBusy_ = false;
 }
 
 void SceneRenderer::run(const EngineMaker& maker) {
@@ -121,7 +128,11 @@ void SceneRenderer::run(const EngineMaker& maker) {
         lock.unlock();
         if (modelReleased && engine) engine->releaseUnused();
         if (canvas && !engine) engine = makeEngine(maker);
-        if (canvas) drawInto(*canvas, engine.get());
+        // The first picture takes longest, and nobody sees it any more.
+        if (canvas && isStopping())
+            letGo(*canvas);
+        else if (canvas)
+            drawInto(*canvas, engine.get());
         canvas = nullptr;
         lock.lock();
     }

@@ -68,6 +68,8 @@ private:
     void run(const EngineMaker& maker);
     std::unique_ptr<SceneEngine> makeEngine(const EngineMaker& maker);
     void setUnavailable(std::string reason, bool mayPass);
+    bool isStopping() const;
+    static void letGo(SceneCanvas& canvas);
     static void drawInto(SceneCanvas& canvas, SceneEngine* engine);
 
     mutable std::mutex mutex_;

@@ -8,10 +8,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <thread>
 
 namespace flarebox::endurance {
 namespace {
@@ -75,6 +77,15 @@ void warmUp(const std::string& activity) {
     }
 }
 
+/// The time that a process has to end, in seconds. A machine that has several things to do for each of its processors
+/// needs that much longer, and more for threads that let others go first.
+double limit() {
+    const auto slack = static_cast<double>(setting("FLAREBOX_SLACK", 5));
+    double load = 0;
+    if (slack > 1) getloadavg(&load, 1);
+    return longestEnd * sanitizerShare * std::max(slack, 4 * load / std::thread::hardware_concurrency());
+}
+
 Arguments partOf(std::size_t number) {
     std::mt19937 random(static_cast<std::uint32_t>(number));
     return {"leave",
@@ -124,7 +135,6 @@ TEST(ExitTest, AProcessEndsAtOnceWhateverIsUnderWay) {
     for (const char* activity : {"models", "videos"})
         playPart({"leave", sharedService().baseURL(), "1", activity, "warm up", "0"});
     const std::size_t count = setting("FLAREBOX_EXITS", 12), first = setting("FLAREBOX_SEED", 1);
-    const double limit = longestEnd * sanitizerShare * static_cast<double>(setting("FLAREBOX_SLACK", 5));
     const bool isTalkative = setting("FLAREBOX_TRACE", 0) > 0;
     std::size_t failures = 0;
     for (std::size_t number = first; number < first + count; ++number) {
@@ -134,12 +144,12 @@ TEST(ExitTest, AProcessEndsAtOnceWhateverIsUnderWay) {
         constexpr int attempts = 5;
         for (int attempt = 0; attempt < attempts; ++attempt) {
             ending = playPart(part);
-            if (ending.status != 0 || ending.seconds <= limit) break;
+            if (ending.status != 0 || ending.seconds <= limit()) break;
         }
         const std::string what = part[3] + ", " + part[4] + " after " + part[5] + " ms, seed " + part[2];
         EXPECT_EQ(ending.status, 0) << what << "\n" << ending.output;
-        EXPECT_LE(ending.seconds, limit) << what << "\n" << ending.output;
-        failures += ending.status != 0 || ending.seconds > limit;
+        EXPECT_LE(ending.seconds, limit()) << what << "\n" << ending.output;
+        failures += ending.status != 0 || ending.seconds > limit();
         if (isTalkative) std::printf("%5.0f ms  %s\n", ending.seconds * 1000, what.c_str());
     }
     report("exits of processes", count, count - failures, failures);
