@@ -119,8 +119,8 @@ private:
                     descriptors, wrong_);
         std::printf("heap after the end of host and tab: %.1f MiB\n",
                     static_cast<double>(Usage::now().heapBytes) / mebibyte);
-        // Caches of pictures and of libraries come and go.
-        const bool isGood = heap <= kept / 10 && threads <= 4 && descriptors <= 4 && wrong_ == 0;
+        // Caches of pictures and of libraries, and connections, come and go.
+        const bool isGood = heap <= kept / 5 && threads <= 4 && descriptors <= 16 && wrong_ == 0;
         report("soak, refreshes of a virtual week", done_, done_ - wrong_,
                isGood ? 0 : std::max<std::size_t>(wrong_, 1));
         return isGood;
