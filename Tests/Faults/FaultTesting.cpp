@@ -40,6 +40,10 @@ std::string lineOf(const fs::path& path) {
 /// Seconds of real time after which the kit gives up waiting for the service.
 void setServiceTimeout(int seconds) {
     NSUserDefaults::standardUserDefaults().setObject(seconds, "timeoutInterval");
+    AVPlayerSettings silent;
+    silent.hasSound = false;
+    silent.stallTimeout = seconds;
+    AVPlayer::setSettings(silent);
 }
 
 FaultProxy& sharedProxy() {
@@ -77,10 +81,6 @@ void FaultTest::SetUp() {
     // The kit reads the address of its service once.
     sharedProxy();
     NSUserDefaults::standardUserDefaults().setFile("");
-    AVPlayerSettings silent;
-    silent.hasSound = false;
-    silent.stallTimeout = 1;
-    AVPlayer::setSettings(silent);
 }
 
 void FaultTest::TearDown() {
