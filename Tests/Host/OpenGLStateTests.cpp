@@ -101,7 +101,7 @@ constexpr Getter indexedGetters[] = {
 
 using State = std::map<std::string, std::vector<GLint>>;
 
-/// A game with an object of every kind and a framebuffer of two colour buffers.
+/// A game with an object of every kind and a framebuffer of two colour buffers, each pixel of them of four samples.
 class StateTest : public OpenGLTest {
 protected:
     static constexpr int width = SampleQuads::width, height = SampleQuads::height;
@@ -115,7 +115,7 @@ protected:
         glGenSamplers(static_cast<GLsizei>(std::size(samplers_)), samplers_);
         glGenVertexArrays(1, &vertexArray_);
         glGenFramebuffers(2, framebuffers_);
-        glGenRenderbuffers(1, &depth_);
+        glGenRenderbuffers(static_cast<GLsizei>(std::size(renderbuffers_)), renderbuffers_);
         makeProgram();
     }
 
@@ -172,26 +172,23 @@ protected:
     }
 
     void bindFramebuffers() {
-        const auto attach = [](GLenum place, GLuint texture) {
-            glBindTexture(GL_TEXTURE_2D, texture);
-            glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, width, height, 0, GL_RGBA, GL_UNSIGNED_BYTE, nullptr);
-            glFramebufferTexture2D(GL_FRAMEBUFFER, place, GL_TEXTURE_2D, texture, 0);
+        const auto attach = [this](GLenum place, GLenum format, int samples, int index) {
+            glBindRenderbuffer(GL_RENDERBUFFER, renderbuffers_[index]);
+            glRenderbufferStorageMultisample(GL_RENDERBUFFER, samples, format, width, height);
+            glFramebufferRenderbuffer(GL_FRAMEBUFFER, place, GL_RENDERBUFFER, renderbuffers_[index]);
         };
-        glBindBuffer(GL_PIXEL_UNPACK_BUFFER, 0);
+        glBindFramebuffer(GL_FRAMEBUFFER, framebuffers_[1]);
+        attach(GL_COLOR_ATTACHMENT0, GL_RGBA8, 0, 3);
         glBindFramebuffer(GL_FRAMEBUFFER, framebuffers_[0]);
-        attach(GL_COLOR_ATTACHMENT0, textures_[8]);
-        attach(GL_COLOR_ATTACHMENT1, textures_[9]);
-        glBindRenderbuffer(GL_RENDERBUFFER, depth_);
-        glRenderbufferStorage(GL_RENDERBUFFER, GL_DEPTH24_STENCIL8, width, height);
-        glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_DEPTH_STENCIL_ATTACHMENT, GL_RENDERBUFFER, depth_);
+        attach(GL_COLOR_ATTACHMENT0, GL_RGBA8, 4, 0);
+        attach(GL_COLOR_ATTACHMENT1, GL_RGBA8, 4, 1);
+        attach(GL_DEPTH_STENCIL_ATTACHMENT, GL_DEPTH24_STENCIL8, 4, 2);
         constexpr GLenum both[] = {GL_COLOR_ATTACHMENT0, GL_COLOR_ATTACHMENT1};
         glDrawBuffers(2, both);
         glClearColor(0, 0, 0, 1);
         glClearDepthf(0);
         glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
         glBindFramebuffer(GL_READ_FRAMEBUFFER, framebuffers_[1]);
-        glBindBuffer(GL_PIXEL_UNPACK_BUFFER, buffers_[2]);
-        glBindTexture(GL_TEXTURE_2D, textures_[3]);
     }
 
     static void setBlending() {
@@ -208,7 +205,10 @@ protected:
              {GL_SCISSOR_TEST, GL_DEPTH_TEST, GL_STENCIL_TEST, GL_CULL_FACE, GL_DITHER, GL_RASTERIZER_DISCARD,
               GL_SAMPLE_ALPHA_TO_COVERAGE, GL_SAMPLE_COVERAGE, GL_POLYGON_OFFSET_FILL})
             glEnable(test);
-        if (version_ >= (isES() ? 31 : 33)) glEnable(GL_SAMPLE_MASK);
+        if (version_ >= (isES() ? 31 : 33)) {
+            glEnable(GL_SAMPLE_MASK);
+            glSampleMaski(0, 5);
+        }
         if (version_ >= (isES() ? 30 : 43)) glEnable(GL_PRIMITIVE_RESTART_FIXED_INDEX);
         glScissor(3, 4, 5, 6);
         glViewport(7, 8, 9, 10);
@@ -240,7 +240,6 @@ protected:
              {GL_POLYGON_SMOOTH, GL_SAMPLE_ALPHA_TO_ONE, GL_COLOR_LOGIC_OP, GL_FRAMEBUFFER_SRGB, GL_PRIMITIVE_RESTART,
               GL_DEPTH_CLAMP, GL_CLIP_DISTANCE0, GL_CLIP_DISTANCE5})
             glEnable(capability);
-        glDisable(GL_MULTISAMPLE);
         glPixelStorei(GL_UNPACK_SWAP_BYTES, GL_TRUE);
         glPolygonMode(GL_FRONT_AND_BACK, GL_LINE);
         glLogicOp(GL_INVERT);
@@ -307,12 +306,17 @@ protected:
         glActiveTexture(static_cast<GLenum>(active));
     }
 
-    static std::vector<std::uint32_t> read(GLenum attachment, GLuint framebuffer) {
+    /// What the game's framebuffer shows in one of its buffers.
+    std::vector<std::uint32_t> read(GLenum attachment) const {
+        glDisable(GL_SCISSOR_TEST);
         glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
         glPixelStorei(GL_PACK_ROW_LENGTH, 0);
         glPixelStorei(GL_PACK_ALIGNMENT, 4);
-        glBindFramebuffer(GL_READ_FRAMEBUFFER, framebuffer);
+        glBindFramebuffer(GL_READ_FRAMEBUFFER, framebuffers_[0]);
+        glBindFramebuffer(GL_DRAW_FRAMEBUFFER, framebuffers_[1]);
         glReadBuffer(attachment);
+        glBlitFramebuffer(0, 0, width, height, 0, 0, width, height, GL_COLOR_BUFFER_BIT, GL_NEAREST);
+        glBindFramebuffer(GL_READ_FRAMEBUFFER, framebuffers_[1]);
         std::vector<std::uint32_t> rows(std::size_t{width} * height), pixels;
         glReadPixels(0, 0, width, height, GL_RGBA, GL_UNSIGNED_BYTE, rows.data());
         for (std::size_t y = height; y-- > 0;) {
@@ -325,8 +329,8 @@ protected:
     }
 
     int version_ = 0;
-    GLuint buffers_[6] = {}, textures_[10] = {}, samplers_[4] = {}, framebuffers_[2] = {};
-    GLuint vertexArray_ = 0, depth_ = 0, program_ = 0;
+    GLuint buffers_[6] = {}, textures_[8] = {}, samplers_[4] = {}, framebuffers_[2] = {}, renderbuffers_[4] = {};
+    GLuint vertexArray_ = 0, program_ = 0;
 };
 
 INSTANTIATE_TEST_SUITE_P(OpenGL, StateTest, ::testing::ValuesIn(glKinds), kindName);
@@ -356,8 +360,8 @@ TEST_P(StateTest, IsTheGamesAgainAfterEveryCallAndDoesNotShow) {
     compositor.endFrame();
     expectSame("uploading within a frame");
 
-    EXPECT_LE(difference(read(GL_COLOR_ATTACHMENT0, framebuffers_[0]), SampleQuads::expected(0xFF000000)), rounding);
-    const std::vector<std::uint32_t> second = read(GL_COLOR_ATTACHMENT1, framebuffers_[0]);
+    EXPECT_LE(difference(read(GL_COLOR_ATTACHMENT0), SampleQuads::expected(0xFF000000)), rounding);
+    const std::vector<std::uint32_t> second = read(GL_COLOR_ATTACHMENT1);
     EXPECT_EQ(std::ranges::count(second, 0xFF000000U), std::ssize(second)) << "only the first buffer is drawn into";
 }
 
