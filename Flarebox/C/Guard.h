@@ -3,21 +3,23 @@
 #include <Flarebox/C/flarebox.h>
 #include <Foundation/MainQueue.h>
 
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <exception>
+#include <map>
 #include <memory>
 #include <new>
 #include <string>
-#include <vector>
 
 namespace flarebox::c {
 
 /// Keeps the reason for `flarebox_last_error`, and returns the result.
 flarebox_result failed(flarebox_result result, std::string reason) noexcept;
 
-/// Runs the body of a function that C calls, on the main thread only. No exception leaves it.
+/// Runs the body of a function that C calls; no exception leaves it.
 template <class Body>
-flarebox_result guarded(const Body& body) noexcept {
-    if (!isMainThread()) return failed(FLAREBOX_WRONG_THREAD, "called from another thread than the main one");
+flarebox_result withoutExceptions(const Body& body) noexcept {
     try {
         return body();
     } catch (const std::bad_alloc&) {
@@ -29,34 +31,44 @@ flarebox_result guarded(const Body& body) noexcept {
     }
 }
 
-/// The objects of one kind that C holds: a handle is the address of one, and is looked up before it is followed.
-template <class Object>
+/// The same, on the main thread only.
+template <class Body>
+flarebox_result guarded(const Body& body) noexcept {
+    if (!isMainThread()) return failed(FLAREBOX_WRONG_THREAD, "called from another thread than the main one");
+    return withoutExceptions(body);
+}
+
+/// The objects of one kind that C holds. A handle is a number in the guise of a pointer: it is looked up, never
+/// followed, and never given twice.
+template <class Object, class Handle>
 class Handles {
 public:
-    Object* add(std::unique_ptr<Object> object) { return objects_.emplace_back(std::move(object)).get(); }
-    Object* find(const Object* handle) const {
-        for (const auto& object : objects_) {
-            if (object.get() == handle) return object.get();
-        }
-        return nullptr;
+    Handle* add(std::unique_ptr<Object> object) {
+        auto* const handle = reinterpret_cast<Handle*>(next_);
+        next_ += alignment;
+        objects_.emplace(handle, std::move(object));
+        return handle;
     }
-    std::unique_ptr<Object> remove(const Object* handle) {
-        for (auto object = objects_.begin(); object != objects_.end(); ++object) {
-            if (object->get() != handle) continue;
-            std::unique_ptr<Object> removed = std::move(*object);
-            objects_.erase(object);
-            return removed;
-        }
-        return nullptr;
+    Object* find(Handle* handle) const {
+        const auto found = objects_.find(handle);
+        return found == objects_.end() ? nullptr : found->second.get();
+    }
+    /// Null when there is none.
+    std::unique_ptr<Object> remove(Handle* handle) {
+        auto node = objects_.extract(handle);
+        return node ? std::move(node.mapped()) : nullptr;
     }
 
 private:
-    std::vector<std::unique_ptr<Object>> objects_;
+    /// What a pointer would have.
+    static constexpr std::uintptr_t alignment = 16;
+    std::map<Handle*, std::unique_ptr<Object>> objects_;
+    std::uintptr_t next_ = alignment;
 };
 
 /// Runs `body` on the object of a handle, which may end inside.
-template <class Object, class Body>
-flarebox_result with(const Handles<Object>& handles, const Object* handle, const Body& body) noexcept {
+template <class Object, class Handle, class Body>
+flarebox_result with(const Handles<Object, Handle>& handles, Handle* handle, const Body& body) noexcept {
     return guarded([&] {
         Object* const object = handles.find(handle);
         if (!object) return failed(FLAREBOX_INVALID_HANDLE, "there is no such handle, or not any more");

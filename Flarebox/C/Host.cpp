@@ -8,7 +8,7 @@ namespace flarebox::c {
 namespace {
 
 /// The first version ended with `straight_alpha`.
-constexpr std::size_t sizeOfRenderer = sizeof(flarebox_renderer);
+constexpr std::size_t sizeOfRenderer = offsetof(flarebox_renderer, straight_alpha) + sizeof(bool);
 
 /// A renderer of C as the panel sees it.
 class RendererCompositor : public Compositor {
@@ -53,30 +53,23 @@ bool isScreen(double width, double height, double scale) {
 
 constexpr const char* noScreen = "width, height and scale have to be positive numbers";
 
-}  // namespace
-}  // namespace flarebox::c
+struct Host {
+    Host(CGSize size, double scale, const flarebox_renderer& renderer) : compositor(renderer), panel(size, scale) {}
+    ~Host() { panel.releaseTextures(compositor); }
 
-struct flarebox_host {
-    flarebox_host(flarebox::CGSize size, double scale, const flarebox_renderer& renderer)
-        : compositor(renderer), host(size, scale) {}
-    ~flarebox_host() { host.releaseTextures(compositor); }
-
-    flarebox::c::RendererCompositor compositor;
-    flarebox::UIHost host;
+    RendererCompositor compositor;
+    UIHost panel;
 };
 
-namespace flarebox::c {
-namespace {
-
-Handles<flarebox_host>& hosts() {
-    static detail::Immortal<Handles<flarebox_host>> hosts;
+Handles<Host, flarebox_host>& hosts() {
+    static detail::Immortal<Handles<Host, flarebox_host>> hosts;
     return *hosts;
 }
 
 template <class Input>
 bool consumes(flarebox_host* handle, const Input& input) {
     InputResult result = InputResult::Ignored;
-    with(hosts(), handle, [&](flarebox_host& object) { result = input(object.host); });
+    with(hosts(), handle, [&](Host& object) { result = input(object.panel); });
     return result == InputResult::Consumed;
 }
 
@@ -87,19 +80,17 @@ extern "C" {
 flarebox_host* flarebox_host_create(double width, double height, double scale, const flarebox_renderer* renderer) {
     flarebox_host* made = nullptr;
     const auto make = [&] {
+        if (UIHost::current()) return failed(FLAREBOX_FAILED, "there is a host already");
         flarebox_renderer known = FLAREBOX_RENDERER;
         if (!copyStruct(renderer, sizeOfRenderer, known)) return FLAREBOX_INVALID_ARGUMENT;
         if (!isScreen(width, height, scale)) return failed(FLAREBOX_INVALID_ARGUMENT, noScreen);
         if (!known.create_texture || !known.update_texture || !known.destroy_texture || !known.draw_quad)
             return failed(FLAREBOX_INVALID_ARGUMENT, "the renderer lacks one of its first four functions");
-        if (UIHost::current()) return failed(FLAREBOX_FAILED, "there is a host already");
         claimMainThread();
-        made = hosts().add(std::make_unique<flarebox_host>(CGSize{width, height}, scale, known));
+        made = hosts().add(std::make_unique<Host>(CGSize{width, height}, scale, known));
         return FLAREBOX_OK;
     };
-    // The thread that makes the only host becomes the main thread, whichever was it before.
-    if (!UIHost::current()) claimMainThread();
-    guarded(make);
+    withoutExceptions(make);
     return made;
 }
 
@@ -111,15 +102,14 @@ flarebox_result flarebox_host_destroy(flarebox_host* host) {
 
 flarebox_result flarebox_host_set_screen(flarebox_host* host, double width, double height, double scale) {
     if (!isScreen(width, height, scale)) return failed(FLAREBOX_INVALID_ARGUMENT, noScreen);
-    return with(hosts(), host, [&](flarebox_host& object) { object.host.setScreen({width, height}, scale); });
+    return with(hosts(), host, [&](Host& object) { object.panel.setScreen({width, height}, scale); });
 }
 
-flarebox_result flarebox_host_set_orientation(flarebox_host* host, flarebox_orientation orientation) {
+flarebox_result flarebox_host_set_orientation(flarebox_host* host, std::int32_t orientation) {
     if (orientation < FLAREBOX_PORTRAIT || orientation > FLAREBOX_LANDSCAPE_RIGHT)
         return failed(FLAREBOX_INVALID_ARGUMENT, "there is no such orientation");
-    return with(hosts(), host, [&](flarebox_host& object) {
-        object.host.setOrientation(static_cast<UIDeviceOrientation>(orientation));
-    });
+    return with(hosts(), host,
+                [&](Host& object) { object.panel.setOrientation(static_cast<UIDeviceOrientation>(orientation)); });
 }
 
 bool flarebox_host_pointer_down(flarebox_host* host, std::int32_t pointer, double x, double y) {
@@ -135,10 +125,10 @@ bool flarebox_host_pointer_hovered(flarebox_host* host, double x, double y) {
     return consumes(host, [&](UIHost& panel) { return panel.pointerHovered({x, y}); });
 }
 flarebox_result flarebox_host_pointer_cancelled(flarebox_host* host, std::int32_t pointer) {
-    return with(hosts(), host, [&](flarebox_host& object) { object.host.pointerCancelled(pointer); });
+    return with(hosts(), host, [&](Host& object) { object.panel.pointerCancelled(pointer); });
 }
 flarebox_result flarebox_host_pointer_left(flarebox_host* host) {
-    return with(hosts(), host, [&](flarebox_host& object) { object.host.pointerLeft(); });
+    return with(hosts(), host, [&](Host& object) { object.panel.pointerLeft(); });
 }
 bool flarebox_host_scrolled(flarebox_host* host, double x, double y, double dx, double dy) {
     return consumes(host, [&](UIHost& panel) { return panel.scrolled({x, y}, dx, dy); });
@@ -149,21 +139,21 @@ bool flarebox_host_key_down(flarebox_host* host, const char* key) {
 
 flarebox_result flarebox_host_update(flarebox_host* host, double budget) {
     if (!(budget >= 0)) return failed(FLAREBOX_INVALID_ARGUMENT, "the budget has to be seconds");
-    return with(hosts(), host, [&](flarebox_host& object) { object.host.update(budget); });
+    return with(hosts(), host, [&](Host& object) { object.panel.update(budget); });
 }
 
 bool flarebox_host_needs_display(flarebox_host* host) {
     bool needs = false;
-    with(hosts(), host, [&](flarebox_host& object) { needs = object.host.needsDisplay(); });
+    with(hosts(), host, [&](Host& object) { needs = object.panel.needsDisplay(); });
     return needs;
 }
 
 flarebox_result flarebox_host_draw(flarebox_host* host) {
-    return with(hosts(), host, [](flarebox_host& object) { object.host.draw(object.compositor); });
+    return with(hosts(), host, [](Host& object) { object.panel.draw(object.compositor); });
 }
 
 flarebox_result flarebox_host_release_textures(flarebox_host* host) {
-    return with(hosts(), host, [](flarebox_host& object) { object.host.releaseTextures(object.compositor); });
+    return with(hosts(), host, [](Host& object) { object.panel.releaseTextures(object.compositor); });
 }
 
 }  // extern "C"

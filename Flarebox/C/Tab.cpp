@@ -4,37 +4,40 @@
 
 #include <cmath>
 
+namespace flarebox::c {
+namespace {
+
+/// The first version ended with `load_failed`.
+constexpr std::size_t sizeOfObserver =
+    offsetof(flarebox_observer, load_failed) + sizeof(flarebox_observer::load_failed);
+
 /// A tab that C holds, and what it is told of it. The observer is copied before it is called: it may replace itself,
 /// and may destroy the tab.
-struct flarebox_tab : flarebox::FlareboxViewDelegate {
-    explicit flarebox_tab(flarebox::Ref<flarebox::FlareboxView> made) : view(std::move(made)) {
-        view->setDelegate(this);
-    }
-    ~flarebox_tab() override {
+struct Tab : FlareboxViewDelegate {
+    explicit Tab(Ref<FlareboxView> made) : view(std::move(made)) { view->setDelegate(this); }
+    ~Tab() override {
         view->setDelegate(nullptr);
         view->removeFromSuperview();
     }
 
-    void flareboxViewDidOpen(flarebox::FlareboxView&) override { tell(&flarebox_observer::opened); }
-    void flareboxViewDidClose(flarebox::FlareboxView&) override { tell(&flarebox_observer::closed); }
-    void flareboxViewDidSelectAsset(flarebox::FlareboxView&,
-                                    const flarebox::Ref<flarebox::FXAssetInfo>& asset) override {
+    void flareboxViewDidOpen(FlareboxView&) override { tell(&flarebox_observer::opened); }
+    void flareboxViewDidClose(FlareboxView&) override { tell(&flarebox_observer::closed); }
+    void flareboxViewDidSelectAsset(FlareboxView&, const Ref<FXAssetInfo>& asset) override {
         const std::string uid = asset->uid().string(), title = asset->title().string();
         tell(&flarebox_observer::asset_selected, uid.c_str(), title.c_str());
     }
-    void flareboxViewDidChangeMode(flarebox::FlareboxView&, flarebox::AssetMode mode) override {
+    void flareboxViewDidChangeMode(FlareboxView&, AssetMode mode) override {
         tell(&flarebox_observer::mode_changed, static_cast<flarebox_mode>(mode));
     }
-    void flareboxViewDidSaveCoupon(flarebox::FlareboxView&,
-                                   const flarebox::Ref<flarebox::FXAssetInfo>& asset) override {
+    void flareboxViewDidSaveCoupon(FlareboxView&, const Ref<FXAssetInfo>& asset) override {
         const std::string uid = asset->uid().string();
         tell(&flarebox_observer::coupon_saved, uid.c_str());
     }
-    bool flareboxViewShouldOpenLink(flarebox::FlareboxView&, const flarebox::NSURL& url) override {
+    bool flareboxViewShouldOpenLink(FlareboxView&, const NSURL& url) override {
         const flarebox_observer known = observer;
-        return !known.should_open_link || known.should_open_link(known.context, this, url.absoluteString().c_str());
+        return !known.should_open_link || known.should_open_link(known.context, handle, url.absoluteString().c_str());
     }
-    void flareboxViewDidFailToLoad(flarebox::FlareboxView&, const flarebox::Ref<flarebox::NSError>& error) override {
+    void flareboxViewDidFailToLoad(FlareboxView&, const Ref<NSError>& error) override {
         const std::string reason = error->localizedDescription();
         tell(&flarebox_observer::load_failed, static_cast<std::int32_t>(error->code()), reason.c_str());
     }
@@ -42,28 +45,23 @@ struct flarebox_tab : flarebox::FlareboxViewDelegate {
     template <class Function, class... Arguments>
     void tell(Function function, Arguments... arguments) {
         const flarebox_observer known = observer;
-        if (known.*function) (known.*function)(known.context, this, arguments...);
+        if (known.*function) (known.*function)(known.context, handle, arguments...);
     }
 
-    flarebox::Ref<flarebox::FlareboxView> view;
+    Ref<FlareboxView> view;
     flarebox_observer observer = FLAREBOX_OBSERVER;
+    flarebox_tab* handle = nullptr;
 };
 
-namespace flarebox::c {
-namespace {
-
-/// The first version ended with `load_failed`.
-constexpr std::size_t sizeOfObserver = sizeof(flarebox_observer);
-
-Handles<flarebox_tab>& tabs() {
-    static detail::Immortal<Handles<flarebox_tab>> tabs;
+Handles<Tab, flarebox_tab>& tabs() {
+    static detail::Immortal<Handles<Tab, flarebox_tab>> tabs;
     return *tabs;
 }
 
 /// Runs `body` on the view, which a callback may let go meanwhile.
 template <class Body>
 flarebox_result withView(flarebox_tab* handle, const Body& body) {
-    return with(tabs(), handle, [&](flarebox_tab& tab) {
+    return with(tabs(), handle, [&](Tab& tab) {
         const Ref<FlareboxView> view = tab.view;
         body(*view);
     });
@@ -78,7 +76,8 @@ flarebox_tab* flarebox_tab_create(void) {
     guarded([&] {
         Ref<FlareboxView> view = FlareboxView::init();
         if (!view) return failed(FLAREBOX_FAILED, "the kit's layout files are missing");
-        made = tabs().add(std::make_unique<flarebox_tab>(std::move(view)));
+        made = tabs().add(std::make_unique<Tab>(std::move(view)));
+        tabs().find(made)->handle = made;
         return FLAREBOX_OK;
     });
     return made;
@@ -93,7 +92,7 @@ flarebox_result flarebox_tab_destroy(flarebox_tab* tab) {
 flarebox_result flarebox_tab_set_observer(flarebox_tab* tab, const flarebox_observer* observer) {
     flarebox_observer known = FLAREBOX_OBSERVER;
     if (observer && !copyStruct(observer, sizeOfObserver, known)) return FLAREBOX_INVALID_ARGUMENT;
-    return with(tabs(), tab, [&](flarebox_tab& object) { object.observer = known; });
+    return with(tabs(), tab, [&](Tab& object) { object.observer = known; });
 }
 
 flarebox_result flarebox_tab_show(flarebox_tab* tab) {

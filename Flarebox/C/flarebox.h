@@ -97,7 +97,7 @@ typedef struct flarebox_quad {
 } flarebox_quad;
 
 /* How the panel is drawn: textures and rectangles. The first four functions are needed, the others may be null. Called
- * only inside flarebox_host_draw and flarebox_host_destroy. */
+ * only inside flarebox_host_draw, flarebox_host_release_textures and flarebox_host_destroy. */
 typedef struct flarebox_renderer {
     size_t struct_size;
     void *context; /* handed to every function */
@@ -127,10 +127,10 @@ typedef enum flarebox_orientation {
  * flarebox_last_error, when an argument is wrong or there is a host already. */
 FLAREBOX_API flarebox_host *flarebox_host_create(double width, double height, double scale,
                                                  const flarebox_renderer *renderer);
-/* Gives all textures back and stops every thread of the kit, within 200 ms. Not inside a callback. Null: nothing. */
+/* Gives all textures back and stops the kit's threads, within 200 ms. Not inside a callback. Null: nothing. */
 FLAREBOX_API flarebox_result flarebox_host_destroy(flarebox_host *host);
 FLAREBOX_API flarebox_result flarebox_host_set_screen(flarebox_host *host, double width, double height, double scale);
-FLAREBOX_API flarebox_result flarebox_host_set_orientation(flarebox_host *host, flarebox_orientation orientation);
+FLAREBOX_API flarebox_result flarebox_host_set_orientation(flarebox_host *host, int32_t orientation);
 
 /* Input, in points. True: the panel used it; false: it is the game's, or the call was refused. `pointer` tells fingers
  * apart, the mouse is 0. */

@@ -30,7 +30,7 @@ class CouponView : public UIView {
 public:
     CouponView();
     ~CouponView() override;
-    /// Made from its layout file; null, with a message on standard error, when the kit's resources are missing.
+    /// Made from its layout file; null, with a message in the log, when the kit's resources are missing.
     static Ref<CouponView> createCouponView();
 
     /// Not owned; may be null. One that is no NSObject takes itself back before it goes.

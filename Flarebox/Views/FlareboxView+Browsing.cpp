@@ -8,6 +8,7 @@
 #include <UIKit/UILabel.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace flarebox {
 namespace {
@@ -60,10 +61,11 @@ void FlareboxView::selectAsset(const Ref<FXAssetInfo>& asset) {
 }
 
 void FlareboxView::tellSelection() {
-    const NSString uid = currentAsset_ ? currentAsset_->uid() : NSString();
-    if (knownSelection_ == uid) return;
-    knownSelection_ = uid;
-    if (delegate_ && currentAsset_) delegate_->flareboxViewDidSelectAsset(*this, currentAsset_);
+    const Ref<FXAssetInfo> known = std::exchange(knownSelection_, currentAsset_);
+    // The same product of a later list is no other one; products without an identifier all are.
+    const NSString uid = currentAsset_->uid();
+    if (known == currentAsset_ || (known && uid && known->uid() == uid)) return;
+    if (delegate_) delegate_->flareboxViewDidSelectAsset(*this, currentAsset_);
 }
 
 void FlareboxView::loadAssetPicture(const NSString& address) {

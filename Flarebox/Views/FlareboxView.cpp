@@ -181,6 +181,7 @@ void FlareboxView::toggleFlarebox(bool open, bool animated) {
     if (!requireMainThread("FlareboxView::toggleFlarebox")) return;
     if (isOpened() && open) return;
     const Ref<NSObject> self = retained();
+    const std::uint32_t toggle = ++toggles_;
     isNeedFlareboxOpenedEvent_ = open;
     if (open) {
         isHasBeenOpened_ = true;
@@ -190,6 +191,8 @@ void FlareboxView::toggleFlarebox(bool open, bool animated) {
         pauseVideo();
         leaveFullScreen();
     }
+    // A callback of the host may have moved the tab meanwhile.
+    if (toggle != toggles_) return;
     placePanel(open, animated);
     tellWhetherOpen(open);
 }

@@ -53,7 +53,7 @@ public:
     FlareboxView();
     ~FlareboxView() override;
 
-    /// The tab made from its layout file; null, with a message on standard error, when the kit's resources are missing.
+    /// The tab made from its layout file; null, with a message in the log, when the kit's resources are missing.
     static Ref<FlareboxView> init();
 
     /// Who follows what the tab does. Not owned; may be null. One that is no NSObject takes itself back before it goes.
@@ -290,12 +290,14 @@ private:
     std::int64_t netWorkStatus_ = 0;
     std::int64_t currentOrientation_ = 0;
     std::int32_t refreshDataTime_ = 0;
+    /// Counts the times that the tab was opened or closed.
+    std::uint32_t toggles_ = 0;
     /// An opened event is still owed for the current opening.
     bool isNeedFlareboxOpenedEvent_ = false;
     bool isHasBeenOpened_ = false;
     // What the delegate knows.
     bool isKnownToBeOpen_ = false;
-    NSString knownSelection_;
+    Ref<FXAssetInfo> knownSelection_;
     AssetMode knownMode_ = AssetMode2D;
 };
 

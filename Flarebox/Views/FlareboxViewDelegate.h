@@ -30,8 +30,8 @@ public:
     /// The game loses the player to another application next. False: the link is not opened; the game can open it
     /// later (UIApplication::openURL), once it has paused.
     virtual bool flareboxViewShouldOpenLink(FlareboxView&, const NSURL&) { return true; }
-    /// A session or a list could not be had, which the tab tells the player as well. It tries again with its next
-    /// refresh.
+    /// A session or a list could not be had, for want of a network or by the service's fault. The tab tries again with
+    /// its next refresh.
     virtual void flareboxViewDidFailToLoad(FlareboxView&, const Ref<NSError>&) {}
 };
 

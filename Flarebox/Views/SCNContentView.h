@@ -31,7 +31,7 @@ class SCNContentView : public UIView {
 public:
     SCNContentView();
     ~SCNContentView() override;
-    /// Made from its layout file; null, with a message on standard error, when the kit's resources are missing.
+    /// Made from its layout file; null, with a message in the log, when the kit's resources are missing.
     static Ref<SCNContentView> createSCNContentView();
 
     /// Not owned; may be null. One that is no NSObject takes itself back before it goes.

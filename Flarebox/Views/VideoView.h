@@ -28,7 +28,7 @@ class VideoView : public UIView {
 public:
     VideoView();
     ~VideoView() override;
-    /// Made from its layout file; null, with a message on standard error, when the kit's resources are missing.
+    /// Made from its layout file; null, with a message in the log, when the kit's resources are missing.
     static Ref<VideoView> createVideoView();
 
     /// Not owned; may be null. One that is no NSObject takes itself back before it goes.

@@ -41,15 +41,17 @@ void LogSink::write(LogLevel level, std::string_view message) {
     Sink& shared = sink();
     const std::lock_guard lock(shared.mutex);
     if (!shared.write || shared.isWriting) return writeToStandardError(message);
+    bool isWritten = false;
     shared.isWriting = true;
     try {
         // A copy: the sink may replace itself.
         const Write write = shared.write;
         write(level, message);
+        isWritten = true;
     } catch (...) {
-        writeToStandardError(message);
     }
     shared.isWriting = false;
+    if (!isWritten) writeToStandardError(message);
 }
 
 }  // namespace flarebox

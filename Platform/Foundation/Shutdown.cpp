@@ -24,7 +24,8 @@ Handlers& handlers() {
 struct ThreadEnd {
     bool isAwaited = false;
     ~ThreadEnd() {
-        if (isAwaited) Shutdown::run();
+        // The host may have moved on to another thread.
+        if (isAwaited && isMainThread()) Shutdown::run();
     }
 };
 thread_local ThreadEnd mainThreadEnd;

@@ -16,7 +16,7 @@ public:
     Thread(const Thread&) = delete;
     Thread& operator=(const Thread&) = delete;
 
-    /// `name` has at most 15 bytes. False, with the reason on standard error, when the system gives no thread. To be
+    /// `name` has at most 15 bytes. False, with the reason in the log, when the system gives no thread. To be
     /// called while none runs.
     [[nodiscard]] bool start(const char* name, std::function<void()> run);
     /// From the start to `join`, whether or not it has ended by then.

@@ -19,6 +19,11 @@ bool isLargeEnough(const UIImage& image, const UIImage::Room& room) {
     return image.pixelSize().holds(room.sizeOf(image.wholeSize()));
 }
 
+UIImage::Room bounded(UIImage::Room room) {
+    room.longestSide = std::min<CGFloat>(room.longestSide, AFImageDownloader::maximumPixelSide);
+    return room;
+}
+
 /// Without memory for it now the picture stays as it is.
 Ref<UIImage> sizedWherePossible(const Ref<UIImage>& image, const UIImage::Room& room) {
     try {
@@ -49,13 +54,12 @@ AFImageDownloader& AFImageDownloader::defaultInstance() {
 
 void AFImageDownloader::downloadImageForURLRequest(const Ref<NSURLRequest>& request, const Room& room, Success success,
                                                    Failure failure) {
-    Room bounded = room;
-    bounded.longestSide = std::min<CGFloat>(room.longestSide, maximumPixelSide);
+    const Room allowed = bounded(room);
     const std::string address = request ? request->URL().absoluteString() : std::string();
-    if (const auto image = cache_.imageWithIdentifier(address); image && image->canBeSizedFor(bounded)) {
+    if (const auto image = cache_.imageWithIdentifier(address); image && image->canBeSizedFor(allowed)) {
         if (!success) return;
-        if (isLargeEnough(*image, bounded)) return success(request, nullptr, image);
-        return resizeImage(image, bounded, [request, success = std::move(success)](const Ref<UIImage>& resized) {
+        if (isLargeEnough(*image, allowed)) return success(request, nullptr, image);
+        return resizeImage(image, allowed, [request, success = std::move(success)](const Ref<UIImage>& resized) {
             success(request, nullptr, resized);
         });
     }
@@ -65,10 +69,10 @@ void AFImageDownloader::downloadImageForURLRequest(const Ref<NSURLRequest>& requ
         });
     }
     std::vector<Waiter>& waiters = loads_[address];
-    waiters.push_back({request, bounded, std::move(success), std::move(failure)});
+    waiters.push_back({request, allowed, std::move(success), std::move(failure)});
     if (waiters.size() > 1) return;
     const auto serializer = AFImageResponseSerializer::serializer();
-    serializer->setRoom(bounded);
+    serializer->setRoom(allowed);
     auto task = manager_->dataTaskWithRequest(
         request, serializer, [self = Ref<AFImageDownloader>(this), address](auto& response, auto& object, auto& error) {
             self->arrived(address, response, object, error);
@@ -79,7 +83,8 @@ void AFImageDownloader::downloadImageForURLRequest(const Ref<NSURLRequest>& requ
 void AFImageDownloader::resizeImage(const Ref<UIImage>& image, const Room& room,
                                     std::function<void(const Ref<UIImage>&)> completion) {
     // What is called back, and what it holds, is touched and released on the main thread alone.
-    WorkerThread::shared()->async([self = Ref<AFImageDownloader>(this), image, room, completion = std::move(completion),
+    WorkerThread::shared()->async([self = Ref<AFImageDownloader>(this), image, room = bounded(room),
+                                   completion = std::move(completion),
                                    activity = std::make_shared<MainQueue::Activity>()]() mutable {
         Ref<UIImage> resized = sizedWherePossible(image, room);
         dispatch_async_main([self = std::move(self), resized = std::move(resized), completion = std::move(completion)] {

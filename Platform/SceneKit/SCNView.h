@@ -50,8 +50,8 @@ public:
     /// Why no scene can be shown on this machine or by this build, for people; empty where it can, or as long as
     /// nothing has been tried. A build that cannot says so at once, a machine that cannot when a view first draws.
     static std::string unavailableReason();
-    /// Told what could not be shown, once each: a model the renderer refuses, or that this machine draws no scenes. To
-    /// standard error unless set.
+    /// Told what could not be shown, once each: a model the renderer refuses, or that this machine draws no scenes. The
+    /// log unless set.
     void setFailureHandler(std::function<void(const Ref<NSError>&)> handler) { failureHandler_ = std::move(handler); }
 
     bool showsPixelBuffer() const override { return true; }

@@ -80,7 +80,10 @@ void SceneRenderer::setEngineMaker(EngineMaker maker) {
 }
 
 void SceneRenderer::start() {
-    isStopping_ = modelReleased_ = false;
+    {
+        std::lock_guard lock(mutex_);
+        isStopping_ = modelReleased_ = false;
+    }
     const auto maker = engineMaker_ ? engineMaker_ : EngineMaker(makeSceneEngine);
     if (thread_.start("flarebox-scene", [this, maker] { run(maker); })) return Shutdown::addHandler([this] { stop(); });
     setUnavailable("3D models cannot be shown: the system gives no thread for them", true);
@@ -144,9 +147,14 @@ std::unique_ptr<SceneEngine> SceneRenderer::makeEngine(const EngineMaker& maker)
         return nullptr;
     }
     std::string reason;
-    auto engine = maker(reason);
-    if (!engine) setUnavailable(reason.empty() ? "3D models cannot be shown" : reason, false);
-    return engine;
+    try {
+        if (auto engine = maker(reason)) return engine;
+    } catch (const std::bad_alloc&) {
+        setUnavailable("3D models cannot be shown: there is not enough memory", true);
+        return nullptr;
+    }
+    setUnavailable(reason.empty() ? "3D models cannot be shown" : reason, false);
+    return nullptr;
 }
 
 void SceneRenderer::drawInto(SceneCanvas& canvas, SceneEngine* engine) {

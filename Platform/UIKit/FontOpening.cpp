@@ -85,7 +85,8 @@ bool anotherFontCanBeOpened() {
     LogSink::write(LogLevelError, "Flarebox: some texts are not shown: " + lack);
     isLacking = true;
     dispatch_after_main(recoveryInterval, lookWhetherItHasPassed);
-    Shutdown::addHandler([] { isLacking = false; });
+    static bool endsAtShutdown = false;
+    if (!std::exchange(endsAtShutdown, true)) Shutdown::addHandler([] { isLacking = endsAtShutdown = false; });
     return false;
 }
 

@@ -13,7 +13,7 @@ void openFontsInBackground();
 /// Whether texts are still measured by estimate. Main thread.
 bool fontsAreOpening();
 
-/// Whether the system gives what opening another font takes. Where it does not, which is said on standard error, fonts
+/// Whether the system gives what opening another font takes. Where it does not, which is said in the log, fonts
 /// count as being opened until it does. The library would end the process. Main thread.
 bool anotherFontCanBeOpened();
 

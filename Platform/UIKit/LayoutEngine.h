@@ -40,7 +40,7 @@ public:
 
     bool needsSolving() const { return needsSolving_; }
     /// Brings the frames of all views of the tree up to date. Constraints that contradict others are left out until
-    /// they no longer do, and are named on standard error.
+    /// they no longer do, and are named in the log.
     void solve();
 
 private:

@@ -66,7 +66,7 @@ public:
     /// Where cells of that name come from: the first object of a layout file, or a class that can be made by name.
     void registerNib(const Ref<UINib>& nib, std::string_view reuseIdentifier);
     void registerClass(const ClassInfo& cellClass, std::string_view reuseIdentifier);
-    /// A cell that has left the list, or a new one, with the size of the item. Null, with a message on standard error,
+    /// A cell that has left the list, or a new one, with the size of the item. Null, with a message in the log,
     /// when nothing is registered under the name or what is registered makes no cell.
     Ref<UICollectionViewCell> dequeueReusableCell(std::string_view reuseIdentifier, const NSIndexPath& path);
 

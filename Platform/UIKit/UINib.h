@@ -27,7 +27,7 @@ public:
 
     /// Makes the file's views anew and answers its top-level objects, all outlets bound, all `awakeFromNib` called.
     /// Outlets and actions belong to the first top-level object where its class has them, to the owner, which may be
-    /// null, otherwise. On any error the result is empty; the error goes to `error`, or to standard error when that is
+    /// null, otherwise. On any error the result is empty; the error goes to `error`, or to the log when that is
     /// null.
     std::vector<Ref<NSObject>> instantiateWithOwner(NSObject* owner, Ref<NSError>* error = nullptr) const;
 

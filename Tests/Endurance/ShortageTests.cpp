@@ -136,8 +136,9 @@ const Shortage shortages[] = {
          std::ofstream(stage->documents()) << "not a folder";
      },
      [](Stage& stage) { fs::remove(stage.documents()); }},
+    // Sanitizers look into memory through descriptors.
     {"no descriptors", "Too many open files", [](Stage*) { Descriptors::take(); },
-     [](Stage&) { Descriptors::giveBack(); }},
+     [](Stage&) { Descriptors::giveBack(); }, false, true},
     {"no threads", "The system gives no more threads", refuseThreads, allowThreads, false, true},
     {"no threads from the beginning", "The system gives no thread", refuseThreads, allowThreads, true, true},
     {"no memory for answers", "there is not enough memory",
