@@ -1,5 +1,7 @@
 #include <UIKit/CADisplayLink.h>
 
+#include <Foundation/Immortal.h>
+
 #include <algorithm>
 #include <memory>
 #include <utility>
@@ -15,8 +17,9 @@ struct Links {
 };
 
 Links& links() {
-    static Links instance;
-    return instance;
+    // Views that a host keeps to the very end of the process still take their links out.
+    static detail::Immortal<Links> instance;
+    return *instance;
 }
 
 }  // namespace
