@@ -83,6 +83,9 @@ TEST(PropertyList, RefusesWhatItIsNotAndNamesTheLine) {
         {"\n<set/>", ":3: "},
         {"<true/><true/>", ":2: "},
         {"<string>\xFF\xFE</string>", ":"},
+        {"\n<string>a\x18</string>", ":3: "},
+        {"\n<string>&#24;</string>", ":3: "},
+        {"<dict>\n<key>&#xD800;</key><true/></dict>", ":3: "},
         {nested(513), ":2: "},
         {"<array>", ":"},
     };

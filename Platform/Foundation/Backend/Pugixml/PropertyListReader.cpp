@@ -175,6 +175,11 @@ private:
             }
             text += child.value();
         }
+        // The library lets them pass, as they stand and as references.
+        if (!isXMLText(text)) {
+            fail(node, "a character that XML does not allow");
+            return std::nullopt;
+        }
         return text;
     }
 

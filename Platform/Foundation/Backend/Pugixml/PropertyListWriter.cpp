@@ -11,6 +11,12 @@
 
 namespace flarebox::detail {
 
+bool isXMLText(std::string_view text) {
+    return isValidUTF8(text) && std::ranges::none_of(text, [](unsigned char character) {
+               return character < 0x20 && character != '\t' && character != '\n' && character != '\r';
+           });
+}
+
 namespace {
 
 class StringWriter : public pugi::xml_writer {
@@ -18,13 +24,6 @@ public:
     void write(const void* data, std::size_t size) override { text.append(static_cast<const char*>(data), size); }
     std::string text;
 };
-
-/// XML knows no control characters but these.
-bool isXMLText(std::string_view text) {
-    return isValidUTF8(text) && std::ranges::none_of(text, [](unsigned char character) {
-               return character < 0x20 && character != '\t' && character != '\n' && character != '\r';
-           });
-}
 
 /// The library would write a carriage return as it is, which every reader of XML takes for the end of a line.
 std::string escaped(std::string_view text) {
