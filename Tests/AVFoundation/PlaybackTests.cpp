@@ -1,6 +1,9 @@
 #include <Foundation/NSNotificationCenter.h>
 
+#include <filesystem>
 #include <limits>
+#include <string>
+#include <system_error>
 
 #include "VideoTesting.h"
 
@@ -64,6 +67,28 @@ TEST_F(Playback, NothingLoadsBeforeItIsNeeded) {
     EXPECT_FALSE(until([&] { return server->acceptedConnections() > 0; }, 0.2));
     layer->setHidden(false);
     EXPECT_TRUE(until([&] { return shownColor() == 'r'; }));
+}
+
+TEST_F(Playback, LeavesNoNamedFileWhateverItLoadsAhead) {
+    // A descriptor of this process that leads to a file of the cache folder which still has its name.
+    const auto namedFiles = [] {
+        int count = 0;
+        for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+            std::error_code gone;
+            const std::string file = std::filesystem::read_symlink(entry.path(), gone).string();
+            count += file.find("/.cache/") != file.npos && std::filesystem::is_regular_file(file, gone);
+        }
+        return count;
+    };
+    const int before = namedFiles();
+    for (const char* file : {"colors.mp4", "colors.webm"}) {
+        const Ref<AVPlayer> player = readyPlayer(file);
+        player->play();
+        EXPECT_TRUE(until([&] { return player->currentTime() > 0.2; }));
+        EXPECT_EQ(namedFiles(), before) << file;
+        player->seekToTime(2.5);
+        EXPECT_TRUE(until([&] { return player->hasEnded(); })) << "read back from the file";
+    }
 }
 
 TEST_F(Playback, ShowsEveryColorInItsTime) {

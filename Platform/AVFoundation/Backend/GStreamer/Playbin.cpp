@@ -3,6 +3,7 @@
 #include <Networking/UserAgent.h>
 #include <gst/app/gstappsink.h>
 #include <gst/gst.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -149,7 +150,18 @@ void watchFormat(GstElement* decoder, const char* padName, gpointer playback) {
     gst_object_unref(pad);
 }
 
+/// What is loaded ahead of a file of known length goes to a temporary file. Without a name it stays as long as it is
+/// open, and no process that ends meanwhile leaves it behind.
+void temporaryFileMade(GObject* element, GParamSpec*, gpointer) {
+    gchar* path = nullptr;
+    g_object_get(element, "temp-location", &path, nullptr);
+    if (path) unlink(path);
+    g_free(path);
+}
+
 void elementMade(GstElement*, GstElement* element, gpointer data) {
+    if (g_object_class_find_property(G_OBJECT_GET_CLASS(element), "temp-location"))
+        g_signal_connect(element, "notify::temp-location", G_CALLBACK(temporaryFileMade), nullptr);
     const std::string_view name = factoryName(element);
     if (name == "queue2") {
         // In memory, of that size, instead of in a file as large as whatever the server sends.
