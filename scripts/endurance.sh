@@ -22,6 +22,7 @@ esac
 build "$preset" EnduranceTests
 mkdir -p build/reliability
 export FLAREBOX_RELIABILITY=$PWD/build/reliability/endurance${1:+-$1}.tsv
+export FLAREBOX_TOOL=${1:-}
 rm -f "$FLAREBOX_RELIABILITY"
 filter='*'
 [ ${#runner[@]} = 0 ] || filter='LifeCycleTest.*'

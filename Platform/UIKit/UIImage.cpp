@@ -33,10 +33,6 @@ std::size_t UIImage::byteCost() const {
     return pixels_.size() * sizeof(std::uint32_t) + origin_->data.length();
 }
 
-Ref<UIImage> UIImage::downscaledTo(CGSize maximumPixelSize) const {
-    return resampledTo(Room{maximumPixelSize}.sizeOf(pixelSize_));
-}
-
 Ref<UIImage> UIImage::averagedTo(PixelSize size) const {
     AreaAverager averager(pixelWidth(), pixelHeight(), size.width, size.height);
     const auto stride = static_cast<std::size_t>(pixelWidth());

@@ -58,9 +58,6 @@ public:
     /// Memory that the pixels take, and the data from which they can be made anew.
     std::size_t byteCost() const;
 
-    /// The picture averaged down to fit into that many pixels, its proportions kept; itself when it fits already. Any
-    /// thread.
-    Ref<UIImage> downscaledTo(CGSize maximumPixelSize) const;
     /// The picture averaged to exactly that many pixels, which must be at least 1 and at most its own size; itself
     /// otherwise.
     Ref<UIImage> resampledTo(PixelSize size) const;

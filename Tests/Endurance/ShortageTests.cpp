@@ -183,15 +183,7 @@ void wander(Stage& stage) {
     stage.tab->open();
     stage.frames(30);
     for (std::size_t asset = 0; asset < 2; ++asset) {
-        stage.selectAsset(asset);
-        for (const AssetMode mode : {AssetMode3D, AssetMode2D, AssetModeVideo}) {
-            stage.tab->changeAssetMode(mode);
-            for (int frame = 0; frame < 3; ++frame) {
-                stage.host->drawFrame();
-                stage.settleIdle(0.03);
-                stage.frames(2);
-            }
-        }
+        stage.showInAllModes(asset, 3);
         stage.tab->videoView()->pressPlayButton();
         stage.frames(30);
         stage.host->keyDown("escape");

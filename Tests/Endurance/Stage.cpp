@@ -94,6 +94,18 @@ bool Stage::showLoadedTab() {
     return settle([&] { return tab->superview() && tab->currentAsset(); }) && settleIdle();
 }
 
+void Stage::showInAllModes(std::size_t asset, int frameCount) {
+    selectAsset(asset);
+    for (const AssetMode mode : {AssetMode3D, AssetMode2D, AssetModeVideo}) {
+        tab->changeAssetMode(mode);
+        for (int frame = 0; frame < frameCount; ++frame) {
+            host->drawFrame();
+            settleIdle(0.03);
+            frames(2);
+        }
+    }
+}
+
 void Stage::selectAsset(std::size_t index) {
     if (tab->assestsList() && index < tab->assestsList()->size()) tab->selectAsset((*tab->assestsList())[index]);
 }

@@ -48,6 +48,8 @@ public:
     /// Attaches the tab and waits until it shows its first asset.
     bool showLoadedTab();
     void selectAsset(std::size_t index);
+    /// Shows the asset in every mode, drawing so many frames of each; the tab is left in the last.
+    void showInAllModes(std::size_t asset, int frameCount);
     std::string documents() const { return documents_.path(); }
     std::size_t below(std::size_t count) { return count ? random_() % count : 0; }
     bool once(std::size_t in) { return below(in) == 0; }

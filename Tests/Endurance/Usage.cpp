@@ -58,7 +58,9 @@ double growth(const std::vector<Usage>& values, std::size_t Usage::*what) {
 void report(const std::string& test, std::size_t cases, std::size_t survived, std::size_t failures) {
     const char* file = std::getenv("FLAREBOX_RELIABILITY");
     if (!file) return;
-    std::ofstream(file, std::ios::app) << test << '\t' << cases << '\t' << survived << '\t' << failures << '\t'
+    const char* tool = std::getenv("FLAREBOX_TOOL");
+    const std::string under = tool && *tool ? " (" + std::string(tool) + ")" : "";
+    std::ofstream(file, std::ios::app) << test << under << '\t' << cases << '\t' << survived << '\t' << failures << '\t'
                                        << peakMiB() << '\n';
 }
 

@@ -24,7 +24,7 @@ std::size_t peakMiB();
 double growth(const std::vector<Usage>& values, std::size_t Usage::*what);
 
 /// Adds a line to the table of the file that the environment variable FLAREBOX_RELIABILITY names, if it does: test,
-/// cases, faults survived, failures, peak in MiB.
+/// cases, faults survived, failures, peak in MiB. FLAREBOX_TOOL names what the program runs under, if anything.
 void report(const std::string& test, std::size_t cases, std::size_t survived, std::size_t failures);
 
 /// A number of the environment, for the longer runs of scripts; `usual` otherwise.

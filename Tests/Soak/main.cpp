@@ -47,17 +47,9 @@ private:
     void warmUp() {
         stage_.showLoadedTab();
         stage_.tab->toggleFlarebox(true, false);
-        for (std::size_t asset = 0; asset < stage_.tab->assestsList()->size(); ++asset) {
-            stage_.selectAsset(asset);
-            for (const AssetMode mode : {AssetMode3D, AssetModeVideo, AssetMode2D}) {
-                stage_.tab->changeAssetMode(mode);
-                for (int frame = 0; frame < 5; ++frame) {
-                    stage_.host->drawFrame();
-                    stage_.settleIdle(0.02);
-                    stage_.frames(2);
-                }
-            }
-        }
+        // None where the first list could not be had, which the first refresh finds wrong.
+        const std::size_t count = stage_.tab->assestsList() ? stage_.tab->assestsList()->size() : 0;
+        for (std::size_t asset = 0; asset < count; ++asset) stage_.showInAllModes(asset, 5);
     }
 
     /// One period of the countdown: some use of the tab, and then the time that is left of it.

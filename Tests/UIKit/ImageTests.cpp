@@ -225,7 +225,7 @@ TEST(Image, KeepsItsProportions) {
     for (const Case& c : cases) {
         const auto pixels = static_cast<std::size_t>(c.width * c.height);
         const auto image = UIImage::imageWithPixels(c.width, c.height, std::vector<std::uint32_t>(pixels, 0xFF112233));
-        const auto small = image->downscaledTo(c.limit);
+        const auto small = image->resampledTo(UIImage::Room{c.limit}.sizeOf(image->pixelSize()));
         EXPECT_EQ(small->pixelWidth(), c.expectedWidth);
         EXPECT_EQ(small->pixelHeight(), c.expectedHeight);
     }

@@ -29,13 +29,6 @@ std::uint32_t mixed(std::uint32_t from, std::uint32_t to, std::uint32_t part) {
     return half(from & 0x00FF00FF, to & 0x00FF00FF) | half(from >> 8 & 0x00FF00FF, to >> 8 & 0x00FF00FF) << 8;
 }
 
-/// The pixels whose centres lie within.
-PixelRect coveredPixels(const CGRect& rect) {
-    const auto edge = [](CGFloat value) { return static_cast<int>(std::ceil(value - 0.5)); };
-    const int left = edge(rect.minX()), top = edge(rect.minY());
-    return {left, top, edge(rect.maxX()) - left, edge(rect.maxY()) - top};
-}
-
 bool isWhole(CGFloat value) {
     return std::abs(value - std::round(value)) < 1e-6;
 }
@@ -109,19 +102,17 @@ std::size_t SoftwareCompositor::textureCount() const {
 void SoftwareCompositor::drawQuad(const TexturedQuad& quad) {
     const Texture* texture = textureOf(quad.texture);
     const PixelRect& source = quad.source;
-    const bool fits = texture && source.x >= 0 && source.y >= 0 && source.width > 0 && source.height > 0 &&
-                      source.x + source.width <= texture->width && source.y + source.height <= texture->height;
-    const CGRect shown = quad.destination.intersection(quad.clip).intersection(
-        {{}, {static_cast<CGFloat>(width_), static_cast<CGFloat>(height_)}});
-    if (!fits || shown.isEmpty()) return;
+    if (!texture) return;
+    const PixelRect area = coveredPixels(quad, texture->width, texture->height, width_, height_);
+    if (area.isEmpty()) return;
     const CGRect& place = quad.destination;
     const bool isCopied = isWhole(place.minX()) && isWhole(place.minY()) &&
                           std::abs(place.width() - source.width) < 1e-6 &&
                           std::abs(place.height() - source.height) < 1e-6;
     if (isCopied)
-        drawCopied(*texture, quad, coveredPixels(shown));
+        drawCopied(*texture, quad, area);
     else
-        drawFiltered(*texture, quad, coveredPixels(shown));
+        drawFiltered(*texture, quad, area);
 }
 
 void SoftwareCompositor::drawCopied(const Texture& texture, const TexturedQuad& quad, const PixelRect& area) {

@@ -21,14 +21,6 @@ constexpr std::array<GLint, 4> byteOrder = std::endian::native == std::endian::l
                                                ? std::array<GLint, 4>{GL_BLUE, GL_GREEN, GL_RED, GL_ALPHA}
                                                : std::array<GLint, 4>{GL_GREEN, GL_BLUE, GL_ALPHA, GL_RED};
 
-/// The pixels whose centres lie within. Found here rather than by a scissor, so that clips need no batch of their own
-/// and every device agrees on what lies on an edge.
-PixelRect coveredPixels(const CGRect& rect) {
-    const auto edge = [](CGFloat value) { return static_cast<int>(std::ceil(value - 0.5)); };
-    const int left = edge(rect.minX()), top = edge(rect.minY());
-    return {left, top, edge(rect.maxX()) - left, edge(rect.maxY()) - top};
-}
-
 }  // namespace
 
 /// What is made in one context.
@@ -180,14 +172,10 @@ void OpenGLCompositor::destroyTexture(TextureId id) {
 void OpenGLCompositor::drawQuad(const TexturedQuad& quad) {
     if (!device_ || !device_->frame) return;
     const Texture* texture = textureOf(quad.texture);
-    const PixelRect& source = quad.source;
-    const bool fits = texture && source.x >= 0 && source.y >= 0 && source.width > 0 && source.height > 0 &&
-                      source.x + source.width <= texture->width && source.y + source.height <= texture->height;
-    const CGRect shown = quad.destination.intersection(quad.clip).intersection(
-        {{}, {static_cast<CGFloat>(width_), static_cast<CGFloat>(height_)}});
-    if (!fits || shown.isEmpty()) return;
-    const PixelRect area = coveredPixels(shown);
-    if (area.width > 0 && area.height > 0) device_->quads->add(texture->name, quad, area);
+    if (!texture) return;
+    // Found here rather than by a scissor, so that clips need no batch of their own.
+    const PixelRect area = coveredPixels(quad, texture->width, texture->height, width_, height_);
+    if (!area.isEmpty()) device_->quads->add(texture->name, quad, area);
 }
 
 void OpenGLCompositor::beginFrame() {
