@@ -8,13 +8,6 @@
 #include <UIKit/UIViewController.h>
 #include <UIKit/UIWindow.h>
 
-#include <arpa/inet.h>
-#include <ifaddrs.h>
-#include <netinet/in.h>
-
-#include <memory>
-#include <string_view>
-
 namespace flarebox {
 namespace {
 
@@ -72,22 +65,16 @@ void FlareboxConfig::handleAdsDisable() {
     presenter->presentViewController(alert, true, nullptr);
 }
 
-NSString FlareboxConfig::addressAmong(const ifaddrs* interfaces) {
+NSString FlareboxConfig::addressAmong(const std::vector<LocalAddress>& addresses) {
     NSString address = "error";
-    for (const ifaddrs* entry = interfaces; entry; entry = entry->ifa_next) {
-        if (!entry->ifa_addr || !entry->ifa_name || entry->ifa_addr->sa_family != AF_INET) continue;
-        const std::string_view name = entry->ifa_name;
-        if (name != "en0" && name != "pdp_ip0") continue;
-        address = inet_ntoa(reinterpret_cast<const sockaddr_in*>(entry->ifa_addr)->sin_addr);
+    for (const LocalAddress& local : addresses) {
+        if (local.interfaceName == "en0" || local.interfaceName == "pdp_ip0") address = local.address;
     }
     return address;
 }
 
 NSString FlareboxConfig::getIPAddress() {
-    ifaddrs* interfaces = nullptr;
-    if (getifaddrs(&interfaces) != 0) return "error";
-    const std::unique_ptr<ifaddrs, void (*)(ifaddrs*)> owner(interfaces, freeifaddrs);
-    return addressAmong(interfaces);
+    return addressAmong(localAddresses());
 }
 
 }  // namespace flarebox

@@ -4,11 +4,11 @@
 #include <Flarebox/Models/FXUserSession.h>
 #include <Foundation/NSObject.h>
 #include <Foundation/Values.h>
+#include <Networking/LocalAddress.h>
 
 #include <atomic>
 #include <cstdint>
-
-struct ifaddrs;
+#include <vector>
 
 namespace flarebox {
 
@@ -71,8 +71,8 @@ public:
     /// The IPv4 address of the interface "en0" or "pdp_ip0" in dotted decimal, the last one listed; "error" when there
     /// is none.
     static NSString getIPAddress();
-    /// The same, of a list as `getifaddrs` makes it; null is an empty list.
-    static NSString addressAmong(const ::ifaddrs* interfaces);
+    /// The same, of a list in the system's order.
+    static NSString addressAmong(const std::vector<LocalAddress>& addresses);
 
 private:
     template <class T, class... Arguments>

@@ -3,14 +3,11 @@
 #include <Foundation/Immortal.h>
 #include <Foundation/NSFileManager.h>
 #include <Foundation/NSProcessInfo.h>
+#include <Foundation/RegularFile.h>
+#include <Foundation/System.h>
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 #include <algorithm>
 #include <cerrno>
-#include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <optional>
 #include <system_error>
@@ -36,35 +33,19 @@ std::optional<std::string> pathOf(std::string_view text) {
     return std::string(text);
 }
 
-class File {
-public:
-    explicit File(int descriptor) : descriptor_(descriptor) {}
-    ~File() {
-        if (descriptor_ >= 0) close(descriptor_);
+/// 0, or the number of the error.
+int readAll(RegularFile& file, std::string& contents, std::size_t limit) {
+    constexpr std::size_t step = std::size_t{64} * 1024;
+    for (;;) {
+        const std::size_t size = contents.size();
+        contents.resize(size + step);
+        const auto count = file.readNext(contents.data() + size, step);
+        if (!count) return errno;
+        contents.resize(size + *count);
+        if (contents.size() > limit) return EFBIG;
+        if (*count == 0) return 0;
     }
-    File(const File&) = delete;
-    File& operator=(const File&) = delete;
-
-    int descriptor() const { return descriptor_; }
-    bool isOpen() const { return descriptor_ >= 0; }
-
-    /// 0, or the number of the error.
-    int readAll(std::string& contents, std::size_t limit) const {
-        constexpr std::size_t step = std::size_t{64} * 1024;
-        for (;;) {
-            std::size_t size = contents.size();
-            contents.resize(size + step);
-            ssize_t count = read(descriptor_, contents.data() + size, step);
-            if (count < 0 && errno != EINTR) return errno;
-            contents.resize(size + static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
-            if (contents.size() > limit) return EFBIG;
-            if (count == 0) return 0;
-        }
-    }
-
-private:
-    int descriptor_;
-};
+}
 
 }  // namespace
 
@@ -80,13 +61,14 @@ NSFileManager& NSFileManager::defaultManager() {
 
 bool NSFileManager::fileExistsAtPath(std::string_view path) const {
     auto name = pathOf(path);
-    return name && access(name->c_str(), F_OK) == 0;
+    std::error_code ignored;
+    return name && fs::exists(*name, ignored);
 }
 
 bool NSFileManager::isRegularFileAtPath(std::string_view path) const {
     auto name = pathOf(path);
-    struct stat status;
-    return name && lstat(name->c_str(), &status) == 0 && S_ISREG(status.st_mode);
+    std::error_code ignored;
+    return name && fs::symlink_status(*name, ignored).type() == fs::file_type::regular;
 }
 
 std::vector<std::string> NSFileManager::contentsOfDirectoryAtPath(std::string_view path, Ref<NSError>* error) const {
@@ -122,28 +104,24 @@ bool NSFileManager::createDirectoryAtPath(std::string_view path, bool withInterm
     std::error_code ignored;
     // Looked for first: one that is there is asked for again and again.
     if (withIntermediateDirectories && fs::is_directory(*name, ignored)) return true;
-    if (mkdir(name->c_str(), 0700) == 0) return true;
-    int number = errno;
+    int number = system::makeDirectory(*name);
+    if (number == 0) return true;
     if (!withIntermediateDirectories) return fail(error, number, Access::Write, path);
     if (number == EEXIST && fs::is_directory(*name, ignored)) return true;
     fs::path parent = fs::path(*name).parent_path();
     if (number != ENOENT || parent.empty()) return fail(error, number, Access::Write, path);
     if (!createDirectoryAtPath(parent.string(), true, error)) return false;
     // Somebody else may have been faster.
-    if (mkdir(name->c_str(), 0700) == 0 || errno == EEXIST) return true;
-    return fail(error, errno, Access::Write, path);
+    number = system::makeDirectory(*name);
+    return number == 0 || number == EEXIST || fail(error, number, Access::Write, path);
 }
 
 bool NSFileManager::moveItemAtPath(std::string_view path, std::string_view toPath, Ref<NSError>* error) const {
     auto from = pathOf(path);
     auto to = pathOf(toPath);
     if (!from || !to) return fail(error, EINVAL, Access::Write, from ? toPath : path);
-    if (renameat2(AT_FDCWD, from->c_str(), AT_FDCWD, to->c_str(), RENAME_NOREPLACE) == 0) return true;
-    if (errno != EINVAL && errno != ENOSYS) return fail(error, errno, Access::Write, errno == ENOENT ? path : toPath);
-    // A file system without the exclusive form.
-    struct stat ignored;
-    if (lstat(to->c_str(), &ignored) == 0) return fail(error, EEXIST, Access::Write, toPath);
-    return replaceItemAtPath(toPath, path, error);
+    const int number = system::renameUnlessTaken(*from, *to);
+    return number == 0 || fail(error, number, Access::Write, number == ENOENT ? path : toPath);
 }
 
 bool NSFileManager::replaceItemAtPath(std::string_view path, std::string_view withItemAtPath,
@@ -151,8 +129,11 @@ bool NSFileManager::replaceItemAtPath(std::string_view path, std::string_view wi
     auto to = pathOf(path);
     auto from = pathOf(withItemAtPath);
     if (!from || !to) return fail(error, EINVAL, Access::Write, from ? path : withItemAtPath);
-    if (rename(from->c_str(), to->c_str()) == 0) return true;
-    return fail(error, errno, Access::Write, errno == ENOENT ? withItemAtPath : path);
+    std::error_code failure;
+    fs::rename(*from, *to, failure);
+    if (!failure) return true;
+    const int number = failure.value();
+    return fail(error, number, Access::Write, number == ENOENT ? withItemAtPath : path);
 }
 
 NSData NSFileManager::contentsAtPath(std::string_view path, std::size_t limit, Ref<NSError>* error) const {
@@ -161,15 +142,9 @@ NSData NSFileManager::contentsAtPath(std::string_view path, std::size_t limit, R
         fail(error, EINVAL, Access::Read, path);
         return {};
     }
-    // Without blocking, so that a pipe lying there cannot hold the caller.
-    File file(open(name->c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-    struct stat status;
-    if (!file.isOpen() || fstat(file.descriptor(), &status) != 0) {
-        fail(error, errno, Access::Read, path);
-        return {};
-    }
+    RegularFile file(*name);
     std::string contents;
-    int number = S_ISREG(status.st_mode) ? file.readAll(contents, limit) : EISDIR;
+    const int number = file.isOpen() ? readAll(file, contents, limit) : file.failure();
     if (number == 0) return NSData::dataWithString(std::move(contents));
     fail(error, number, Access::Read, path);
     return {};

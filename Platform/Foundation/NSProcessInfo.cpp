@@ -1,8 +1,8 @@
 #include <Foundation/Immortal.h>
 #include <Foundation/NSFileManager.h>
 #include <Foundation/NSProcessInfo.h>
+#include <Foundation/System.h>
 
-#include <cstdlib>
 #include <filesystem>
 
 namespace flarebox {
@@ -11,27 +11,12 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const fs::path& executable() {
-    std::error_code error;
-    static const fs::path path = fs::read_symlink("/proc/self/exe", error);
-    return path;
+fs::path executable() {
+    return system::executablePath();
 }
 
-std::string environment(const char* name) {
-    const char* value = std::getenv(name);
-    return value ? value : "";
-}
-
-/// The folder that an environment variable names, or the one below the user's home. Relative settings are void.
-fs::path userDirectory(const char* variable, const char* belowHome) {
-    fs::path set = environment(variable);
-    if (set.is_absolute()) return set;
-    fs::path home = environment("HOME");
-    return home.is_absolute() ? home / belowHome : fs::path();
-}
-
-std::string below(const fs::path& directory, const std::string& name) {
-    return directory.empty() ? std::string() : (directory / name).string();
+std::string below(const std::string& directory, const std::string& name) {
+    return directory.empty() ? directory : directory + "/" + name;
 }
 
 }  // namespace
@@ -60,11 +45,11 @@ std::string NSProcessInfo::executableDirectory() {
 }
 
 std::string NSProcessInfo::configurationDirectory() const {
-    return below(userDirectory("XDG_CONFIG_HOME", ".config"), processName());
+    return below(system::settingsDirectory(), processName());
 }
 
 std::string NSProcessInfo::dataDirectory() const {
-    return below(userDirectory("XDG_DATA_HOME", ".local/share"), processName());
+    return below(system::dataDirectory(), processName());
 }
 
 }  // namespace flarebox

@@ -1,6 +1,6 @@
 #include <Foundation/NSUUID.h>
+#include <Foundation/System.h>
 
-#include <unistd.h>
 #include <charconv>
 
 namespace flarebox {
@@ -18,7 +18,7 @@ constexpr std::size_t offsetOfByte(std::size_t index) {
 
 std::optional<NSUUID> NSUUID::UUID() {
     NSUUID result;
-    if (getentropy(result.bytes_.data(), result.bytes_.size()) != 0) return std::nullopt;
+    if (!system::fillWithRandomBytes(result.bytes_)) return std::nullopt;
     result.bytes_[6] = static_cast<std::uint8_t>((result.bytes_[6] & 0x0F) | 0x40);  // version 4
     result.bytes_[8] = static_cast<std::uint8_t>((result.bytes_[8] & 0x3F) | 0x80);  // the RFC's variant
     return result;

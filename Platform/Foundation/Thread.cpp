@@ -1,18 +1,12 @@
 #include <Foundation/LogSink.h>
+#include <Foundation/System.h>
 #include <Foundation/Thread.h>
 
-#include <fcntl.h>
-#include <pthread.h>
-#include <unistd.h>
-
-#include <cerrno>
 #include <condition_variable>
-#include <cstdio>
 #include <deque>
 #include <mutex>
 #include <system_error>
 #include <utility>
-#include <vector>
 
 namespace flarebox {
 namespace {
@@ -62,20 +56,6 @@ int refusalOfThreads(int count) {
     return refusal;
 }
 
-int refusalOfDescriptors(int count) {
-    std::vector<int> descriptors;
-    int refusal = 0;
-    for (int each = 0; each < count && refusal == 0; ++each) {
-        const int descriptor = open("/", O_PATH | O_CLOEXEC);
-        if (descriptor < 0)
-            refusal = errno;
-        else
-            descriptors.push_back(descriptor);
-    }
-    for (const int descriptor : descriptors) close(descriptor);
-    return refusal;
-}
-
 std::string sentence(const char* what, int number) {
     return std::string("The system gives no more ") + what + ": " + std::system_category().message(number);
 }
@@ -85,7 +65,7 @@ std::string sentence(const char* what, int number) {
 bool Thread::start(const char* name, std::function<void()> run) {
     try {
         thread_ = std::thread([name = std::string(name), run = std::move(run)] {
-            pthread_setname_np(pthread_self(), name.c_str());
+            system::nameThread(name.c_str());
             run();
         });
         return true;
@@ -101,7 +81,7 @@ void Thread::join() {
 }
 
 std::string lackOf(int threads, int descriptors) {
-    if (const int refusal = refusalOfDescriptors(descriptors)) return sentence("files", refusal);
+    if (const int refusal = system::refusalOfDescriptors(descriptors)) return sentence("files", refusal);
     if (const int refusal = refusalOfThreads(threads)) return sentence("threads", refusal);
     return {};
 }

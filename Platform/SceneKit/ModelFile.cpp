@@ -1,11 +1,8 @@
 #include <SceneKit/ModelFile.h>
 
+#include <Foundation/RegularFile.h>
 #include <SceneKit/ModelDescription.h>
 #include <SceneKit/ModelPacker.h>
-
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <cstring>
 
@@ -15,39 +12,6 @@ namespace {
 constexpr std::size_t largestDescription = std::size_t{8} << 20;
 constexpr std::uint32_t jsonChunk = 0x4E4F534A, binaryChunk = 0x004E4942;
 
-/// A regular file, read from its start to its end. A link is none.
-class File {
-public:
-    explicit File(const std::string& path)
-        : descriptor_(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW)) {}
-    ~File() {
-        if (descriptor_ >= 0) close(descriptor_);
-    }
-    File(const File&) = delete;
-    File& operator=(const File&) = delete;
-
-    /// Nothing for what is no regular file.
-    std::optional<std::size_t> size() const {
-        struct stat status {};
-        if (descriptor_ < 0 || fstat(descriptor_, &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
-        return static_cast<std::size_t>(status.st_size);
-    }
-    bool read(std::size_t offset, void* buffer, std::size_t size) const {
-        auto* to = static_cast<std::byte*>(buffer);
-        while (size > 0) {
-            const ssize_t count = pread(descriptor_, to, size, static_cast<off_t>(offset));
-            if (count <= 0) return false;
-            offset += static_cast<std::size_t>(count);
-            to += count;
-            size -= static_cast<std::size_t>(count);
-        }
-        return true;
-    }
-
-private:
-    int descriptor_;
-};
-
 /// The parts of an opened file.
 struct Parts {
     std::string description;
@@ -55,16 +19,16 @@ struct Parts {
 };
 
 /// Why the file is none that can be read; empty on success.
-std::string readParts(const File& file, Parts& parts) {
-    const auto size = file.size();
-    if (!size) return "it cannot be opened";
-    if (*size > largestModelFile) return "it is larger than 256 MiB";
+std::string readParts(const RegularFile& file, Parts& parts) {
+    if (!file.isOpen()) return "it cannot be opened";
+    const std::uint64_t size = file.size();
+    if (size > largestModelFile) return "it is larger than 256 MiB";
     std::uint32_t head[5];
-    if (*size < sizeof head || !file.read(0, head, sizeof head)) return "it is too short for a model";
+    if (size < sizeof head || !file.read(0, head, sizeof head)) return "it is too short for a model";
     if (std::memcmp(head, "glTF", 4) != 0) return "it is no binary glTF file";
     if (head[1] != 2) return "it is of version " + std::to_string(head[1]) + " of binary glTF, not 2";
     const std::size_t length = head[2], descriptionLength = head[3];
-    if (length > *size) return "it is cut off";
+    if (length > size) return "it is cut off";
     if (head[4] != jsonChunk) return "it does not begin with its description";
     if (descriptionLength > length - sizeof head) return "its description is cut off";
     if (descriptionLength > largestDescription) return "its description is longer than 8 MiB";
@@ -83,7 +47,7 @@ std::string readParts(const File& file, Parts& parts) {
     return {};
 }
 
-std::optional<ModelDescription> describe(const File& file, Parts& parts, std::string& failure) {
+std::optional<ModelDescription> describe(const RegularFile& file, Parts& parts, std::string& failure) {
     failure = readParts(file, parts);
     if (!failure.empty()) return std::nullopt;
     auto model = readDescription(parts.description, failure);
@@ -97,7 +61,7 @@ std::optional<ModelDescription> describe(const File& file, Parts& parts, std::st
 }  // namespace
 
 std::optional<ModelSummary> readModelSummary(const std::string& path, std::string& failure) {
-    const File file(path);
+    const RegularFile file(path, RegularFile::Links::Refuse);
     Parts parts;
     const auto model = describe(file, parts, failure);
     if (!model) return std::nullopt;
@@ -114,7 +78,7 @@ std::optional<ModelSummary> readModelSummary(const std::string& path, std::strin
 }
 
 std::optional<ModelContents> readModelContents(const std::string& path, std::string& failure) {
-    const File file(path);
+    const RegularFile file(path, RegularFile::Links::Refuse);
     Parts parts;
     auto model = describe(file, parts, failure);
     if (!model) return std::nullopt;

@@ -1,38 +1,9 @@
 #include <Foundation/Immortal.h>
 #include <Foundation/NSNotificationCenter.h>
+#include <Foundation/System.h>
 #include <UIKit/UIDevice.h>
 
-#include <sys/utsname.h>
-
-#include <fstream>
-#include <string>
-#include <string_view>
-
 namespace flarebox {
-namespace {
-
-utsname systemNames() {
-    utsname names{};
-    uname(&names);
-    return names;
-}
-
-/// The value of a line `NAME=value` or `NAME="value"` of the file that describes the distribution; empty when there is
-/// none.
-std::string distributionField(std::string_view name) {
-    std::ifstream file("/etc/os-release");
-    for (std::string line; std::getline(file, line);) {
-        const auto equals = line.find('=');
-        if (equals == std::string::npos || std::string_view(line).substr(0, equals) != name) continue;
-        std::string value = line.substr(equals + 1);
-        std::erase(value, '"');
-        return value;
-    }
-    return {};
-}
-
-}  // namespace
-
 UIDevice& UIDevice::currentDevice() {
     static detail::Immortal<UIDevice> device;
     return *device;
@@ -50,16 +21,15 @@ void UIDevice::setOrientation(UIDeviceOrientation orientation) {
 }
 
 NSString UIDevice::systemName() const {
-    return systemNames().sysname;
+    return system::names().system;
 }
 
 NSString UIDevice::systemVersion() const {
-    static const std::string version = distributionField("VERSION_ID");
-    return version.empty() ? NSString(systemNames().release) : NSString(version);
+    return system::names().version;
 }
 
 NSString UIDevice::model() const {
-    return systemNames().machine;
+    return system::names().machine;
 }
 
 }  // namespace flarebox
