@@ -255,4 +255,15 @@ TEST_F(FailureTest, WhatIsLeftOnAConnectionAnswersNothing) {
     }
 }
 
+TEST_F(FailureTest, AFieldThatContinuesNothingReachesNoAnswerBefore) {
+    // The address sanitizer sees whether the field of the first answer is read after its end.
+    ScriptedServer server(answering([&](Connection& connection, const std::string& request) {
+        if (firstLine(request).find("/first") != std::string::npos) return void(connection.answerJSON("[1]"));
+        connection.send(
+            "HTTP/1.1 200 OK\r\n continued\r\nContent-Type: application/json\r\nContent-Length: 3\r\n\r\n[2]");
+    }));
+    for (const char* path : {"/first", "/second", "/first", "/second"}) load(get(server.url(path)));
+    EXPECT_EQ(load(get(server.url("/first"))).code(), 0);
+}
+
 }  // namespace flarebox::testing

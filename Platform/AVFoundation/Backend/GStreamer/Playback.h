@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 
+#include "DownloadBuffers.h"
 #include "PlaybackBoard.h"
 
 typedef struct _GstElement GstElement;
@@ -40,6 +41,7 @@ public:
 
     // Called by threads of the library.
     const VideoOptions& options() const { return options_; }
+    DownloadBuffers& downloadBuffers() { return downloadBuffers_; }
     /// A seek has thrown away what was on its way: what arrives from now on is from after it.
     void flushed();
     /// Null for one that cannot be shown.
@@ -100,6 +102,7 @@ private:
     int bufferedPercent_ = 0;
 
     // Shared with threads of the library.
+    DownloadBuffers downloadBuffers_;
     std::atomic<double> lastProgress_ = 0;
     std::atomic<bool> hasArrived_ = false;
     /// Since the last seek.

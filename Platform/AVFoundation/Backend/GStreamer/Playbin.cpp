@@ -3,7 +3,6 @@
 #include <Networking/UserAgent.h>
 #include <gst/app/gstappsink.h>
 #include <gst/gst.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -150,20 +149,16 @@ void watchFormat(GstElement* decoder, const char* padName, gpointer playback) {
     gst_object_unref(pad);
 }
 
-/// What is loaded ahead of a file of known length goes to a temporary file. Without a name it stays as long as it is
-/// open, and no process that ends meanwhile leaves it behind.
-void temporaryFileMade(GObject* element, GParamSpec*, gpointer) {
-    gchar* path = nullptr;
-    g_object_get(element, "temp-location", &path, nullptr);
-    if (path) unlink(path);
-    g_free(path);
+void sourcePartMade(GstBin*, GstElement* element, gpointer data) {
+    tell(data, [&](Playback& playback) { playback.downloadBuffers().add(*element); });
 }
 
 void elementMade(GstElement*, GstElement* element, gpointer data) {
-    if (g_object_class_find_property(G_OBJECT_GET_CLASS(element), "temp-location"))
-        g_signal_connect(element, "notify::temp-location", G_CALLBACK(temporaryFileMade), nullptr);
     const std::string_view name = factoryName(element);
-    if (name == "queue2") {
+    if (name == "uridecodebin") {
+        // The player says nothing of what is made in there while it is taken down.
+        g_signal_connect(element, "element-added", G_CALLBACK(sourcePartMade), data);
+    } else if (name == "queue2") {
         // In memory, of that size, instead of in a file as large as whatever the server sends.
         g_object_set(element, "temp-template", nullptr, "ring-buffer-max-size", loadedAhead, nullptr);
     } else if (name == "decodebin") {
@@ -216,6 +211,7 @@ void destroyPlaybin(GstElement& playbin, Playback& playback) {
     GstBus* bus = gst_element_get_bus(&playbin);
     gst_bus_set_sync_handler(bus, nullptr, nullptr, nullptr);
     gst_object_unref(bus);
+    playback.downloadBuffers().close();
     gst_object_unref(&playbin);
     takeFromLibrary(&playback);
 }

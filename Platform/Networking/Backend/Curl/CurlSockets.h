@@ -21,8 +21,8 @@ public:
     /// Connections that the handle opens are known from then on until they are closed.
     void attachToEasy(CURL* easy);
 
-    /// Ends the connections at rest on which there is something to be read: what a server has sent beyond its last answer
-    /// must not be taken for the answer to the next request.
+    /// Ends the connections at rest on which there is something to be read: what a server has sent beyond its last
+    /// answer must not be taken for the answer to the next request.
     void endTalkative();
 
     void handle(const EventSet::Event& event);

@@ -58,9 +58,20 @@ bool isSecure(CURL* handle) {
 
 }  // namespace
 
-EasyHandle CurlTransfer::makeHandle(const std::string& noProxy) {
-    EasyHandle handle(curl_easy_init());
-    CURL* curl = handle.get();
+CurlTransfer::CurlTransfer(const std::string& noProxy, TransferRequest request, Transport::Completion completion)
+    : request_(std::move(request)),
+      completion_(std::move(completion)),
+      idleTimeout_(usableTimeout(request_.idleTimeout)),
+      lastActivity_(Clock::real().uptime()) {
+    setUpPolicy(noProxy);
+    setUpCallbacks();
+    setUp();
+    setUpMethod();
+    setUpFields();
+}
+
+void CurlTransfer::setUpPolicy(const std::string& noProxy) {
+    CURL* curl = handle();
     curl_easy_setopt(curl, CURLOPT_PATH_AS_IS, 1L);
     curl_easy_setopt(curl, CURLOPT_ACCEPT_ENCODING, "gzip");
     curl_easy_setopt(curl, CURLOPT_USERAGENT, userAgent);
@@ -73,11 +84,13 @@ EasyHandle CurlTransfer::makeHandle(const std::string& noProxy) {
     curl_easy_setopt(curl, CURLOPT_FOLLOWLOCATION, 1L);
     curl_easy_setopt(curl, CURLOPT_MAXREDIRS, static_cast<long>(Transport::maximumRedirects));
     curl_easy_setopt(curl, CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
-    setUpCallbacks(curl);
-    return handle;
 }
 
-void CurlTransfer::setUpCallbacks(CURL* curl) {
+void CurlTransfer::setUpCallbacks() {
+    CURL* curl = handle();
+    for (const CURLoption option : {CURLOPT_PRIVATE, CURLOPT_HEADERDATA, CURLOPT_WRITEDATA, CURLOPT_XFERINFODATA}) {
+        curl_easy_setopt(curl, option, this);
+    }
     curl_easy_setopt(
         curl, CURLOPT_HEADERFUNCTION, +[](char* bytes, std::size_t size, std::size_t count, void* self) -> std::size_t {
             return static_cast<CurlTransfer*>(self)->receiveHeader({bytes, size * count});
@@ -94,28 +107,14 @@ void CurlTransfer::setUpCallbacks(CURL* curl) {
         });
 }
 
-CurlTransfer::CurlTransfer(EasyHandle handle, TransferRequest request, Transport::Completion completion)
-    : handle_(std::move(handle)),
-      request_(std::move(request)),
-      completion_(std::move(completion)),
-      idleTimeout_(usableTimeout(request_.idleTimeout)),
-      lastActivity_(Clock::real().uptime()) {
-    setUp();
-    setUpMethod();
-    setUpFields();
-}
-
 void CurlTransfer::setUp() {
     CURL* curl = handle();
-    for (const CURLoption option : {CURLOPT_PRIVATE, CURLOPT_HEADERDATA, CURLOPT_WRITEDATA, CURLOPT_XFERINFODATA}) {
-        curl_easy_setopt(curl, option, this);
-    }
     curl_easy_setopt(curl, CURLOPT_URL, request_.url.c_str());
     curl_easy_setopt(curl, CURLOPT_REDIR_PROTOCOLS_STR, "http,https");
     curl_easy_setopt(curl, CURLOPT_BUFFERSIZE, request_.file ? bufferLengthOfDownloads : bufferLength);
     curl_easy_setopt(curl, CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(request_.maximumBodyLength));
     const std::string& pins = request_.pinnedPublicKeys;
-    curl_easy_setopt(curl, CURLOPT_PINNEDPUBLICKEY, pins.empty() ? nullptr : pins.c_str());
+    if (!pins.empty()) curl_easy_setopt(curl, CURLOPT_PINNEDPUBLICKEY, pins.c_str());
     if (!request_.certificateAuthorityFile.empty()) {
         curl_easy_setopt(curl, CURLOPT_CAINFO, request_.certificateAuthorityFile.c_str());
     }
@@ -125,9 +124,6 @@ void CurlTransfer::setUpMethod() {
     CURL* curl = handle();
     const std::string& method = request_.method;
     const std::string_view body = request_.body.text();
-    // The handle may have served another method before; whichever comes last here counts.
-    curl_easy_setopt(curl, CURLOPT_HTTPGET, 1L);
-    curl_easy_setopt(curl, CURLOPT_CUSTOMREQUEST, nullptr);
     if (method == "HEAD") {
         curl_easy_setopt(curl, CURLOPT_NOBODY, 1L);
         return;
@@ -309,12 +305,6 @@ CurlTransfer::Ended CurlTransfer::endWith(CURLcode code) {
         finishBody();
     }
     return {std::move(completion_), std::move(result_)};
-}
-
-EasyHandle CurlTransfer::takeHandle() {
-    // Trust and passwords are for this transfer alone.
-    const bool isPrivate = !request_.certificateAuthorityFile.empty() || request_.url.find('@') != std::string::npos;
-    return isPrivate ? nullptr : std::move(handle_);
 }
 
 }  // namespace flarebox

@@ -8,14 +8,13 @@
 
 namespace flarebox {
 
-/// One exchange under way on a handle of its own. Whoever holds the library's lock; stays at its address.
+/// One exchange under way on a handle of its own. No handle serves twice: the library (7.88) keeps a pointer to the
+/// last header field of the answer before, and a malicious server can have it followed. Whoever holds the library's
+/// lock; stays at its address.
 class CurlTransfer {
 public:
-    /// A handle with all that is the same for every transfer, and that it keeps from one to the next. `noProxy` lists
-    /// the hosts that are reached without a proxy.
-    static EasyHandle makeHandle(const std::string& noProxy);
-
-    CurlTransfer(EasyHandle handle, TransferRequest request, Transport::Completion completion);
+    /// `noProxy` lists the hosts that are reached without a proxy.
+    CurlTransfer(const std::string& noProxy, TransferRequest request, Transport::Completion completion);
     CurlTransfer(const CurlTransfer&) = delete;
     CurlTransfer& operator=(const CurlTransfer&) = delete;
 
@@ -34,14 +33,13 @@ public:
         TransferResult result;
     };
     Ended endWith(CURLcode code);
-    /// The handle, for another transfer; this one is over. Null when no other may have it.
-    EasyHandle takeHandle();
 
 private:
     /// Why one of our own functions ended the transfer.
     enum class Refusal { None, BodyTooLong, HeaderTooLong, FileFailed, OutOfMemory };
 
-    static void setUpCallbacks(CURL* curl);
+    void setUpPolicy(const std::string& noProxy);
+    void setUpCallbacks();
     void setUp();
     void setUpMethod();
     void setUpFields();
@@ -61,7 +59,7 @@ private:
 
     Ref<NSError> errorFor(CURLcode code);
 
-    EasyHandle handle_;
+    EasyHandle handle_{curl_easy_init()};
     TransferRequest request_;
     Transport::Completion completion_;
     StringList fields_;

@@ -17,7 +17,6 @@ namespace {
 constexpr long keptConnections = 16;
 /// Copied into the kernel in some microseconds.
 constexpr std::size_t quickBodyLength = 16 * 1024;
-constexpr std::size_t keptHandles = 16;
 
 /// A service on the same machine is never asked through a proxy, whatever the environment says.
 std::string hostsWithoutProxy() {
@@ -166,8 +165,9 @@ void TransferLoop::proceed() {
 }
 
 void TransferLoop::begin(TransferQueue::Entry entry) {
-    auto transfer = std::make_unique<CurlTransfer>(takeHandle(), std::move(entry.request), std::move(entry.completion));
+    auto transfer = std::make_unique<CurlTransfer>(noProxy_, std::move(entry.request), std::move(entry.completion));
     CURL* handle = transfer->handle();
+    sockets_.attachToEasy(handle);
     identifiers_[handle] = entry.identifier;
     transfers_[entry.identifier] = std::move(transfer);
     sockets_.endTalkative();
@@ -216,20 +216,6 @@ void TransferLoop::release(std::unique_ptr<CurlTransfer> transfer) {
     queue_.ended(request.url, TransferQueue::laneOf(request), transfer->hasAnswer() ? answered : End::Failed);
     curl_multi_remove_handle(multi_.get(), transfer->handle());
     identifiers_.erase(transfer->handle());
-    if (spareHandles_.size() == keptHandles) return;
-    if (EasyHandle handle = transfer->takeHandle()) spareHandles_.push_back(std::move(handle));
-}
-
-EasyHandle TransferLoop::takeHandle() {
-    EasyHandle handle;
-    if (spareHandles_.empty()) {
-        handle = CurlTransfer::makeHandle(noProxy_);
-        sockets_.attachToEasy(handle.get());
-    } else {
-        handle = std::move(spareHandles_.back());
-        spareHandles_.pop_back();
-    }
-    return handle;
 }
 
 }  // namespace flarebox

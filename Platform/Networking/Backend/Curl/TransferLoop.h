@@ -73,7 +73,6 @@ private:
     void finishIdle();
     void setAlarm();
     void release(std::unique_ptr<CurlTransfer> transfer);
-    EasyHandle takeHandle();
 
     std::mutex ordersMutex_;
     Orders orders_;
@@ -90,7 +89,6 @@ private:
     Transfers transfers_;
     std::unordered_map<CURL*, Identifier> identifiers_;
     std::unordered_map<Identifier, std::unique_ptr<Transport::Watch>> watches_;
-    std::vector<EasyHandle> spareHandles_;
     /// What is completed once the lock is let go of: whoever learns of an answer may want to send again at once.
     std::vector<CurlTransfer::Ended> ended_;
     Thread thread_;
