@@ -256,14 +256,18 @@ TEST_F(FailureTest, WhatIsLeftOnAConnectionAnswersNothing) {
 }
 
 TEST_F(FailureTest, AFieldThatContinuesNothingReachesNoAnswerBefore) {
-    // The address sanitizer sees whether the field of the first answer is read after its end.
-    ScriptedServer server(answering([&](Connection& connection, const std::string& request) {
-        if (firstLine(request).find("/first") != std::string::npos) return void(connection.answerJSON("[1]"));
-        connection.send(
-            "HTTP/1.1 200 OK\r\n continued\r\nContent-Type: application/json\r\nContent-Length: 3\r\n\r\n[2]");
-    }));
-    for (const char* path : {"/first", "/second", "/first", "/second"}) load(get(server.url(path)));
-    EXPECT_EQ(load(get(server.url("/first"))).code(), 0);
+    // The address sanitizer sees it when the fields of the first answer are read after their end.
+    for (const char* head : {"HTTP/1.1 200 OK\r\n a: b\r\n c: d\r\n\r\n", "HTTP/1.1 200 OK\r\na: b\r\n c\r\n d\r\n\r\n",
+                             "HTTP/1.1 200 OK\r\nno field\r\n c\r\n d\r\n\r\n"}) {
+        ScriptedServer server([&](Connection& connection) {
+            while (auto request = connection.readRequest()) {
+                if (firstLine(*request).find("/second") != std::string::npos) return void(connection.send(head));
+                connection.answerJSON("[1]");
+            }
+        });
+        for (const char* path : {"/first", "/second", "/first", "/second"}) load(get(server.url(path)));
+        EXPECT_EQ(load(get(server.url("/first"))).code(), 0) << head;
+    }
 }
 
 }  // namespace flarebox::testing
