@@ -41,6 +41,12 @@ flarebox_result failed(flarebox_result result, std::string reason) noexcept {
     return result;
 }
 
+}  // namespace flarebox::c
+
+// The definitions stand where the declarations do: in a namespace they would not take over that they are exported.
+using namespace flarebox;
+using namespace flarebox::c;
+
 extern "C" {
 
 const char* flarebox_last_error(void) {
@@ -79,5 +85,3 @@ flarebox_result flarebox_set_muted(bool muted) {
 }
 
 }  // extern "C"
-
-}  // namespace flarebox::c

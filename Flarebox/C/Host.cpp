@@ -75,6 +75,11 @@ bool consumes(flarebox_host* handle, const Input& input) {
 
 }  // namespace
 
+}  // namespace flarebox::c
+
+using namespace flarebox;
+using namespace flarebox::c;
+
 extern "C" {
 
 flarebox_host* flarebox_host_create(double width, double height, double scale, const flarebox_renderer* renderer) {
@@ -157,5 +162,3 @@ flarebox_result flarebox_host_release_textures(flarebox_host* host) {
 }
 
 }  // extern "C"
-
-}  // namespace flarebox::c

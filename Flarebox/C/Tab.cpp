@@ -69,6 +69,11 @@ flarebox_result withView(flarebox_tab* handle, const Body& body) {
 
 }  // namespace
 
+}  // namespace flarebox::c
+
+using namespace flarebox;
+using namespace flarebox::c;
+
 extern "C" {
 
 flarebox_tab* flarebox_tab_create(void) {
@@ -132,5 +137,3 @@ flarebox_result flarebox_tab_reload(flarebox_tab* tab) {
 }
 
 }  // extern "C"
-
-}  // namespace flarebox::c

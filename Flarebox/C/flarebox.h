@@ -25,10 +25,16 @@
 #include <stddef.h>
 #include <stdint.h>
 
-#if defined(_WIN32)
-#define FLAREBOX_API
-#else
+#include "flarebox_version.h"
+
+#if !defined(_WIN32)
 #define FLAREBOX_API __attribute__((visibility("default")))
+#elif defined(FLAREBOX_STATIC)
+#define FLAREBOX_API
+#elif defined(FLAREBOX_BUILDING)
+#define FLAREBOX_API __declspec(dllexport)
+#else
+#define FLAREBOX_API __declspec(dllimport)
 #endif
 
 #ifdef __cplusplus
@@ -56,7 +62,7 @@ typedef struct flarebox_configuration {
     const char *game_uid;
     const char *game_version;
     const char *api_url;   /* the service's address; null: that of the resources' Info.plist. Fixed by the first request */
-    const char *resources; /* folder of the layout files; null: found by the kit. Fixed by the first tab */
+    const char *resources; /* folder of files in place of the kit's own; null: see FlareboxBundle.h. Fixed by the first tab */
     const char *documents; /* folder for models, the kit's alone; null: the application's documents folder */
     const char *device_id; /* advertising identifier; null: the kit makes one where the player allows it */
     const char *first_name, *last_name, *sex, *state, *city, *country;

@@ -1,7 +1,8 @@
+#include <Flarebox/Core/BuiltInResources.h>
 #include <Flarebox/Core/FlareboxBundle.h>
+#include <Foundation/NSProcessInfo.h>
 
 #include <cstdlib>
-#include <filesystem>
 #include <string>
 
 namespace flarebox {
@@ -9,19 +10,17 @@ namespace {
 
 std::string resourcesFolder() {
     if (const char* folder = std::getenv("FLAREBOX_RESOURCES"); folder && *folder) return folder;
-    std::error_code error;
-    const std::filesystem::path executable = std::filesystem::read_symlink("/proc/self/exe", error);
-    const std::filesystem::path beside = executable.parent_path() / "Flarebox" / "Resources";
-    if (!error && std::filesystem::is_directory(beside, error)) return beside.string();
-    return FLAREBOX_RESOURCES;
+    return NSProcessInfo::executableDirectory() + "/Flarebox/Resources";
 }
 
 }  // namespace
 
 NSBundle& flareboxBundle() {
     static const Ref<NSBundle> bundle = [] {
-        const Ref<NSBundle> registered = NSBundle::bundleWithIdentifier(flareboxBundleIdentifier);
-        return registered ? registered : NSBundle::registerBundle(flareboxBundleIdentifier, resourcesFolder());
+        Ref<NSBundle> registered = NSBundle::bundleWithIdentifier(flareboxBundleIdentifier);
+        if (!registered) registered = NSBundle::registerBundle(flareboxBundleIdentifier, resourcesFolder());
+        registered->setBuiltInFiles(builtInResources());
+        return registered;
     }();
     return *bundle;
 }

@@ -2,6 +2,7 @@
 
 #include <Flarebox/Models/FXSessionInfo.h>
 #include <Flarebox/Models/FXUserSession.h>
+#include <Foundation/Export.h>
 #include <Foundation/NSObject.h>
 #include <Foundation/Values.h>
 #include <Networking/LocalAddress.h>
@@ -13,12 +14,12 @@
 namespace flarebox {
 
 /// Seconds between refreshes while the configuration holds no positive period.
-extern std::int32_t refreshTimeIntervalDefault;
+FLAREBOX_EXPORT extern std::int32_t refreshTimeIntervalDefault;
 
 /// The settings of the kit, filled by the host before it shows the tab. One instance for the process; nothing of it is
 /// stored. Main thread, except `defaultConfig` and the settings of the log, which any thread may use; on another thread
 /// the setters do nothing, and the log says so.
-class FlareboxConfig : public NSObject {
+class FLAREBOX_EXPORT FlareboxConfig : public NSObject {
     FLAREBOX_CLASS(FlareboxConfig)
 public:
     /// The one instance, made by the first call. Any thread.

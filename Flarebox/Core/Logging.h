@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Foundation/Export.h>
 #include <Foundation/LogSink.h>
 #include <Foundation/Values.h>
 
@@ -12,20 +13,20 @@
 namespace flarebox {
 
 /// Whether a message of that level is printed now: reads the configuration afresh at every call. Any thread.
-bool isLogLevelEnabel(std::int64_t level);
+FLAREBOX_EXPORT bool isLogLevelEnabel(std::int64_t level);
 
 /// The text that a format and its arguments make. `%@` prints any argument's description; the printf conversions
 /// d i u x X o c s f F e E g G a A p with flags, width, precision and length print numbers and texts.
 /// Arguments carry their own types: one that does not fit its conversion prints its description, a conversion without
 /// an argument stays as it stands, surplus arguments are left out. Width and precision are bounded; `%n` and `*` are
 /// not supported and stay as they stand.
-std::string formatLog(std::string_view format, std::span<const Value> arguments);
+FLAREBOX_EXPORT std::string formatLog(std::string_view format, std::span<const Value> arguments);
 
 /// Writes "title: message", without a line feed that the format ends in, to the LogSink as information. Any thread.
-void printLog(std::string_view title, std::string_view format, std::span<const Value> arguments);
+FLAREBOX_EXPORT void printLog(std::string_view title, std::string_view format, std::span<const Value> arguments);
 
 namespace detail {
-void logAt(LogLevel level, std::string_view format, std::span<const Value> arguments);
+FLAREBOX_EXPORT void logAt(LogLevel level, std::string_view format, std::span<const Value> arguments);
 }  // namespace detail
 
 /// Print when the configuration lets their level through; otherwise cost next to nothing. Any thread.

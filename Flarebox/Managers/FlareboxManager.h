@@ -4,6 +4,7 @@
 #include <Flarebox/Models/FXCoupon.h>
 #include <Flarebox/Models/FXEngagementData.h>
 #include <Flarebox/Models/FXSessionInfo.h>
+#include <Foundation/Export.h>
 #include <Foundation/NSError.h>
 #include <Networking/AFHTTPSessionManager.h>
 
@@ -14,8 +15,8 @@
 namespace flarebox {
 
 /// Domain and code of the error for an input that a service operation needs and does not have.
-extern const char* const kApiErrorDomain;
-extern const int kApiMissingParamErrorCode;
+FLAREBOX_EXPORT extern const char* const kApiErrorDomain;
+FLAREBOX_EXPORT extern const int kApiMissingParamErrorCode;
 
 /// Assets in the order in which they are listed. Shared, so that the client and the tab hold the same list.
 using AssetList = std::vector<Ref<FXAssetInfo>>;
@@ -28,7 +29,7 @@ using AssetList = std::vector<Ref<FXAssetInfo>>;
 /// Where the handler returns, and in builds without, nothing is sent and the completion is called at once with an error
 /// of kApiErrorDomain. Transport errors are passed on unchanged. Main thread; the operations may be called from any
 /// thread and are then sent by the main queue, their completions included.
-class FlareboxManager : public AFHTTPSessionManager {
+class FLAREBOX_EXPORT FlareboxManager : public AFHTTPSessionManager {
     FLAREBOX_CLASS(FlareboxManager)
 public:
     /// Made by the first call from the "API_URL" of the kit's information table.
@@ -53,8 +54,8 @@ public:
 
     /// Creates a game session for the configured player. Needs a game UID, a game version and a user session.
     void createSesstion(const std::function<void(const Ref<FXSessionInfo>&, const Ref<NSError>&)>& completion);
-    /// Loads the first 20 assets of the game, in the service's order. Needs a game UID and a game version. A list of more
-    /// than 100, or an answer of more than 4 MiB, as with every operation, is an error.
+    /// Loads the first 20 assets of the game, in the service's order. Needs a game UID and a game version. A list of
+    /// more than 100, or an answer of more than 4 MiB, as with every operation, is an error.
     void loadGameCommonAssets(
         const std::function<void(const std::shared_ptr<AssetList>&, const Ref<NSError>&)>& completion);
     /// Reports what the player did. Needs a record.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <Flarebox/Mapping/MotisClass.h>
+#include <Foundation/Export.h>
 #include <Foundation/NSError.h>
 #include <Foundation/NSObject.h>
 #include <Foundation/Values.h>
@@ -27,7 +28,7 @@ struct PropertyPlan;
 ///
 /// Throughout, "key" is a JSON key or a dotted key path of the mapping where a value comes in, and a property name in
 /// hooks.
-class MotisObject : public NSObject {
+class FLAREBOX_EXPORT MotisObject : public NSObject {
 public:
     static const MotisClass& staticClass();
     const MotisClass& classInfo() const override { return MotisObject::staticClass(); }

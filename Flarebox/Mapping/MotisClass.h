@@ -3,6 +3,7 @@
 #include <Flarebox/Mapping/MTSKeyPath.h>
 #include <Flarebox/Mapping/MotisProperty.h>
 #include <Foundation/Class.h>
+#include <Foundation/Export.h>
 #include <Foundation/Values.h>
 
 #include <atomic>
@@ -54,7 +55,7 @@ struct MotisDeclarations {
 
 namespace detail {
 /// The lines of a model class and the same as the platform wants them; a base, so that it exists before ClassInfo.
-struct MotisTable {
+struct FLAREBOX_EXPORT MotisTable {
     explicit MotisTable(std::vector<MotisProperty> lines);
     std::vector<MotisProperty> lines;
     std::vector<Property> properties;
@@ -65,7 +66,7 @@ struct MotisTable {
 ///
 /// Declarations are read once, when the class or one below it is first used; what they answer later has no effect. They
 /// are called under a lock of the engine and should do no more than return their table.
-class MotisClass : private detail::MotisTable, public ClassInfo {
+class FLAREBOX_EXPORT MotisClass : private detail::MotisTable, public ClassInfo {
 public:
     MotisClass(std::string_view name, const ClassInfo& superclass, Factory factory, std::vector<MotisProperty> lines,
                const MotisDeclarations& declarations);

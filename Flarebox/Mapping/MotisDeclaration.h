@@ -3,6 +3,7 @@
 // The macro that declares a model class, and the templates that read the class's static members and hooks.
 
 #include <Flarebox/Mapping/Motis.h>
+#include <Foundation/Export.h>
 #include <Foundation/Immortal.h>
 
 #include <concepts>
@@ -23,9 +24,10 @@ PropertyValidator validator(std::string_view property) {
 
 namespace detail {
 
-/// Reads what a model class declares. Plain C++ name lookup is what makes a declaration inherited.
+/// Reads what a model class declares. Plain C++ name lookup is what makes a declaration inherited. Exported, so that a
+/// class declared in a header is the same one in the game and in the library.
 template <class T, class Superclass>
-struct MotisDeclarationReader {
+struct FLAREBOX_EXPORT MotisDeclarationReader {
     static const MotisClass& makeClass(std::string_view name) {
         static Immortal<MotisClass> cls(name, Superclass::staticClass(), &create, T::motisProperties(), declarations());
         return *cls;

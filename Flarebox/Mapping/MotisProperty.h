@@ -2,6 +2,7 @@
 
 // What a property of a model class can be: its C++ type, where its value is kept, and its declared type as text.
 
+#include <Foundation/Export.h>
 #include <Foundation/NSObject.h>
 #include <Foundation/Values.h>
 
@@ -39,12 +40,12 @@ struct ClassText {
     constexpr std::string_view text() const { return {characters, Length - 1}; }
 };
 
-std::string objectTypeAttribute(std::string_view className);
+FLAREBOX_EXPORT std::string objectTypeAttribute(std::string_view className);
 
-std::int64_t signedFromValue(const Value& value, std::int64_t lowest, std::int64_t highest) noexcept;
-std::uint64_t unsignedFromValue(const Value& value, std::uint64_t highest) noexcept;
-double floatingFromValue(const Value& value) noexcept;
-bool boolFromValue(const Value& value) noexcept;
+FLAREBOX_EXPORT std::int64_t signedFromValue(const Value& value, std::int64_t lowest, std::int64_t highest) noexcept;
+FLAREBOX_EXPORT std::uint64_t unsignedFromValue(const Value& value, std::uint64_t highest) noexcept;
+FLAREBOX_EXPORT double floatingFromValue(const Value& value) noexcept;
+FLAREBOX_EXPORT bool boolFromValue(const Value& value) noexcept;
 
 }  // namespace detail
 

@@ -1,11 +1,12 @@
 #pragma once
 
 #include <Flarebox/Models/FXBaseObject.h>
+#include <Foundation/Export.h>
 
 namespace flarebox {
 
 /// One promotional asset of the game.
-class FXAssetInfo : public FXBaseObject {
+class FLAREBOX_EXPORT FXAssetInfo : public FXBaseObject {
     // clang-format off
     FX_RECORD(FXAssetInfo, FXBaseObject,
         (title,           setTitle,           NSString, "title"),

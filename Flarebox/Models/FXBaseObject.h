@@ -1,6 +1,7 @@
 #pragma once
 
 #include <Flarebox/Mapping/MotisDeclaration.h>
+#include <Foundation/Export.h>
 #include <Foundation/NSCoder.h>
 
 namespace flarebox {
@@ -35,7 +36,7 @@ namespace flarebox {
 
 /// The base of everything that crosses the wire: made from a JSON object and turned back into one, archived, copied and
 /// described, all by the property table of its class.
-class FXBaseObject : public MotisObject, public NSCoding {
+class FLAREBOX_EXPORT FXBaseObject : public MotisObject, public NSCoding {
 public:
     /// A JSON object with every key of the class's mapping; the JSON null stands for what is absent.
     NSDictionary toDictionary() const;

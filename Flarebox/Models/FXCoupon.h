@@ -1,11 +1,12 @@
 #pragma once
 
 #include <Flarebox/Models/FXBaseObject.h>
+#include <Foundation/Export.h>
 
 namespace flarebox {
 
 /// A coupon saved for the player: the uid of the game session and the id of the asset.
-class FXCoupon : public FXBaseObject {
+class FLAREBOX_EXPORT FXCoupon : public FXBaseObject {
     // clang-format off
     FX_RECORD(FXCoupon, FXBaseObject,
         (session, setSession, NSString, "session", Optional),

@@ -1,11 +1,12 @@
 #pragma once
 
 #include <Flarebox/Models/FXBaseObject.h>
+#include <Foundation/Export.h>
 
 namespace flarebox {
 
 /// One engagement event that is sent to the service.
-class FXEngagementData : public FXBaseObject {
+class FLAREBOX_EXPORT FXEngagementData : public FXBaseObject {
     // clang-format off
     FX_RECORD(FXEngagementData, FXBaseObject,
         (action,     setAction,     NSString, "action"),

@@ -1,11 +1,12 @@
 #pragma once
 
 #include <Flarebox/Models/FXBaseObject.h>
+#include <Foundation/Export.h>
 
 namespace flarebox {
 
 /// The game session that the service creates.
-class FXSessionInfo : public FXBaseObject {
+class FLAREBOX_EXPORT FXSessionInfo : public FXBaseObject {
     // clang-format off
     FX_RECORD(FXSessionInfo, FXBaseObject,
         (_id,          set_id,          NSNumber, "id"),

@@ -1,12 +1,13 @@
 #pragma once
 
 #include <Flarebox/Models/FXBaseObject.h>
+#include <Foundation/Export.h>
 
 namespace flarebox {
 
 /// The player's data, which the host hands to the configuration and which opens a game session. Every field may be left
 /// out.
-class FXUserSession : public FXBaseObject {
+class FLAREBOX_EXPORT FXUserSession : public FXBaseObject {
     // clang-format off
     FX_RECORD(FXUserSession, FXBaseObject,
         (firstName, setFirstName, NSString, "first_name", Optional),

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <Flarebox/Models/FXAssetInfo.h>
+#include <Foundation/Export.h>
 #include <Foundation/NSError.h>
 #include <UIKit/UIView.h>
 #include <UIKit/WeakDelegate.h>
@@ -15,7 +16,7 @@ class UIImageView;
 class UILabel;
 
 /// What the coupon overlay leaves to the one who shows it.
-class CouponViewDelegate {
+class FLAREBOX_EXPORT CouponViewDelegate {
 public:
     virtual ~CouponViewDelegate() = default;
     virtual void openKestrinApp(CouponView&) {}
@@ -25,7 +26,7 @@ public:
 
 /// The overlay that saves a coupon to the player's account and tells how that went. While it saves it cannot be left.
 /// Main thread.
-class CouponView : public UIView {
+class FLAREBOX_EXPORT CouponView : public UIView {
     FLAREBOX_CLASS(CouponView)
 public:
     CouponView();

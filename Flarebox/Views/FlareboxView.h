@@ -6,6 +6,7 @@
 #include <Flarebox/Views/FlareboxViewDelegate.h>
 #include <Flarebox/Views/SCNContentView.h>
 #include <Flarebox/Views/VideoView.h>
+#include <Foundation/Export.h>
 #include <Foundation/NSTimer.h>
 #include <Networking/AFHTTPSessionManager.h>
 #include <UIKit/UICollectionView.h>
@@ -42,12 +43,12 @@ enum EngagementAction : std::uint64_t {
 /// does the network monitor from the first load on, until another tab loads or the host adapter goes. Made by `init()`
 /// only. Main thread only: on another one the operations below "Showing" and "Data" do nothing, `init` gives null, and
 /// the log says so. The last reference may go on any thread, and in any callback.
-class FlareboxView : public UIView,
-                     public UICollectionViewDataSource,
-                     public UICollectionViewDelegate,
-                     public CouponViewDelegate,
-                     public SCNContentViewDelegate,
-                     public VideoViewDelegate {
+class FLAREBOX_EXPORT FlareboxView : public UIView,
+                                     public UICollectionViewDataSource,
+                                     public UICollectionViewDelegate,
+                                     public CouponViewDelegate,
+                                     public SCNContentViewDelegate,
+                                     public VideoViewDelegate {
     FLAREBOX_CLASS(FlareboxView)
 public:
     FlareboxView();

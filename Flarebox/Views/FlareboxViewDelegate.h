@@ -1,6 +1,7 @@
 #pragma once
 
 #include <Flarebox/Models/FXAssetInfo.h>
+#include <Foundation/Export.h>
 #include <Foundation/NSError.h>
 
 #include <cstdint>
@@ -15,7 +16,7 @@ enum AssetMode : std::uint64_t { AssetMode2D = 0, AssetMode3D = 1, AssetModeVide
 /// What a host can follow of its tab: to pause the game, to count, to say no to a link. Called on the main thread, once
 /// for each change and after it, inside whatever brought it about; everything that a host may do in a callback it
 /// may do here.
-class FlareboxViewDelegate {
+class FLAREBOX_EXPORT FlareboxViewDelegate {
 public:
     virtual ~FlareboxViewDelegate() = default;
     /// The tab starts to slide in.

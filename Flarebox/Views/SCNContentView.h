@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Foundation/Export.h>
 #include <Foundation/NSError.h>
 #include <UIKit/UIView.h>
 #include <UIKit/WeakDelegate.h>
@@ -18,7 +19,7 @@ class UIImageView;
 class UILabel;
 
 /// Who moves the 3D view to full screen and back.
-class SCNContentViewDelegate {
+class FLAREBOX_EXPORT SCNContentViewDelegate {
 public:
     virtual ~SCNContentViewDelegate() = default;
     virtual void showFullScreen(SCNContentView&) {}
@@ -26,7 +27,7 @@ public:
 };
 
 /// The scene view with its full-screen button, and what is said where there is nothing to see in it. Main thread.
-class SCNContentView : public UIView {
+class FLAREBOX_EXPORT SCNContentView : public UIView {
     FLAREBOX_CLASS(SCNContentView)
 public:
     SCNContentView();

@@ -3,6 +3,7 @@
 #include <AVFoundation/AVPlayer.h>
 #include <AVFoundation/AVPlayerLayer.h>
 #include <Flarebox/Models/FXAssetInfo.h>
+#include <Foundation/Export.h>
 #include <UIKit/UIView.h>
 #include <UIKit/WeakDelegate.h>
 
@@ -14,7 +15,7 @@ class UILabel;
 class VideoPlayerViewController;
 
 /// Who makes room for the full-screen player.
-class VideoViewDelegate {
+class FLAREBOX_EXPORT VideoViewDelegate {
 public:
     virtual ~VideoViewDelegate() = default;
     /// The player is about to appear, and about to disappear.
@@ -23,7 +24,7 @@ public:
 };
 
 /// The current asset's video: its first frame behind a play button, or a message where there is none. Main thread.
-class VideoView : public UIView {
+class FLAREBOX_EXPORT VideoView : public UIView {
     FLAREBOX_CLASS(VideoView)
 public:
     VideoView();

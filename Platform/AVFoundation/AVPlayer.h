@@ -2,6 +2,7 @@
 
 #include <AVFoundation/AVPlayerItem.h>
 #include <AVFoundation/VideoPipeline.h>
+#include <Foundation/Export.h>
 #include <Foundation/MainQueue.h>
 #include <Foundation/NSError.h>
 #include <Foundation/NSObject.h>
@@ -36,7 +37,7 @@ struct AVPlayerSettings {
 };
 
 /// Is told about a player while it watches it. Main thread.
-class AVPlayerObserver {
+class FLAREBOX_EXPORT AVPlayerObserver {
 public:
     /// There is a new frame, or anything else that the player answers has changed.
     virtual void playerChanged(AVPlayer& player) = 0;
@@ -47,7 +48,7 @@ protected:
 
 /// Plays one video from an http or https address, in real time, with the machine's sound. It loads once it is first
 /// shown, played or moved to a moment, and costs nothing before. Main thread.
-class AVPlayer : public NSObject {
+class FLAREBOX_EXPORT AVPlayer : public NSObject {
     FLAREBOX_CLASS(AVPlayer)
 public:
     /// Paused at the beginning. An address of another kind leaves a player with an error.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Foundation/Export.h>
 #include <Foundation/NSError.h>
 #include <Foundation/NSObject.h>
 #include <Foundation/Values.h>
@@ -12,7 +13,7 @@ class AVPlayer;
 inline constexpr const char* AVPlayerItemDidPlayToEndTimeNotification = "AVPlayerItemDidPlayToEndTimeNotification";
 
 /// What a player plays. Does nothing any more once its player is gone. Main thread.
-class AVPlayerItem : public NSObject {
+class FLAREBOX_EXPORT AVPlayerItem : public NSObject {
     FLAREBOX_CLASS(AVPlayerItem)
 public:
     AVPlayerItem(const NSURL& url, AVPlayer& player);

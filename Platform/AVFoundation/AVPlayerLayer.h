@@ -1,6 +1,7 @@
 #pragma once
 
 #include <AVFoundation/AVPlayer.h>
+#include <Foundation/Export.h>
 #include <UIKit/UIView.h>
 
 namespace flarebox {
@@ -10,7 +11,7 @@ enum class AVLayerVideoGravity : std::uint8_t { ResizeAspect, ResizeAspectFill, 
 
 /// Shows the frames of a player; several may show one. A view that is added where a layer would be, taking no touches.
 /// Draws only when there is a new frame. Main thread.
-class AVPlayerLayer : public UIView, private AVPlayerObserver {
+class FLAREBOX_EXPORT AVPlayerLayer : public UIView, private AVPlayerObserver {
     FLAREBOX_CLASS(AVPlayerLayer)
 public:
     AVPlayerLayer();

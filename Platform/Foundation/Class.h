@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Foundation/Export.h>
 #include <Foundation/Reference.h>
 
 #include <atomic>
@@ -53,7 +54,7 @@ struct Outlet {
 /// What is known about a class at run time: its name, superclass, how to make an instance, and its tables of names.
 /// Instances are immutable, live as long as the process, and may be read on any thread.
 /// Creating one registers the name, so that `classFromName` finds it.
-class ClassInfo {
+class FLAREBOX_EXPORT ClassInfo {
 public:
     using Factory = Ref<NSObject> (*)();
     struct Tables {
@@ -96,7 +97,7 @@ private:
 };
 
 /// The registered class of that name, or null. Any thread.
-Class classFromName(std::string_view name);
+FLAREBOX_EXPORT Class classFromName(std::string_view name);
 
 /// For the `factory` of a ClassInfo.
 template <class T>

@@ -1,12 +1,14 @@
 #pragma once
 
+#include <Foundation/Export.h>
+
 #include <atomic>
 
 namespace flarebox {
 
 /// The one source of time for timers, delays, animations and dates. Reading is safe on any thread, moving and
 /// installing belong to the main thread.
-class Clock {
+class FLAREBOX_EXPORT Clock {
 public:
     virtual ~Clock() = default;
     /// Seconds since an arbitrary moment; never goes back.
@@ -24,7 +26,7 @@ public:
 
 /// A clock that stands still until it is moved. Starts at 2026-01-01 00:00:00 UTC.
 /// One that is destroyed while it is in force gives way to the machine's clock.
-class VirtualClock : public Clock {
+class FLAREBOX_EXPORT VirtualClock : public Clock {
 public:
     VirtualClock() = default;
     ~VirtualClock() override;

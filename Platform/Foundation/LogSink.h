@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Foundation/Export.h>
+
 #include <cstdint>
 #include <functional>
 #include <string_view>
@@ -10,7 +12,7 @@ namespace flarebox {
 enum LogLevel : std::int64_t { LogLevelInfo = 1, LogLevelWarning = 2, LogLevelError = 3 };
 
 /// Where everything goes that the kit has to say: to standard error, a line a message, unless the host takes it.
-class LogSink {
+class FLAREBOX_EXPORT LogSink {
 public:
     /// A message without a line feed at its end. Called on the thread that has something to say, the worker threads
     /// included, one call at a time. Should be quick. What the kit says meanwhile on the same thread, and a message at

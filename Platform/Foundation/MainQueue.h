@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Foundation/Export.h>
+
 #include <compare>
 #include <cstdint>
 #include <functional>
@@ -20,7 +22,7 @@ class Immortal;
 
 /// The main thread's queue of work. Posting is safe from any thread; the host runs it by one call a frame.
 /// Work runs in the order in which it became due, equal times in the order of posting.
-class MainQueue {
+class FLAREBOX_EXPORT MainQueue {
 public:
     using Work = std::function<void()>;
     using Token = std::uint64_t;
@@ -118,16 +120,16 @@ private:
 };
 
 /// The main queue under the platform's names.
-void dispatch_async_main(MainQueue::Work work);
-void dispatch_after_main(double seconds, MainQueue::Work work);
+FLAREBOX_EXPORT void dispatch_async_main(MainQueue::Work work);
+FLAREBOX_EXPORT void dispatch_after_main(double seconds, MainQueue::Work work);
 
 /// Makes the caller's thread the main thread, as a host adapter does when it is made. Without one the main thread is
 /// the one that first used the main queue's `run`, and the process's first before that.
-void claimMainThread();
+FLAREBOX_EXPORT void claimMainThread();
 /// Any thread.
-bool isMainThread();
+FLAREBOX_EXPORT bool isMainThread();
 /// For a call that only the main thread may make: on another thread, once there is a main thread, the log names the
 /// call, which then has to do nothing. Any thread.
-bool requireMainThread(std::string_view call);
+FLAREBOX_EXPORT bool requireMainThread(std::string_view call);
 
 }  // namespace flarebox

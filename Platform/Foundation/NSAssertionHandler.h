@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Foundation/Export.h>
+
 #include <exception>
 #include <source_location>
 #include <string>
@@ -10,7 +12,7 @@ namespace flarebox {
 inline constexpr const char* NSInternalInconsistencyException = "NSInternalInconsistencyException";
 
 /// The platform's exception: raised for mistakes of the programmer, not for anything that comes from outside.
-class NSException : public std::exception {
+class FLAREBOX_EXPORT NSException : public std::exception {
 public:
     NSException(std::string_view name, std::string_view reason) : name_(name), reason_(reason) {}
 
@@ -25,7 +27,7 @@ private:
 };
 
 /// What happens when an assertion fails. Main thread.
-class NSAssertionHandler {
+class FLAREBOX_EXPORT NSAssertionHandler {
 public:
     virtual ~NSAssertionHandler() = default;
 

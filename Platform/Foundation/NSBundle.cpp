@@ -136,11 +136,30 @@ std::string NSBundle::bundleIdentifier() const {
     return objectForInfoDictionaryKey("CFBundleIdentifier").as<NSString>().string();
 }
 
+void NSBundle::setBuiltInFiles(std::span<const BuiltInFile> files) {
+    std::lock_guard lock(mutex_);
+    builtInFiles_ = files;
+    info_.reset();
+    stringsTables_.clear();
+}
+
+NSString NSBundle::builtInFile(std::string_view path) const {
+    const auto found = std::ranges::find(builtInFiles_, path, &BuiltInFile::path);
+    return found == builtInFiles_.end() ? NSString() : NSString::stringWithConstant(found->contents);
+}
+
 NSDictionary NSBundle::loadInfo() const {
     fs::path file = fs::path(path_) / "Info.plist";
     std::error_code failure;
-    if (!fs::exists(fs::symlink_status(file, failure))) return NSDictionary{};
-    Value table = NSPropertyListSerialization::propertyListWithContentsOfFile(file.string(), &infoError_);
+    Value table;
+    if (fs::exists(fs::symlink_status(file, failure))) {
+        table = NSPropertyListSerialization::propertyListWithContentsOfFile(file.string(), &infoError_);
+    } else {
+        const NSString builtIn = builtInFile("Info.plist");
+        if (!builtIn) return NSDictionary{};
+        table = NSPropertyListSerialization::propertyListWithData(NSData::dataWithBytes(builtIn.text()), "Info.plist",
+                                                                  &infoError_);
+    }
     if (auto dictionary = table.as<NSDictionary>()) return dictionary;
     if (!infoError_) {
         infoError_ = NSError::errorWithDomain(NSCocoaErrorDomain, NSPropertyListReadCorruptError,
@@ -184,6 +203,17 @@ NSString NSBundle::pathForResource(std::string_view name, std::string_view exten
     return {};
 }
 
+NSString NSBundle::builtInResource(std::string_view name, std::string_view extension) const {
+    std::string fileName(name);
+    if (!extension.empty()) fileName.append(".").append(extension);
+    const std::vector<std::string> folders = languageFolders();
+    std::lock_guard lock(mutex_);
+    NSString file = builtInFile(fileName);
+    for (auto folder = folders.begin(); !file && folder != folders.end(); ++folder)
+        file = builtInFile(*folder + "/" + fileName);
+    return file;
+}
+
 const detail::StringsTable& NSBundle::stringsTable(const std::string& language, std::string_view table) const {
     std::string name = language + "/" + std::string(table) + ".strings";
     auto [entry, isNew] = stringsTables_.try_emplace(name);
@@ -191,7 +221,7 @@ const detail::StringsTable& NSBundle::stringsTable(const std::string& language, 
     std::string path = (fs::path(path_) / name).string();
     NSData file = NSFileManager::defaultManager().contentsAtPath(path, maximumStringsFileSize);
     std::string ignored;
-    if (file) entry->second = detail::parseStringsTable(file.text(), ignored);
+    entry->second = detail::parseStringsTable(file ? file.text() : builtInFile(name).text(), ignored);
     return entry->second;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Foundation/Export.h>
 #include <Foundation/NSError.h>
 #include <Foundation/NSObject.h>
 #include <Foundation/StringsTable.h>
@@ -8,15 +9,22 @@
 #include <map>
 #include <mutex>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace flarebox {
 
+/// A file that is part of the program: its path within the bundle, such as "en.lproj/Main.strings", and what it holds.
+/// Both live as long as the process.
+struct BuiltInFile {
+    std::string_view path, contents;
+};
+
 /// A folder of resources: an information table (`Info.plist`), files, and texts in the user's language
 /// (`<language>.lproj/<table>.strings`). A folder or file that is missing is empty, not an error. Any thread.
-class NSBundle : public NSObject {
+class FLAREBOX_EXPORT NSBundle : public NSObject {
     FLAREBOX_CLASS(NSBundle)
 public:
     /// The bundle of a folder, the same object for the same path; null when there is no such folder.
@@ -32,6 +40,8 @@ public:
     static Ref<NSBundle> registerBundle(std::string_view identifier, std::string_view path);
 
     const std::string& bundlePath() const { return path_; }
+    /// Files that stand in for those that the folder lacks, one by one.
+    void setBuiltInFiles(std::span<const BuiltInFile> files);
     /// The registered identifier, or "CFBundleIdentifier" of the information table; empty if there is neither.
     std::string bundleIdentifier() const;
 
@@ -47,6 +57,8 @@ public:
     /// Path of a file of the bundle, looked for in the folder itself, then in those of the user's languages; absent
     /// when there is none. `name` may hold folders; it never leads out of the bundle.
     NSString pathForResource(std::string_view name, std::string_view extension) const;
+    /// What a built-in file holds, looked for in the same order; absent when there is none.
+    NSString builtInResource(std::string_view name, std::string_view extension) const;
 
     /// The text of that key in the user's language, else in English; where there is none, `value`, or the key if
     /// `value` is empty. An empty table name means "Localizable".
@@ -66,6 +78,8 @@ private:
     /// The bundle of a normalised path; the registry is locked by the caller.
     static Ref<NSBundle> bundleAt(const std::string& path);
     NSDictionary loadInfo() const;
+    /// Absent when there is none of that path.
+    NSString builtInFile(std::string_view path) const;
     const detail::StringsTable& stringsTable(const std::string& language, std::string_view table) const;
 
     const std::string path_;
@@ -73,6 +87,7 @@ private:
     std::string identifier_;
     mutable std::optional<NSDictionary> info_;
     mutable Ref<NSError> infoError_;
+    std::span<const BuiltInFile> builtInFiles_;
     std::map<std::string, Value, std::less<>> overrides_;
     mutable std::map<std::string, detail::StringsTable, std::less<>> stringsTables_;
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Foundation/Export.h>
 #include <Foundation/Value.h>
 
 #include <string_view>
@@ -7,7 +8,7 @@
 namespace flarebox {
 
 /// Takes an object's values into an archive, or hands them out again, under the names the object chooses.
-class NSCoder {
+class FLAREBOX_EXPORT NSCoder {
 public:
     virtual ~NSCoder() = default;
     /// When archiving: an absent value is not written. Otherwise does nothing.
@@ -18,7 +19,7 @@ public:
 
 /// What a class inherits besides NSObject so that its objects can be archived. Its ClassInfo needs a factory, and has
 /// to exist (`staticClass()` has been called) before an archive that names the class is read.
-class NSCoding {
+class FLAREBOX_EXPORT NSCoding {
 public:
     virtual ~NSCoding() = default;
     virtual void encodeWithCoder(NSCoder& coder) const = 0;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Foundation/Export.h>
 #include <Foundation/NSObject.h>
 #include <Foundation/Values.h>
 
@@ -36,7 +37,7 @@ enum NSURLErrorCode : int {
 inline constexpr int NSPropertyListReadCorruptError = 3840;
 
 /// Why something failed: a domain, a code within it, and a text for people. Immutable.
-class NSError : public NSObject {
+class FLAREBOX_EXPORT NSError : public NSObject {
     FLAREBOX_CLASS(NSError)
 public:
     NSError(std::string domain, int code, NSDictionary userInfo);

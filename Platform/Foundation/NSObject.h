@@ -1,6 +1,7 @@
 #pragma once
 
 #include <Foundation/Class.h>
+#include <Foundation/Export.h>
 #include <Foundation/Reference.h>
 
 #include <atomic>
@@ -25,7 +26,7 @@ struct NSKeyValueChange;
 
 /// The root of everything that is shared by reference: records, views, services.
 /// Objects are created with `make<T>()`, owned through `Ref<T>` and observed through `Weak<T>`.
-class NSObject {
+class FLAREBOX_EXPORT NSObject {
 public:
     NSObject() = default;
     virtual ~NSObject();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Foundation/Export.h>
 #include <Foundation/MainQueue.h>
 #include <Foundation/NSObject.h>
 #include <Foundation/Value.h>
@@ -12,7 +13,7 @@ namespace flarebox {
 ///
 /// While it is valid, the queue keeps the timer and the timer keeps its target alive, so a repeating timer has to be
 /// invalidated by somebody else than the target's destructor.
-class NSTimer : public NSObject {
+class FLAREBOX_EXPORT NSTimer : public NSObject {
     FLAREBOX_CLASS(NSTimer)
 public:
     /// Starts at once. `interval` is in seconds; 0 or less means 0.0001. The selector is a listed action of the target

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Foundation/Export.h>
 #include <Foundation/NSObject.h>
 #include <Foundation/Values.h>
 
@@ -14,11 +15,11 @@ namespace flarebox {
 using HeaderFields = std::vector<std::pair<std::string, std::string>>;
 
 /// The value of the first field of that name, or null.
-const std::string* headerFieldNamed(const HeaderFields& fields, std::string_view name);
+FLAREBOX_EXPORT const std::string* headerFieldNamed(const HeaderFields& fields, std::string_view name);
 
 /// What to load and how. A task takes a copy, so that later changes of a request do not reach what is under way.
 /// May be made on any thread; one request is not used from two threads at once.
-class NSURLRequest : public NSObject {
+class FLAREBOX_EXPORT NSURLRequest : public NSObject {
     FLAREBOX_CLASS(NSURLRequest)
 public:
     explicit NSURLRequest(NSURL url);
@@ -49,7 +50,7 @@ protected:
     double timeoutInterval_ = 0;
 };
 
-class NSMutableURLRequest : public NSURLRequest {
+class FLAREBOX_EXPORT NSMutableURLRequest : public NSURLRequest {
     FLAREBOX_CLASS(NSMutableURLRequest)
 public:
     using NSURLRequest::NSURLRequest;

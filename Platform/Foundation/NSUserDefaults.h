@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Foundation/Export.h>
 #include <Foundation/NSError.h>
 #include <Foundation/Values.h>
 
@@ -22,7 +23,7 @@ class Immortal;
 /// The file is read at the first use. Changes are written at the main queue's next turn, at the end of the process, and
 /// by `synchronize`; a file appears complete or not at all. One that cannot be read as settings is renamed to
 /// `<file>.corrupt` and the settings start empty. Where no file can be used the settings live in memory alone.
-class NSUserDefaults {
+class FLAREBOX_EXPORT NSUserDefaults {
 public:
     static NSUserDefaults& standardUserDefaults();
 

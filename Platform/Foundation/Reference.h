@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Foundation/Export.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -12,18 +14,18 @@ class NSObject;
 
 namespace detail {
 
-void retain(const NSObject* object) noexcept;
-void release(const NSObject* object) noexcept;
+FLAREBOX_EXPORT void retain(const NSObject* object) noexcept;
+FLAREBOX_EXPORT void release(const NSObject* object) noexcept;
 
 /// The shared memory of all weak references to one object. Outlives the object.
 class WeakBox;
-WeakBox* weakBox(const NSObject* object);
-void retainBox(WeakBox* box) noexcept;
-void releaseBox(WeakBox* box) noexcept;
+FLAREBOX_EXPORT WeakBox* weakBox(const NSObject* object);
+FLAREBOX_EXPORT void retainBox(WeakBox* box) noexcept;
+FLAREBOX_EXPORT void releaseBox(WeakBox* box) noexcept;
 /// The object with one reference added, or null once its destruction has begun. Any thread.
-NSObject* lockBox(WeakBox* box) noexcept;
+FLAREBOX_EXPORT NSObject* lockBox(WeakBox* box) noexcept;
 /// The object or null once its destruction has begun. On the thread that gives the last reference back.
-NSObject* peekBox(const WeakBox* box) noexcept;
+FLAREBOX_EXPORT NSObject* peekBox(const WeakBox* box) noexcept;
 
 }  // namespace detail
 

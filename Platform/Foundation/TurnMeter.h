@@ -1,6 +1,7 @@
 #pragma once
 
 #include <Foundation/Clock.h>
+#include <Foundation/Export.h>
 
 #include <array>
 #include <cstddef>
@@ -13,7 +14,7 @@ namespace flarebox {
 /// Measures how long each turn holds the main thread, and which of its parts took how much of it. A turn is what runs
 /// from the outermost part's begin to its end: a host's call of `update`, `draw` or an input operation. Reading,
 /// reporting and measuring allocate nothing. Main thread only.
-class TurnMeter {
+class FLAREBOX_EXPORT TurnMeter {
 public:
     struct PartTime {
         /// Static text.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <Foundation/Class.h>
+#include <Foundation/Export.h>
 #include <Foundation/Reference.h>
 
 #include <atomic>
@@ -19,7 +20,7 @@ class NSObject;
 namespace detail {
 
 /// Reference-counted payload of texts, links, data and collections.
-class Storage {
+class FLAREBOX_EXPORT Storage {
 public:
     Storage() = default;
     Storage(const Storage&) = delete;
@@ -48,7 +49,7 @@ struct ValueAccess;
 /// One nullable, immutable, shared handle for every value that JSON or a property can hold.
 /// 16 bytes; copying never allocates. Handles may be passed between threads; the values behind them never change,
 /// mutable collections aside, which belong to the code that made them until handed on.
-class Value {
+class FLAREBOX_EXPORT Value {
 public:
     enum class Kind : std::uint8_t {
         Absent,  ///< no value at all, what the platform calls nil

@@ -3,6 +3,7 @@
 // The typed handles over Value. Each is a Value that is either of its kind or absent; all are as cheap to pass as a
 // Value.
 
+#include <Foundation/Export.h>
 #include <Foundation/Value.h>
 
 #include <initializer_list>
@@ -27,12 +28,12 @@ public:                                               \
     static const ClassInfo& staticClass();
 
 /// The JSON null, a value of its own.
-class NSNull : public Value {
+class FLAREBOX_EXPORT NSNull : public Value {
     FLAREBOX_TYPED_VALUE(NSNull)
 };
 
 /// Immutable UTF-8 text.
-class NSString : public Value {
+class FLAREBOX_EXPORT NSString : public Value {
     FLAREBOX_TYPED_VALUE(NSString)
     NSString(const char* text) : Value(text) {}
     NSString(std::string_view text) : Value(text) {}
@@ -59,12 +60,12 @@ class NSString : public Value {
 };
 
 /// The class of texts that can change. No text here can: it stands in the hierarchy, and no value is of it.
-class NSMutableString : public NSString {
+class FLAREBOX_EXPORT NSMutableString : public NSString {
     FLAREBOX_TYPED_VALUE(NSMutableString)
 };
 
 /// A number that remembers whether it was boolean, signed, unsigned or floating.
-class NSNumber : public Value {
+class FLAREBOX_EXPORT NSNumber : public Value {
     FLAREBOX_TYPED_VALUE(NSNumber)
     template <std::same_as<bool> B>
     NSNumber(B number) noexcept : Value(number) {}
@@ -94,7 +95,7 @@ private:
 };
 
 /// A moment, in seconds of the UTC time scale.
-class NSDate : public Value {
+class FLAREBOX_EXPORT NSDate : public Value {
     FLAREBOX_TYPED_VALUE(NSDate)
     static NSDate dateWithTimeIntervalSince1970(double seconds) noexcept;
     /// The current moment of the clock in force (Foundation/Clock.h).
@@ -107,7 +108,7 @@ class NSDate : public Value {
 
 /// A link, parsed as the platform does (RFC 3986): absolute or relative, refused when it holds characters a link cannot
 /// hold.
-class NSURL : public Value {
+class FLAREBOX_EXPORT NSURL : public Value {
     FLAREBOX_TYPED_VALUE(NSURL)
     /// Absent when the text is empty or no link.
     static NSURL URLWithString(const NSString& text);
@@ -127,7 +128,7 @@ class NSURL : public Value {
 };
 
 /// Immutable bytes.
-class NSData : public Value {
+class FLAREBOX_EXPORT NSData : public Value {
     FLAREBOX_TYPED_VALUE(NSData)
     static NSData dataWithBytes(std::span<const std::byte> bytes);
     static NSData dataWithBytes(std::string_view bytes);
@@ -143,12 +144,12 @@ class NSData : public Value {
 };
 
 /// The class of bytes that can change; as with NSMutableString, no value is of it.
-class NSMutableData : public NSData {
+class FLAREBOX_EXPORT NSMutableData : public NSData {
     FLAREBOX_TYPED_VALUE(NSMutableData)
 };
 
 /// Values in order. Absent values are left out. `NSArray{}` is absent like every default; `array()` is empty.
-class NSArray : public Value {
+class FLAREBOX_EXPORT NSArray : public Value {
     FLAREBOX_TYPED_VALUE(NSArray)
     NSArray(std::initializer_list<Value> elements);
     static NSArray array() { return arrayWithValues({}); }
@@ -166,7 +167,7 @@ class NSArray : public Value {
     class NSMutableArray mutableCopy() const;
 };
 
-class NSMutableArray : public NSArray {
+class FLAREBOX_EXPORT NSMutableArray : public NSArray {
     FLAREBOX_TYPED_VALUE(NSMutableArray)
     static NSMutableArray array();
     void addObject(Value value);
@@ -175,31 +176,31 @@ class NSMutableArray : public NSArray {
 };
 
 /// Distinct values; keeps the order in which they came, although equality does not depend on it.
-class NSSet : public Value {
+class FLAREBOX_EXPORT NSSet : public Value {
     FLAREBOX_TYPED_VALUE(NSSet)
     static NSSet setWithValues(std::span<const Value> elements);
     std::size_t count() const noexcept { return elements().size(); }
     std::span<const Value> elements() const noexcept;
     bool containsObject(const Value& value) const noexcept;
 };
-class NSMutableSet : public NSSet {
+class FLAREBOX_EXPORT NSMutableSet : public NSSet {
     FLAREBOX_TYPED_VALUE(NSMutableSet)
     static NSMutableSet setWithValues(std::span<const Value> elements);
 };
-class NSOrderedSet : public Value {
+class FLAREBOX_EXPORT NSOrderedSet : public Value {
     FLAREBOX_TYPED_VALUE(NSOrderedSet)
     static NSOrderedSet orderedSetWithValues(std::span<const Value> elements);
     std::size_t count() const noexcept { return elements().size(); }
     std::span<const Value> elements() const noexcept;
     bool containsObject(const Value& value) const noexcept;
 };
-class NSMutableOrderedSet : public NSOrderedSet {
+class FLAREBOX_EXPORT NSMutableOrderedSet : public NSOrderedSet {
     FLAREBOX_TYPED_VALUE(NSMutableOrderedSet)
     static NSMutableOrderedSet orderedSetWithValues(std::span<const Value> elements);
 };
 
 /// Keys and values; keeps the order in which the keys arrived. Looking a text key up allocates nothing.
-class NSDictionary : public Value {
+class FLAREBOX_EXPORT NSDictionary : public Value {
     FLAREBOX_TYPED_VALUE(NSDictionary)
     using Entry = std::pair<Value, Value>;
     /// The last of several entries with equal keys wins, at the place of the first. Entries without a value are left
@@ -223,7 +224,7 @@ class NSDictionary : public Value {
     class NSMutableDictionary mutableCopy() const;
 };
 
-class NSMutableDictionary : public NSDictionary {
+class FLAREBOX_EXPORT NSMutableDictionary : public NSDictionary {
     FLAREBOX_TYPED_VALUE(NSMutableDictionary)
     static NSMutableDictionary dictionary();
     /// An absent value removes the entry.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Foundation/Export.h>
 #include <Foundation/NSError.h>
 #include <Networking/NSHTTPURLResponse.h>
 
@@ -12,7 +13,7 @@ namespace flarebox {
 /// Decides whether an answer is acceptable and turns its body into an object; this one leaves the body as NSData.
 /// Set up on the main thread before the first task uses it; from then on it is used on worker threads and must not
 /// change.
-class AFHTTPResponseSerializer : public NSObject {
+class FLAREBOX_EXPORT AFHTTPResponseSerializer : public NSObject {
     FLAREBOX_CLASS(AFHTTPResponseSerializer)
 public:
     static Ref<AFHTTPResponseSerializer> serializer();

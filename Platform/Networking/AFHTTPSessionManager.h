@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Foundation/Export.h>
 #include <Foundation/Values.h>
 #include <Networking/AFJSONRequestSerializer.h>
 #include <Networking/AFURLSessionManager.h>
@@ -7,7 +8,7 @@
 namespace flarebox {
 
 /// A session manager for one service: knows its address and how its requests are written. Main thread only.
-class AFHTTPSessionManager : public AFURLSessionManager {
+class FLAREBOX_EXPORT AFHTTPSessionManager : public AFURLSessionManager {
     FLAREBOX_CLASS(AFHTTPSessionManager)
 public:
     explicit AFHTTPSessionManager(NSURL baseURL = {});

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Foundation/Export.h>
 #include <Foundation/NSError.h>
 #include <Foundation/NSURLRequest.h>
 
@@ -10,7 +11,7 @@ namespace flarebox {
 
 /// Builds requests whose parameters travel as a query ("GET", "HEAD", "DELETE") or as a JSON body (every other method).
 /// Any thread.
-class AFJSONRequestSerializer : public NSObject {
+class FLAREBOX_EXPORT AFJSONRequestSerializer : public NSObject {
     FLAREBOX_CLASS(AFJSONRequestSerializer)
 public:
     static Ref<AFJSONRequestSerializer> serializer();

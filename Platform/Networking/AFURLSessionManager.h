@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Foundation/Export.h>
 #include <Networking/AFHTTPResponseSerializer.h>
 #include <Networking/NSURLSessionDataTask.h>
 
@@ -10,7 +11,7 @@
 namespace flarebox {
 
 /// Makes tasks. Its tasks do not need it once they are made. Main thread only.
-class AFURLSessionManager : public NSObject {
+class FLAREBOX_EXPORT AFURLSessionManager : public NSObject {
     FLAREBOX_CLASS(AFURLSessionManager)
 public:
     AFURLSessionManager();

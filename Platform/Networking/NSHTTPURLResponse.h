@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Foundation/Export.h>
 #include <Foundation/NSObject.h>
 #include <Foundation/NSURLRequest.h>
 #include <Foundation/Values.h>
@@ -10,7 +11,7 @@
 namespace flarebox {
 
 /// The head of an answer. Immutable; any thread.
-class NSHTTPURLResponse : public NSObject {
+class FLAREBOX_EXPORT NSHTTPURLResponse : public NSObject {
     FLAREBOX_CLASS(NSHTTPURLResponse)
 public:
     NSHTTPURLResponse(NSURL url, int statusCode, HeaderFields fields);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Foundation/Export.h>
 #include <Foundation/NSError.h>
 #include <Foundation/NSURLRequest.h>
 #include <Networking/AFHTTPResponseSerializer.h>
@@ -23,7 +24,7 @@ enum NSURLSessionTaskState : int {
 /// One request and what becomes of it. Made by a session manager; lives, once resumed, until its completion has been
 /// called, whoever else holds it. Main thread; `resume` and `cancel` called elsewhere take effect there at its next
 /// turn.
-class NSURLSessionDataTask : public NSObject {
+class FLAREBOX_EXPORT NSURLSessionDataTask : public NSObject {
     FLAREBOX_CLASS(NSURLSessionDataTask)
 public:
     /// Called on the main queue, exactly once for a task that was resumed or cancelled, unless a shutdown comes first.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Foundation/Export.h>
 #include <Foundation/NSObject.h>
 
 #include <cstdint>
@@ -17,7 +18,7 @@ enum AFNetworkReachabilityStatus : std::int64_t {
 };
 
 /// Knows the state of the network. A host that knows better than the built-in monitor supplies its own.
-class NetworkMonitor : public NSObject {
+class FLAREBOX_EXPORT NetworkMonitor : public NSObject {
 public:
     using Report = std::function<void(AFNetworkReachabilityStatus)>;
 
@@ -40,7 +41,7 @@ public:
 };
 
 /// A monitor whose status is set by hand, for scripts and tests. Main thread.
-class ManualNetworkMonitor : public NetworkMonitor {
+class FLAREBOX_EXPORT ManualNetworkMonitor : public NetworkMonitor {
     FLAREBOX_CLASS(ManualNetworkMonitor)
 public:
     explicit ManualNetworkMonitor(AFNetworkReachabilityStatus status = AFNetworkReachabilityStatusUnknown)

@@ -1,12 +1,14 @@
 #pragma once
 
+#include <Foundation/Export.h>
+
 #include <functional>
 #include <memory>
 
 namespace flarebox {
 
 /// Calls back once a frame for as long as it exists: what moves by itself holds one while it moves. Main thread.
-class CADisplayLink {
+class FLAREBOX_EXPORT CADisplayLink {
 public:
     /// `callback` gets the clock's uptime in seconds. It may destroy this or any other link. One that
     /// throws is called again the next time.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Foundation/Export.h>
 #include <Foundation/NSObject.h>
 #include <UIKit/Canvas.h>
 #include <UIKit/Geometry.h>
@@ -9,7 +10,7 @@ namespace flarebox {
 class UIView;
 
 /// The look of a view's own rectangle and the bitmap it was last drawn into. Owned by its view.
-class CALayer {
+class FLAREBOX_EXPORT CALayer {
 public:
     explicit CALayer(UIView& view) : view_(view) {}
     CALayer(const CALayer&) = delete;

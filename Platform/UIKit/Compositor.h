@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Foundation/Export.h>
 #include <UIKit/Geometry.h>
 
 #include <cstdint>
@@ -33,7 +34,7 @@ PixelRect coveredPixels(const TexturedQuad& quad, int textureWidth, int textureH
 /// The seam to a game's renderer: textures and rectangles, nothing else. A game with its own renderer implements the
 /// four pure functions. All are called on the main thread, only while the host draws (`UIHost::draw`) or ends
 /// (`UIHost::releaseTextures`).
-class Compositor {
+class FLAREBOX_EXPORT Compositor {
 public:
     enum class Alpha : std::uint8_t { Premultiplied, Straight };
 

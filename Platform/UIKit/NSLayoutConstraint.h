@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Foundation/Export.h>
 #include <Foundation/NSObject.h>
 #include <UIKit/Geometry.h>
 
@@ -32,7 +33,7 @@ inline constexpr UILayoutPriority UILayoutPriorityDefaultLow = 250;
 
 /// first.attribute relation second.attribute * multiplier + constant. Takes effect when added to a view that is a
 /// common ancestor of both items (or one of them). Main thread.
-class NSLayoutConstraint : public NSObject {
+class FLAREBOX_EXPORT NSLayoutConstraint : public NSObject {
     FLAREBOX_CLASS(NSLayoutConstraint)
 public:
     /// `toItem` may be null together with NotAnAttribute: the first attribute is then compared with the constant alone.

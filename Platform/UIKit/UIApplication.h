@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Foundation/Export.h>
 #include <Foundation/Values.h>
 #include <UIKit/UrlOpener.h>
 
@@ -18,7 +19,7 @@ class Immortal;
 }
 
 /// The host game, as the kit sees it.
-class UIApplicationDelegate {
+class FLAREBOX_EXPORT UIApplicationDelegate {
 public:
     virtual ~UIApplicationDelegate() = default;
     /// The application's main window, or null.
@@ -26,7 +27,7 @@ public:
 };
 
 /// The application around the kit. Main thread.
-class UIApplication {
+class FLAREBOX_EXPORT UIApplication {
 public:
     static UIApplication& sharedApplication();
 
@@ -39,8 +40,8 @@ public:
 
     /// Whether links of this scheme may be opened at all. An absent link may not.
     bool isAllowed(const NSURL& url) const;
-    /// Whether a link of this scheme would be opened. An absent link, one of a scheme that is not allowed, and one to the
-    /// web that names no host, or a user before it, never is.
+    /// Whether a link of this scheme would be opened. An absent link, one of a scheme that is not allowed, and one to
+    /// the web that names no host, or a user before it, never is.
     bool canOpenURL(const NSURL& url) const;
     /// Hands the link to the desktop without waiting for it. False when it was refused.
     bool openURL(const NSURL& url);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Foundation/Export.h>
 #include <UIKit/NSIndexPath.h>
 #include <UIKit/UICollectionViewCell.h>
 #include <UIKit/UICollectionViewLayout.h>
@@ -17,7 +18,7 @@ class UICollectionView;
 class UINib;
 
 /// What a list shows. Lists have one section, number 0.
-class UICollectionViewDataSource {
+class FLAREBOX_EXPORT UICollectionViewDataSource {
 public:
     virtual ~UICollectionViewDataSource() = default;
     virtual std::size_t collectionViewNumberOfItemsInSection(UICollectionView& view, std::size_t section) = 0;
@@ -28,7 +29,7 @@ public:
 };
 
 /// Told about a list, and asked for sizes. All operations are optional.
-class UICollectionViewDelegate : public UIScrollViewDelegate {
+class FLAREBOX_EXPORT UICollectionViewDelegate : public UIScrollViewDelegate {
 public:
     virtual void collectionViewDidSelectItemAtIndexPath(UICollectionView&, const NSIndexPath&) {}
     /// A cell that was kept comes into sight again as it was; see `setKeptCellLimit`.
@@ -42,7 +43,7 @@ public:
 
 /// A horizontal list that has only as many cells as can be seen, one more, and those that it is told to keep. Main
 /// thread.
-class UICollectionView : public UIScrollView {
+class FLAREBOX_EXPORT UICollectionView : public UIScrollView {
     FLAREBOX_CLASS(UICollectionView)
 public:
     UICollectionView();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Foundation/Export.h>
 #include <UIKit/UIView.h>
 
 #include <string>
@@ -7,7 +8,7 @@
 namespace flarebox {
 
 /// One item of a list. Cells are used again for other items as the list scrolls. Main thread.
-class UICollectionViewCell : public UIView {
+class FLAREBOX_EXPORT UICollectionViewCell : public UIView {
     FLAREBOX_CLASS(UICollectionViewCell)
 public:
     /// The name under which its list registered it; empty outside a list.

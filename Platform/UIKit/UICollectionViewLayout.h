@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Foundation/Export.h>
 #include <UIKit/Geometry.h>
 
 #include <cstddef>
@@ -10,7 +11,7 @@ namespace flarebox {
 
 /// Where the items of a list lie: side by side from left to right, centred vertically between the insets. Plain
 /// arithmetic, no views. For items of one size nothing costs more for more items.
-class UICollectionViewLayout {
+class FLAREBOX_EXPORT UICollectionViewLayout {
 public:
     struct Items {
         /// First item and the one after the last.

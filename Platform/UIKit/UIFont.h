@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Foundation/Export.h>
 #include <UIKit/Geometry.h>
 
 #include <string>
@@ -10,7 +11,7 @@ namespace flarebox {
 enum class UIFontWeight : int { Regular = 400, Medium = 500, Semibold = 600, Bold = 700 };
 
 /// A typeface at a size in points. A plain value; a name that is not installed falls back to the system font.
-class UIFont {
+class FLAREBOX_EXPORT UIFont {
 public:
     UIFont() = default;
     /// `name` in the platform's form, family and weight joined by a hyphen: "HelveticaNeue-Medium".

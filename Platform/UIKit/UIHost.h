@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Foundation/Export.h>
 #include <Foundation/TurnMeter.h>
 #include <UIKit/Compositor.h>
 #include <UIKit/Geometry.h>
@@ -34,7 +35,7 @@ enum class UIDeviceOrientation : std::int64_t {
 /// An exception passes through these calls where a failed assertion or a callback of the host's raises it. The callback
 /// that threw is over, its timer or link comes again; what the call still had to do is done by the next `update`, and a
 /// load that did not begin is tried again with the next refresh. A host that catches it may go on.
-class UIHost {
+class FLAREBOX_EXPORT UIHost {
 public:
     /// The host in force, or null. Any thread.
     static UIHost* current();

@@ -47,10 +47,14 @@ struct UINib::File {
         return file;
     }
 
-    static std::shared_ptr<const File> atPath(const std::string& path, const std::string& name) {
+    static std::shared_ptr<const File> ofBundle(const NSBundle& bundle, std::string_view name) {
+        const NSString path = bundle.pathForResource(name, "xml");
+        const NSString builtIn = path ? NSString() : bundle.builtInResource(name, "xml");
+        const std::string fileName = std::string(name) + ".xml";
+        if (!path && !builtIn) return make(fileName, std::nullopt);
         static std::map<std::string, std::shared_ptr<const File>> files;
-        auto& file = files[path];
-        if (!file) file = make(name, contents(path));
+        auto& file = files[path ? path.string() : bundle.bundlePath() + "\n" + fileName];
+        if (!file) file = make(fileName, path ? contents(path.string()) : builtIn.string());
         return file;
     }
 
@@ -78,9 +82,7 @@ UINib::~UINib() = default;
 
 Ref<UINib> UINib::nibWithNibName(std::string_view name, NSBundle& bundle) {
     auto nib = make<UINib>();
-    const std::string fileName = std::string(name) + ".xml";
-    const NSString path = bundle.pathForResource(name, "xml");
-    nib->file_ = path ? File::atPath(path.string(), fileName) : File::make(fileName, std::nullopt);
+    nib->file_ = File::ofBundle(bundle, name);
     return nib;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Foundation/Export.h>
 #include <UIKit/CADisplayLink.h>
 #include <UIKit/ScrollMotion.h>
 #include <UIKit/UIView.h>
@@ -13,7 +14,7 @@ class UIScrollView;
 class UITouch;
 
 /// Told about scrolling. All operations are optional.
-class UIScrollViewDelegate {
+class FLAREBOX_EXPORT UIScrollViewDelegate {
 public:
     virtual ~UIScrollViewDelegate() = default;
     /// The content offset changed, for whatever reason.
@@ -27,7 +28,7 @@ public:
 
 /// A window onto content larger than itself, moved by finger, mouse wheel or code. The content offset is the bounds'
 /// origin. Main thread.
-class UIScrollView : public UIView {
+class FLAREBOX_EXPORT UIScrollView : public UIView {
     FLAREBOX_CLASS(UIScrollView)
 public:
     UIScrollView();

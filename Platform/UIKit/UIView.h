@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Foundation/Export.h>
 #include <Foundation/NSObject.h>
 #include <UIKit/CALayer.h>
 #include <UIKit/Canvas.h>
@@ -30,7 +31,7 @@ enum class UILayoutConstraintAxis : std::uint8_t { Horizontal, Vertical };
 /// A rectangle of the retained tree: owned by its superview, laid out by constraints or by its frame, drawn into a
 /// bitmap of its own only when something about it changed. Main thread only, but for its last reference: a view that
 /// another thread lets go is destroyed by the main queue.
-class UIView : public NSObject {
+class FLAREBOX_EXPORT UIView : public NSObject {
     FLAREBOX_CLASS(UIView)
 public:
     UIView();

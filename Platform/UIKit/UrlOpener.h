@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Foundation/Export.h>
 #include <Foundation/Values.h>
 
 #include <set>
@@ -10,7 +11,7 @@
 namespace flarebox {
 
 /// Who opens a link outside the game. Main thread; must not block.
-class UrlOpener {
+class FLAREBOX_EXPORT UrlOpener {
 public:
     virtual ~UrlOpener() = default;
     /// Whether something is installed that takes links of this scheme.
@@ -20,7 +21,7 @@ public:
 };
 
 /// Opens nothing and remembers what it was asked: for tests and for machines without a desktop.
-class RecordingUrlOpener : public UrlOpener {
+class FLAREBOX_EXPORT RecordingUrlOpener : public UrlOpener {
 public:
     /// From now on `canOpenURL` answers true for links of the scheme.
     void addScheme(std::string_view scheme);

@@ -255,6 +255,33 @@ TEST_F(Bundle, FindsItsOwnFilesOnly) {
     }
 }
 
+TEST_F(Bundle, BuiltInFilesStandInForThoseThatTheFolderLacks) {
+    static constexpr BuiltInFile builtIn[] = {
+        {"Info.plist", "<plist><dict><key>Name</key><string>built in</string></dict></plist>"},
+        {"View.xml", "<view/>"},
+        {"de.lproj/Localised.xml", "<german/>"},
+        {"de.lproj/Localizable.strings", "\"hello\" = \"Hallo\";"},
+        {"en.lproj/Localizable.strings", "\"hello\" = \"Hello\"; \"bye\" = \"Bye\";"}};
+    NSBundle::setPreferredLanguages({"de"});
+    auto bundle = NSBundle::registerBundle("built.in", folder.path("kit"));
+    EXPECT_FALSE(bundle->objectForInfoDictionaryKey("Name"));
+    bundle->setBuiltInFiles(builtIn);
+    EXPECT_EQ(bundle->objectForInfoDictionaryKey("Name"), Value("built in"));
+    EXPECT_EQ(bundle->builtInResource("View", "xml"), "<view/>");
+    EXPECT_EQ(bundle->builtInResource("Localised.xml", ""), "<german/>");
+    EXPECT_FALSE(bundle->builtInResource("None", "xml"));
+    EXPECT_FALSE(bundle->pathForResource("View", "xml"));
+    EXPECT_EQ(bundle->localizedStringForKey("hello"), "Hallo");
+    EXPECT_EQ(bundle->localizedStringForKey("bye"), "Bye");
+
+    folder.write("kit/Info.plist", "<plist><dict><key>Name</key><string>the host's</string></dict></plist>");
+    folder.write("kit/de.lproj/Localizable.strings", "\"hello\" = \"Servus\";");
+    bundle->setBuiltInFiles(builtIn);
+    EXPECT_EQ(bundle->objectForInfoDictionaryKey("Name"), Value("the host's"));
+    EXPECT_EQ(bundle->localizedStringForKey("hello"), "Servus");
+    EXPECT_EQ(bundle->localizedStringForKey("bye"), "Bye");
+}
+
 TEST_F(Bundle, SpeaksTheUsersLanguage) {
     folder.write("de.lproj/Localizable.strings", "\"hello\" = \"Hallo\";");
     folder.write("de-AT.lproj/Localizable.strings", "\"bye\" = \"Servus\";");

@@ -349,6 +349,11 @@ TEST_F(Nib, FilesComeFromTheBundleAndAreReadOnce) {
     const auto two = UINib::nibWithNibName("Card", *bundle)->instantiateWithOwner(nullptr);
     ASSERT_EQ(two.size(), 1U);
     EXPECT_NE(one.front(), two.front());
+    static const std::string text = card("");
+    static const BuiltInFile builtIn[] = {{"Card.xml", "damaged"}, {"BuiltIn.xml", text}};
+    bundle->setBuiltInFiles(builtIn);
+    EXPECT_EQ(UINib::nibWithNibName("Card", *bundle)->instantiateWithOwner(nullptr).size(), 1U);
+    EXPECT_EQ(UINib::nibWithNibName("BuiltIn", *bundle)->instantiateWithOwner(nullptr).size(), 1U);
 
     Ref<NSError> error;
     EXPECT_TRUE(UINib::nibWithNibName("Missing", *bundle)->instantiateWithOwner(nullptr, &error).empty());

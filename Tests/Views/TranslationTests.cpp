@@ -44,7 +44,7 @@ TEST_F(TranslationTest, TheHostsTableCountsBeforeTheKits) {
 }
 
 TEST_F(TranslationTest, EveryTextOfTheLayoutFilesIsListed) {
-    const std::string resources = flareboxBundle().bundlePath();
+    const std::string resources = KIT_RESOURCES;
     const auto read = [](const std::filesystem::path& path) {
         std::ifstream file(path);
         return std::string((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Foundation/Export.h>
 #include <Host/Headless/SoftwareCompositor.h>
 #include <UIKit/UIHost.h>
 
@@ -10,7 +11,7 @@ namespace flarebox {
 
 /// Runs the panel without any display: its picture is memory, and a PNG on request. Together with a virtual clock the
 /// same calls give the same pictures. Main thread.
-class HeadlessHost : public UIHost {
+class FLAREBOX_EXPORT HeadlessHost : public UIHost {
 public:
     /// Size in points, scale in pixels per point.
     HeadlessHost(CGSize screenSize, CGFloat scale);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Foundation/Export.h>
 #include <UIKit/Compositor.h>
 
 #include <cstdint>
@@ -9,7 +10,7 @@
 namespace flarebox {
 
 /// Draws into memory: the reference for what every other compositor has to show. Main thread.
-class SoftwareCompositor : public Compositor {
+class FLAREBOX_EXPORT SoftwareCompositor : public Compositor {
 public:
     /// Sides in pixels, at least 1.
     SoftwareCompositor(int width, int height);

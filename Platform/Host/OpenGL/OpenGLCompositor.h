@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Foundation/Export.h>
 #include <Host/OpenGL/OpenGLResolver.h>
 #include <UIKit/Compositor.h>
 
@@ -16,7 +17,7 @@ namespace flarebox {
 /// Everything is made when it is first needed. Where that fails the log says once why, and nothing is drawn. Every call
 /// needs the same context to be current, and no transform feedback or conditional rendering to be under way. Main
 /// thread.
-class OpenGLCompositor : public Compositor {
+class FLAREBOX_EXPORT OpenGLCompositor : public Compositor {
 public:
     explicit OpenGLCompositor(OpenGLResolver resolve);
     /// With the context still current, unless it was lost.

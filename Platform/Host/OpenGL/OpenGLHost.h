@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Foundation/Export.h>
 #include <Host/OpenGL/OpenGLCompositor.h>
 #include <UIKit/UIHost.h>
 
@@ -15,7 +16,7 @@ namespace flarebox {
 ///
 /// Nothing is linked but what the resolver answers. The context has to be current while the host draws and when it
 /// goes; a host whose context goes first is told so with `contextLost`. Main thread.
-class OpenGLHost : public UIHost {
+class FLAREBOX_EXPORT OpenGLHost : public UIHost {
 public:
     /// Size in points, scale in pixels per point. Makes no call into OpenGL yet.
     OpenGLHost(OpenGLResolver resolve, CGSize size, CGFloat scale);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Foundation/Export.h>
 #include <UIKit/Compositor.h>
 
 #include <memory>
@@ -15,7 +16,7 @@ namespace flarebox {
 /// Draws the panel with a game's SDL_Renderer, in pixels of its window. Between `beginFrame` and `endFrame` it sets the
 /// renderer's state as it needs it; afterwards render target, viewport, clip, scale, logical size, blend mode and
 /// colour are the game's again. The renderer must outlive it. Main thread.
-class SDLCompositor : public Compositor {
+class FLAREBOX_EXPORT SDLCompositor : public Compositor {
 public:
     explicit SDLCompositor(SDL_Renderer* renderer);
     ~SDLCompositor() override;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Foundation/Export.h>
 #include <Host/SDL/SDLCompositor.h>
 #include <UIKit/UIHost.h>
 
@@ -24,7 +25,7 @@ namespace flarebox {
 /// A point is a unit of the window's size; on a display of high density a point has more than one pixel. The
 /// orientation follows the window: wide is landscape, tall is portrait. Window and renderer must outlive the host;
 /// where one of them is null, SDL refuses all calls and nothing is shown. Main thread.
-class SDLHost : public UIHost {
+class FLAREBOX_EXPORT SDLHost : public UIHost {
 public:
     SDLHost(SDL_Window* window, SDL_Renderer* renderer);
     ~SDLHost() override;
