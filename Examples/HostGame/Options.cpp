@@ -115,6 +115,8 @@ constexpr OptionKind optionKinds[] = {
      [](Options& o, Text v) { return storeText(v, o.screenshot); }},
     {"--script", "FILE", "commands to perform once the tab is attached",
      [](Options& o, Text v) { return storeText(v, o.script); }},
+    {"--record", "FILE", "writes what the player does as such commands",
+     [](Options& o, Text v) { return storeText(v, o.record); }},
     {"--help", "", "this text", [](Options& o, Text) { return o.showsHelp = true; }},
 };
 
@@ -124,8 +126,10 @@ A script has one command a line; # starts a comment:
   await text FIELD "TEXT" [SECONDS]       await idle [SECONDS]
   tap FIELD                               tap X Y
   cell N                                  swipe FIELD left|right|up|down
-  drag X1 Y1 X2 Y2                        network unknown|none|cellular|wifi
-  tracking on|off                         call OPERATION [ARGUMENT]
+  drag X1 Y1 X2 Y2                        scroll X Y DX DY
+  pinch FIELD FACTOR                      key NAME
+  network unknown|none|cellular|wifi      tracking on|off
+  call OPERATION [ARGUMENT]               await frame FIELD [SECONDS]
   service PATH status N|slow SECONDS|cut|hang|answer FILE|normal          service normal
   screenshot FILE.png                     dump FILE.json
   orientation unknown|portrait|upside-down|landscape-left|landscape-right|face-up|face-down [WxH]

@@ -11,6 +11,7 @@
 #include <UIKit/UICollectionView.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -36,6 +37,17 @@ std::optional<double> secondsOf(const std::vector<std::string>& words, std::size
     if (place >= words.size()) return patience;
     const auto seconds = parseNumber(words[place]);
     return seconds && *seconds >= 0 ? seconds : std::nullopt;
+}
+
+/// What follows a command's name.
+std::optional<std::array<double, 4>> fourNumbers(const std::vector<std::string>& words) {
+    std::array<double, 4> numbers{};
+    for (std::size_t i = 0; i < numbers.size(); ++i) {
+        const auto number = parseNumber(words[i + 1]);
+        if (!number) return std::nullopt;
+        numbers[i] = *number;
+    }
+    return numbers;
 }
 
 std::string lateBy(double seconds) {
@@ -68,6 +80,7 @@ const Runner::CommandKind* Runner::kindOf(const Command& command) {
         {"cell", "N", 1, 1, &Runner::tapCell},
         {"swipe", "FIELD left|right|up|down", 2, 2, &Runner::swipeOver},
         {"drag", "X1 Y1 X2 Y2", 4, 4, &Runner::dragAlong},
+        {"scroll", "X Y DX DY", 4, 4, &Runner::scrollAt},
         {"pinch", "FIELD FACTOR", 2, 2, &Runner::pinchOn},
         {"key", "NAME", 1, 1, &Runner::pressKey},
         {"network", "unknown|none|cellular|wifi", 1, 1, &Runner::setNetwork},
@@ -229,14 +242,20 @@ Failure Runner::swipeOver(const Words& words) {
 }
 
 Failure Runner::dragAlong(const Words& words) {
-    double numbers[4];
-    for (std::size_t i = 0; i < 4; ++i) {
-        const auto number = parseNumber(words[i + 1]);
-        if (!number) return "";
-        numbers[i] = *number;
-    }
-    drag(game_, {numbers[0], numbers[1]}, {numbers[2], numbers[3]});
+    const auto numbers = fourNumbers(words);
+    if (!numbers) return "";
+    const auto& [x1, y1, x2, y2] = *numbers;
+    drag(game_, {x1, y1}, {x2, y2});
     return std::nullopt;
+}
+
+Failure Runner::scrollAt(const Words& words) {
+    const auto numbers = fourNumbers(words);
+    if (!numbers) return "";
+    const auto& [x, y, dx, dy] = *numbers;
+    const bool isTaken = game_.screen().host().scrolled({x, y}, dx, dy) == InputResult::Consumed;
+    game_.frame();
+    return unless(isTaken, "nothing of the panel scrolls there");
 }
 
 Failure Runner::pinchOn(const Words& words) {

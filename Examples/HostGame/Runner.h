@@ -35,6 +35,7 @@ private:
     Failure tapCell(const Words& words);
     Failure swipeOver(const Words& words);
     Failure dragAlong(const Words& words);
+    Failure scrollAt(const Words& words);
     Failure pinchOn(const Words& words);
     Failure pressKey(const Words& words);
     Failure setNetwork(const Words& words);

@@ -1,5 +1,6 @@
 #include "Game.h"
 #include "Options.h"
+#include "Recorder.h"
 #include "Runner.h"
 #include "Screen.h"
 #include "Script.h"
@@ -40,6 +41,8 @@ std::optional<Script> readScript(const std::string& path) {
 
 int play(Game& game, const Options& options, const Script* script) {
     if (std::string error = game.start(); !error.empty()) return fail(failed, error);
+    const auto recorder = options.record ? Recorder::start(game, *options.record) : nullptr;
+    if (options.record && !recorder) return fail(failed, "cannot write " + *options.record);
     Runner runner(game);
     if (script && !runner.run(*script)) return failed;
     if (options.screenshot) {

@@ -45,6 +45,7 @@ struct UIHost::State : UIApplicationDelegate {
     Ref<UIWindow> mainWindow = make<UIWindow>();
     LayerRenderer renderer{*mainWindow};
     TouchDispatcher touches{*mainWindow};
+    std::function<void(const InputEvent&, InputResult)> observeInput;
     /// Calls under way, one inside the other.
     int depth = 0;
     /// Owns itself once the host is gone, until the outermost call ends.
@@ -69,6 +70,12 @@ public:
     /// Made by something that another call runs.
     bool isNested() const { return state_->depth > 1; }
     State* operator->() const { return state_; }
+
+    /// Passes the result of an event on to who observes the input.
+    InputResult tell(const InputEvent& event, InputResult result) const {
+        if (*this && state_->observeInput) state_->observeInput(event, result);
+        return result;
+    }
 
 private:
     State* const state_;
@@ -133,19 +140,24 @@ void UIHost::resize(CGSize size, CGFloat scale) {
 
 InputResult UIHost::pointerDown(int pointer, CGPoint point) {
     const Call call(*this, "UIHost::pointerDown", "input");
-    return call ? call->touches.down(pointer, point) : InputResult::Ignored;
+    if (!call) return InputResult::Ignored;
+    return call.tell({InputEvent::Kind::PointerDown, pointer, point}, call->touches.down(pointer, point));
 }
 InputResult UIHost::pointerMoved(int pointer, CGPoint point) {
     const Call call(*this, "UIHost::pointerMoved", "input");
-    return call ? call->touches.moved(pointer, point) : InputResult::Ignored;
+    if (!call) return InputResult::Ignored;
+    return call.tell({InputEvent::Kind::PointerMoved, pointer, point}, call->touches.moved(pointer, point));
 }
 InputResult UIHost::pointerUp(int pointer, CGPoint point) {
     const Call call(*this, "UIHost::pointerUp", "input");
-    return call ? call->touches.up(pointer, point) : InputResult::Ignored;
+    if (!call) return InputResult::Ignored;
+    return call.tell({InputEvent::Kind::PointerUp, pointer, point}, call->touches.up(pointer, point));
 }
 void UIHost::pointerCancelled(int pointer) {
     const Call call(*this, "UIHost::pointerCancelled", "input");
-    if (call) call->touches.cancelled(pointer);
+    if (!call) return;
+    call->touches.cancelled(pointer);
+    call.tell({InputEvent::Kind::PointerCancelled, pointer}, InputResult::Ignored);
 }
 InputResult UIHost::pointerHovered(CGPoint point) {
     const Call call(*this, "UIHost::pointerHovered", "input");
@@ -157,11 +169,18 @@ void UIHost::pointerLeft() {
 }
 InputResult UIHost::scrolled(CGPoint point, CGFloat dx, CGFloat dy) {
     const Call call(*this, "UIHost::scrolled", "input");
-    return call ? call->touches.scrolled(point, dx, dy) : InputResult::Ignored;
+    if (!call) return InputResult::Ignored;
+    return call.tell({InputEvent::Kind::Scrolled, 0, point, dx, dy}, call->touches.scrolled(point, dx, dy));
 }
 InputResult UIHost::keyDown(std::string_view name) {
     const Call call(*this, "UIHost::keyDown", "input");
-    return call && call->mainWindow->keyDown(name) ? InputResult::Consumed : InputResult::Ignored;
+    if (!call) return InputResult::Ignored;
+    const auto result = call->mainWindow->keyDown(name) ? InputResult::Consumed : InputResult::Ignored;
+    return call.tell({.kind = InputEvent::Kind::KeyDown, .key = name}, result);
+}
+void UIHost::setInputObserver(std::function<void(const InputEvent&, InputResult)> observe) {
+    const Call call(*this, "UIHost::setInputObserver", nullptr);
+    if (call) call->observeInput = std::move(observe);
 }
 
 void UIHost::update(double budget) {

@@ -6,6 +6,7 @@
 #include <UIKit/Geometry.h>
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string_view>
 
@@ -22,6 +23,21 @@ enum class UIDeviceOrientation : std::int64_t {
     LandscapeRight = 4,
     FaceUp = 5,
     FaceDown = 6
+};
+
+/// What the player did, as a host adapter told it to the kit: for those that record it.
+struct InputEvent {
+    /// Which of UIHost's functions was called.
+    enum class Kind : std::uint8_t { PointerDown, PointerMoved, PointerUp, PointerCancelled, Scrolled, KeyDown };
+    Kind kind;
+    /// Of a pointer.
+    int pointer = 0;
+    /// In points of the screen; of a pointer, or where the wheel was turned.
+    CGPoint point = {};
+    /// Points by which to scroll on.
+    CGFloat dx = 0, dy = 0;
+    /// The key's name, for as long as the call lasts.
+    std::string_view key = {};
 };
 
 /// What a host adapter tells the kit and asks of it: screen, input, the frame tick, drawing. It makes the application's
@@ -67,6 +83,9 @@ public:
     InputResult scrolled(CGPoint point, CGFloat dx, CGFloat dy);
     /// A key by its name: "escape", "return", "space", "left", ….
     InputResult keyDown(std::string_view name);
+    /// Tells `observe` of all input from now on, each time after the kit has dealt with it, and with what it answered;
+    /// null: nobody. Movements without a button are left out.
+    void setInputObserver(std::function<void(const InputEvent& event, InputResult result)> observe);
 
     /// The one call a frame: runs what is due on the main queue within `budget` seconds, advances animations, lays out,
     /// and finds again what lies under a still pointer.
