@@ -23,6 +23,7 @@ function(flarebox_library name)
   set_target_properties(${name} PROPERTIES
     LINKER_LANGUAGE CXX POSITION_INDEPENDENT_CODE ON CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
   target_include_directories(${name} PUBLIC "${PROJECT_SOURCE_DIR}/Platform" "${PROJECT_SOURCE_DIR}")
+  target_compile_features(${name} PUBLIC cxx_std_20)
   target_link_libraries(${name} PRIVATE FlareboxOptions PUBLIC Threads::Threads)
   if(WIN32)
     target_compile_definitions(${name} PUBLIC $<IF:$<BOOL:${FLAREBOX_SHARED}>,FLAREBOX_BUILDING,FLAREBOX_STATIC>)
