@@ -28,6 +28,10 @@ def text_of(path):
 
 # Blocks.
 
+#: Stands for lines that a quotation leaves out.
+LEFT_OUT = ("// …", "# …", "/* … */")
+
+
 def check_quote(block):
     """The lines stand in the file that the block names, in their order."""
     source = block.rules["from"]
@@ -35,8 +39,8 @@ def check_quote(block):
         return complain(block.place, f"there is no {source}")
     file = [line.strip() for line in text_of(source).splitlines()]
     start, part = 0, []
-    for line in [line.strip() for line in block.text.splitlines()] + ["// …"]:
-        if line not in ("// …", "# …", "/* … */"):
+    for line in [line.strip() for line in block.text.splitlines()] + [LEFT_OUT[0]]:
+        if line not in LEFT_OUT:
             part.append(line)
             continue
         places = (at for at in range(start, len(file) - len(part) + 1) if file[at:at + len(part)] == part)

@@ -105,7 +105,7 @@ class Runner:
 
     def apt(self, words):
         packages = [word for word in words[1:] if not word.startswith("-") and word not in ("install", "update")]
-        unknown = [word for word in packages if not word.startswith(("./", "build/")) and word not in self.sources.packages]
+        unknown = [word for word in packages if not word.startswith(("./", "build/")) and word not in self.sources.packages | {"git"}]
         return f"not in scripts/packages.txt: {' '.join(unknown)}" if unknown else None
 
     def git(self, words):
@@ -124,7 +124,12 @@ class Runner:
         for option, value in zip(words, words[1:]):
             if option == "--preset" and f'"name": "{value}"' not in self.sources.presets:
                 return f"no preset {value}"
-        return None
+        return self.configure(words) if (self.folder / "CMakeLists.txt").exists() and "-S" in words else None
+
+    def configure(self, words):
+        """The reader's own project, with the kit where the page has put it."""
+        (self.folder / "flarebox").symlink_to(REPOSITORY)
+        return self.run(words)
 
     def ctest(self, words):
         return self.cmake(words)
@@ -174,6 +179,9 @@ class Runner:
             return self.sample(["flarebox-service", *words[2:]])
         if path == "run":
             return self.sample(["flarebox-hostgame", *words[1:]][:1] + [word for word in words[1:] if word != "--"])
+        project = self.folder / "CMakeLists.txt"
+        if path.startswith("build/") and project.exists() and path.removeprefix("build/") in project.read_text():
+            return None  # compiled and run by itself
         file = REPOSITORY / path
         if not file.is_file():
             return f"no rule for {words[0]}"
