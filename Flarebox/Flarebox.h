@@ -8,6 +8,7 @@
 #include <Flarebox/Core/CompanionApp.h>
 #include <Flarebox/Core/FlareboxConfig.h>
 #include <Flarebox/Core/Logging.h>
+#include <Flarebox/Core/Theme.h>
 #include <Flarebox/Managers/FlareboxManager.h>
 #include <Flarebox/Models/FXUserSession.h>
 #include <Flarebox/Views/FlareboxView.h>

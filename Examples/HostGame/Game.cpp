@@ -67,6 +67,12 @@ std::string Game::start() {
     config.configFlareboxWithUserSession(options_.hasSession ? samplePlayer() : nullptr, textOrNull(options_.gameUID),
                                          textOrNull(options_.gameVersion), options_.logs, options_.logLevel);
     if (options_.refresh) config.setTimeRefresh(*options_.refresh);
+    if (options_.theme) {
+        Ref<NSError> error;
+        const Ref<Theme> theme = Theme::themeWithFile(*options_.theme, &error);
+        if (!theme) return error->localizedDescription();
+        config.setTheme(theme);
+    }
     if (!makeTab()) return "the kit's resources are missing";
     tab().showAtWindow();
 

@@ -111,6 +111,8 @@ constexpr OptionKind optionKinds[] = {
     {"--advertising-id", "UUID", "advertising identifier instead of a random one", storeIdentifier},
     {"--clock", "real|virtual", "virtual: time passes only while a script waits, swipes or drags (real)", storeClock},
     {"--can-open", "SCHEME", "links of this scheme can be opened, headless; may be repeated", storeScheme},
+    {"--theme", "FILE", "look of a brand instead of the kit's own",
+     [](Options& o, Text v) { return storeText(v, o.theme); }},
     {"--screenshot", "FILE.png", "after the script, or once the open tab shows its first list; then exit",
      [](Options& o, Text v) { return storeText(v, o.screenshot); }},
     {"--script", "FILE", "commands to perform once the tab is attached",

@@ -32,7 +32,7 @@ struct Options {
     std::optional<std::string> advertisingIdentifier;
     bool hasVirtualClock = false;
     std::vector<std::string> schemes;
-    std::optional<std::string> screenshot, script, record;
+    std::optional<std::string> theme, screenshot, script, record;
 };
 
 struct ParsedOptions {

@@ -77,6 +77,16 @@ void flarebox_set_log_sink(flarebox_log_sink sink, void* context) {
     });
 }
 
+flarebox_result flarebox_set_theme(const char* file) {
+    return guarded([&] {
+        Ref<NSError> error;
+        const Ref<Theme> theme = file ? Theme::themeWithFile(file, &error) : nullptr;
+        if (file && !theme) return failed(FLAREBOX_FAILED, error->localizedDescription());
+        FlareboxConfig::defaultConfig().setTheme(theme);
+        return FLAREBOX_OK;
+    });
+}
+
 flarebox_result flarebox_set_muted(bool muted) {
     return guarded([&] {
         AVPlayer::setEverythingMuted(muted);

@@ -82,6 +82,10 @@ FLAREBOX_API flarebox_result flarebox_configure(const flarebox_configuration *co
 typedef void (*flarebox_log_sink)(void *context, int32_t level, const char *message);
 FLAREBOX_API void flarebox_set_log_sink(flarebox_log_sink sink, void *context);
 
+/* The look of a brand, from a theme file; null: the kit's own. Tabs follow at once. A file that cannot be read fails and
+ * changes nothing; of one that can, what is wrong is left out and told in the log. */
+FLAREBOX_API flarebox_result flarebox_set_theme(const char *file);
+
 /* The switch for the sound of all videos. */
 FLAREBOX_API flarebox_result flarebox_set_muted(bool muted);
 

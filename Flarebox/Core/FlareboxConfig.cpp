@@ -76,6 +76,12 @@ void FlareboxConfig::setShowFlareboxButton(bool show) {
     didChangeValueForKey("showFlareboxButton");
 }
 
+void FlareboxConfig::setTheme(const Ref<Theme>& theme) {
+    if (!requireMainThread("FlareboxConfig::setTheme")) return;
+    theme_ = theme ? theme : make<Theme>();
+    UIPalette::setCurrent(theme_->palette());
+}
+
 std::int32_t FlareboxConfig::getTimeRefresh() const {
     return refreshTimeInterval_ > 0 ? refreshTimeInterval_ : refreshTimeIntervalDefault;
 }

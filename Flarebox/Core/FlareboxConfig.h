@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Flarebox/Core/Theme.h>
 #include <Flarebox/Models/FXSessionInfo.h>
 #include <Flarebox/Models/FXUserSession.h>
 #include <Foundation/Export.h>
@@ -59,6 +60,12 @@ public:
     std::int32_t getTimeRefresh() const;
     void setTimeRefresh(std::int32_t seconds) { setRefreshTimeInterval(seconds); }
 
+    /// How the kit looks. Never null.
+    const Ref<Theme>& theme() const { return theme_; }
+    /// Takes a theme over; null for the kit's own look. Tabs follow at once, alerts and players when they are shown
+    /// next: `setTheme(Theme::themeWithFile("theme.xml"))`.
+    void setTheme(const Ref<Theme>& theme);
+
     /// The advertising identifier as an upper-case UUID text. Null while tracking is switched off; the player is then
     /// asked by an alert to allow it.
     static NSString deviceUID();
@@ -84,6 +91,7 @@ private:
     NSString gameUID_, gameVersion_;
     Ref<FXSessionInfo> sessionInfo_;
     Ref<FXUserSession> sessionEdit_;
+    Ref<Theme> theme_ = make<Theme>();
     std::atomic<std::uint64_t> logLevel_{0};
     std::int32_t refreshTimeInterval_ = 0;
     bool showFlareboxButton_ = false, initializeOnStart_ = false;

@@ -23,7 +23,6 @@ void AssetCollectionViewCell::awakeFromNib() {
 void AssetCollectionViewCell::loadCellData(const Ref<FXAssetInfo>& asset, bool selected) {
     if (!asset) return;
     asset_ = asset;
-    imgAsset_->layer().setBorderColor(UIColor::whiteColor());
     imgAsset_->layer().setCornerRadius(bounds().width() / 2);
     focusCell(selected);
     imgAsset_->setImage(nullptr);

@@ -59,8 +59,6 @@ void CouponView::awakeFromNib() {
     UIView::awakeFromNib();
     setTranslatesAutoresizingMaskIntoConstraints(false);
     translateTexts(*this);
-    btnClose_->layer().setBorderColor(UIColor::whiteColor());
-    btnKestrinApp_->layer().setBorderColor(UIColor::whiteColor());
 }
 
 void CouponView::layoutSubviews() {

@@ -39,7 +39,7 @@ void FlareboxView::updateFlarebox() {
 void FlareboxView::selectFirstAsset() {
     if (!assestsList_ || assestsList_->empty()) return;
     selectAsset(assestsList_->front());
-    enable(*btnCoupon_);
+    enable(*btnCoupon_, UIPalette::Shade::ActionText);
     reloadCellVisibles();
 }
 

@@ -28,6 +28,10 @@ bool isSettled(UIDeviceOrientation orientation) {
 
 }  // namespace
 
+double FlareboxView::screenShare() {
+    return UIScreen::mainScreen().bounds().height() / designScreenHeight;
+}
+
 // Single precision throughout, so that the sizes are the same as on the phones that the panel was drawn for.
 CGSize FlareboxView::getViewSize() {
     const CGSize screen = UIScreen::mainScreen().bounds().size;
@@ -61,8 +65,9 @@ void FlareboxView::setupView() {
     collectionView_->registerNib(UINib::nibWithNibName("AssetCollectionViewCell", flareboxBundle()),
                                  "AssetCollectionViewCell");
     collectionView_->setKeptCellLimit(keptCells);
-    enable(*btnCoupon_);
+    enable(*btnCoupon_, UIPalette::Shade::ActionText);
     disable(*btnBuy_);
+    showTheme();
     emptyView_->setHidden(true);
     assetView_->setHidden(true);
     lbErrorMessage_->setHidden(true);
@@ -81,13 +86,13 @@ void FlareboxView::setupView() {
 void FlareboxView::layoutView() {
     const CGSize size = getViewSize();
     const double unit = size.height / designHeight;
-    // The layout file has the weights.
+    // The layout file has typefaces and weights.
     const auto scaleFont = [unit](UILabel& label, double points) {
-        label.setFont(UIFont::systemFontOfSize(points * unit, label.font().weight()));
+        label.setFont(label.font().fontWithSize(points * unit));
     };
 
     preventerMenuWidth_->setConstant(35 * (size.width / designWidth));
-    lbEmptyAssets_->setFont(UIFont::fontWithName("HelveticaNeue-Medium", 25 * unit));
+    scaleFont(*lbEmptyAssets_, 25);
     scaleFont(*lbEmptyAssetsDetail_, 16);
     scaleFont(*lbAssetTitle_, 16);
     scaleFont(*lbAssetDesc_, 12);
@@ -138,8 +143,8 @@ void FlareboxView::orientationChangedMethod() {
     const CGSize size = getViewSize();
     if (widthFixedConstraint_) widthFixedConstraint_->setConstant(size.width);
     if (heightFixedConstraint_) heightFixedConstraint_->setConstant(size.height);
-    if (openButtonWidthContraint_)
-        openButtonWidthContraint_->setConstant(36 * (UIScreen::mainScreen().bounds().height() / designScreenHeight));
+    if (openButtonWidthContraint_) openButtonWidthContraint_->setConstant(openButtonWidth * screenShare());
+    sizeOpenButton();
     if (const auto leading = constraintLeadingContentView_.lock()) leading->setConstant(isOpened() ? 0.0 : -size.width);
     setNeedsLayout();
     setNeedsDisplay();

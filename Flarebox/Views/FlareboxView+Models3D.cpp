@@ -44,7 +44,6 @@ void FlareboxView::setup3DView() {
     if (!scnContent_) return;
     scnContent_->setDelegate(this);
     addToParent(*scnContent_, *scnContainer_);
-    scnContent_->scnView().setBackgroundColor(UIColor::blackColor());
     ZorbRendererUtils::loadDefaultSceneForView(scnContent_->scnView());
     sizeFullScreenButton();
 }

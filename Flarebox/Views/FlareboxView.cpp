@@ -67,6 +67,8 @@ const ClassInfo& FlareboxView::staticClass() {
         outlet<&FlareboxView::preventerMenuWidth_>("preventerMenuWidth"),
         outlet<&FlareboxView::preventerMenuView_>("preventerMenuView"),
         outlet<&FlareboxView::panelShadow_>("panelShadow"),
+        outlet<&FlareboxView::imgLogo_>("imgLogo", Code),
+        outlet<&FlareboxView::openButtonHeightConstraint_>("openButtonHeightConstraint", Code),
         outlet<&FlareboxView::couponView_>("couponView", Code),
         outlet<&FlareboxView::scnContent_>("scnContent", Code),
         outlet<&FlareboxView::videoView_>("videoView", Code),
@@ -121,6 +123,7 @@ void FlareboxView::awakeFromNib() {
     UIView::awakeFromNib();
     translateTexts(*this);
     isHasBeenOpened_ = false;
+    ownTitle_ = lbFlareboxLogo_->text();
     showLoadingView(false);
     setupView();
     loadData();
@@ -164,7 +167,7 @@ void FlareboxView::attachOpenButton(UIView& parent) {
     using enum NSLayoutAttribute;
     using enum NSLayoutRelation;
     parent.addSubview(*btnOpen_);
-    const CGFloat width = 36 * (UIScreen::mainScreen().bounds().height() / 600);
+    const CGFloat width = openButtonWidth * screenShare();
     openButtonWidthContraint_ =
         NSLayoutConstraint::constraintWithItem(*btnOpen_, Width, Equal, nullptr, NotAnAttribute, 1, width);
     parent.addConstraint(NSLayoutConstraint::constraintWithItem(*btnOpen_, CenterY, Equal, &parent, CenterY, 1, 0));

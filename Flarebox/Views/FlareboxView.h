@@ -190,6 +190,7 @@ public:
 
     // Hooks of the platform.
     void awakeFromNib() override;
+    void paletteDidChange() override;
     void didMoveToSuperview() override;
     void didMoveToWindow() override;
     void observeValueForKeyPath(std::string_view keyPath, NSObject& object, const NSKeyValueChange& change,
@@ -214,11 +215,20 @@ private:
     bool shouldRefresh() const;
 
     // FlareboxView+Layout.cpp
+    /// The main screen's height in those of the screen that the tab was drawn for.
+    static double screenShare();
     void setupView();
     void layoutView();
     void loadLayoutConstrains();
     void orientationChangedMethod();
     void relayoutLayers() {}
+
+    // FlareboxView+Theme.cpp
+    /// In points on that screen.
+    static constexpr double openButtonWidth = 36;
+    /// What of the theme is not in the palette.
+    void showTheme();
+    void sizeOpenButton();
 
     // FlareboxView+Browsing.cpp
     /// The list fades out where it goes on.
@@ -264,10 +274,10 @@ private:
     Weak<UICollectionView> collectionView_;
     Weak<UILabel> lbAssetTitle_, lbAssetDesc_, lbEmptyAssets_, lbEmptyAssetsDetail_, lbErrorMessage_, lbFlareboxLogo_;
     Weak<UIButton> btnClose_, btn2d_, btn3d_, btnVideo_, btnCoupon_, btnBuy_, btnPrevious_, btnNext_;
-    Weak<UIImageView> imgAssetContent_;
+    Weak<UIImageView> imgAssetContent_, imgLogo_;
     Weak<UIActivityIndicatorView> indicator_;
     Weak<NSLayoutConstraint> closeButtonTopContraint_, assetContainerBottom_, logoTopContraint_, assetLogoPadding_,
-        preventerMenuWidth_;
+        preventerMenuWidth_, openButtonHeightConstraint_;
     /// Owned: it is the parent's sub-view while the tab is attached, and nobody's in between.
     Ref<UIButton> btnOpen_;
 
@@ -296,6 +306,8 @@ private:
     /// An opened event is still owed for the current opening.
     bool isNeedFlareboxOpenedEvent_ = false;
     bool isHasBeenOpened_ = false;
+    /// As the layout file has it.
+    NSString ownTitle_;
     // What the delegate knows.
     bool isKnownToBeOpen_ = false;
     Ref<FXAssetInfo> knownSelection_;

@@ -9,6 +9,7 @@
 #include <UIKit/UIImageView.h>
 #include <UIKit/UILabel.h>
 #include <UIKit/UINib.h>
+#include <UIKit/UIPalette.h>
 
 #include <vector>
 
@@ -17,8 +18,6 @@ namespace {
 
 /// The content area's height on the design grid, in points.
 constexpr double designHeight = 158;
-/// Corners are round like those of the content area, but not over the whole window.
-constexpr CGFloat contentRadius = 10;
 constexpr const char* noModel = "There is no 3D model of this product";
 
 }  // namespace
@@ -68,6 +67,18 @@ void SCNContentView::layoutSubviews() {
         lbMessage_->font().fontWithSize(12 * std::min(bounds().height(), bounds().width()) / designHeight));
 }
 
+void SCNContentView::paletteDidChange() {
+    UIView::paletteDidChange();
+    roundCorners();
+}
+
+void SCNContentView::roundCorners() {
+    // Like those of the content area, but not over the whole window.
+    const CGFloat radius = is3DViewFullScreen_ ? 0 : UIPalette::current().radius(UIPalette::Corner::Picture);
+    for (UIView* view : {static_cast<UIView*>(this), static_cast<UIView*>(scnView_.get()), unavailableView_.get()})
+        view->layer().setCornerRadius(radius);
+}
+
 void SCNContentView::sceneFailed(const Ref<NSError>& error) {
     errorLog("%@", error->localizedDescription());
     showState();
@@ -101,9 +112,7 @@ void SCNContentView::showState() {
 void SCNContentView::press3DFullButton() {
     is3DViewFullScreen_ = !is3DViewFullScreen_;
     btn3DMode_->setSelected(is3DViewFullScreen_);
-    const CGFloat radius = is3DViewFullScreen_ ? 0 : contentRadius;
-    for (UIView* view : {static_cast<UIView*>(this), static_cast<UIView*>(scnView_.get()), unavailableView_.get()})
-        view->layer().setCornerRadius(radius);
+    roundCorners();
     SCNContentViewDelegate* delegate = delegate_.get();
     if (!delegate) return;
     if (is3DViewFullScreen_)

@@ -51,10 +51,12 @@ public:
 
     void awakeFromNib() override;
     void layoutSubviews() override;
+    void paletteDidChange() override;
 
 private:
     void sceneFailed(const Ref<NSError>& error);
     void showState();
+    void roundCorners();
 
     Weak<SCNView> scnView_;
     Weak<UIButton> btn3DMode_;

@@ -4,7 +4,6 @@
 namespace flarebox {
 namespace {
 
-constexpr UIColor panelColor = UIColor::rgb(0x13151A);
 constexpr float shadowStrength = 0.35F;
 constexpr int shadowSteps = 12;
 
@@ -47,8 +46,9 @@ void ListFadeView::setAtRightEnd(bool atRightEnd) {
 }
 
 void ListFadeView::drawRect(Canvas& canvas, const CGRect& bounds) {
-    const UIColor clear = panelColor.withAlpha(0);
-    canvas.fillGradient(bounds, atRightEnd_ ? clear : panelColor, atRightEnd_ ? panelColor : clear, true);
+    const UIColor& panel = tintColor();
+    const UIColor clear = panel.withAlpha(0);
+    canvas.fillGradient(bounds, atRightEnd_ ? clear : panel, atRightEnd_ ? panel : clear, true);
 }
 
 }  // namespace flarebox

@@ -12,7 +12,7 @@ public:
     bool drawsContent() const override { return true; }
 };
 
-/// The edge into which a list fades, at its left end, or at its right one.
+/// The edge into which a list fades, at its left end, or at its right one: into the tint colour, which is the panel's.
 ///
 /// Set by layout files: `atRightEnd`.
 class ListFadeView : public UIView {

@@ -13,11 +13,11 @@ void setLook(UIButton& button, bool isEnabled, const UIColor& color) {
 
 }  // namespace
 
-void enable(UIButton& button) {
-    setLook(button, true, UIColor::whiteColor());
+void enable(UIButton& button, UIPalette::Shade text) {
+    setLook(button, true, UIPalette::current().color(text));
 }
 void disable(UIButton& button) {
-    setLook(button, false, UIColor::lightGrayColor());
+    setLook(button, false, UIPalette::current().color(UIPalette::Shade::DisabledText));
 }
 
 }  // namespace flarebox

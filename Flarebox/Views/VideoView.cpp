@@ -59,6 +59,11 @@ void VideoView::layoutSubviews() {
     lbMessage_->setFont(lbMessage_->font().fontWithSize(12 * bounds().height() / designHeight));
 }
 
+void VideoView::paletteDidChange() {
+    UIView::paletteDidChange();
+    if (videoLayer_) videoLayer_->layer().setCornerRadii(videoPreventView_->layer().cornerRadii());
+}
+
 void VideoView::loadAssetVideo(const Ref<FXAssetInfo>& asset) {
     if (!asset) return;
     assetInfo_ = asset;

@@ -55,6 +55,7 @@ public:
 
     void awakeFromNib() override;
     void layoutSubviews() override;
+    void paletteDidChange() override;
 
 private:
     void removeVideoLayers();

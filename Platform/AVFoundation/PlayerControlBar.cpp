@@ -1,5 +1,6 @@
 #include <AVFoundation/AVPlayer.h>
 #include <AVFoundation/PlayerControlBar.h>
+#include <UIKit/UIPalette.h>
 
 #include <algorithm>
 #include <cctype>
@@ -11,15 +12,19 @@
 namespace flarebox {
 namespace {
 
-constexpr UIColor barColor = UIColor::rgb(0x13151A, 0.82F), hairlineColor = UIColor::rgb(0xFFFFFF, 0.08F),
-                  textColor = UIColor::rgb(0xF4F6F8), disabledColor = UIColor::rgb(0x6B727D);
+constexpr UIColor disabledColor = UIColor::rgb(0x6B727D);
+constexpr float barStrength = 0.82F, hairlineStrength = 0.08F;
 constexpr CGFloat margin = 8, buttonWidth = 40, spacing = 8, textSize = 13, iconSize = 20;
 /// Longer ones are not told apart any more.
 constexpr double longestTime = 359999;
 constexpr const char* unknownTime = "–:––";
 
+const UIColor& textColor() {
+    return UIPalette::current().color(UIPalette::Shade::Text);
+}
+
 TextStyle timeStyle() {
-    return {.font = UIFont::systemFontOfSize(textSize, UIFontWeight::Medium), .color = textColor};
+    return {.font = UIFont::systemFontOfSize(textSize, UIFontWeight::Medium), .color = textColor()};
 }
 
 CGFloat widthOf(const std::string& time) {
@@ -57,10 +62,10 @@ PlayerControlBar::PlayerControlBar()
       remaining_(makeLabel("remaining", NSTextAlignment::Left)),
       scrubber_(make<PlayerScrubber>()),
       hairline_(make<UIView>()) {
-    setBackgroundColor(barColor);
+    setBackgroundColor(UIPalette::current().color(UIPalette::Shade::Panel).withAlpha(barStrength));
     scrubber_->setAccessibilityIdentifier("player.scrubber");
     addSubview(*scrubber_);
-    hairline_->setBackgroundColor(hairlineColor);
+    hairline_->setBackgroundColor(textColor().withAlpha(hairlineStrength));
     hairline_->setUserInteractionEnabled(false);
     addSubview(*hairline_);
     showTimes(0, 0);
@@ -72,7 +77,7 @@ Ref<UIButton> PlayerControlBar::makeButton(const char* name, const char* icon, c
     button->setIcon(VectorIcon::named(icon));
     button->setIcon(VectorIcon::named(selectedIcon), UIControlState::Selected);
     button->setIconSize(iconSize);
-    button->setTintColor(textColor);
+    button->setTintColor(textColor());
     button->setTintColor(disabledColor, UIControlState::Disabled);
     button->layer().setCornerRadius(8);
     addSubview(*button);
@@ -83,7 +88,7 @@ Ref<UILabel> PlayerControlBar::makeLabel(const char* name, NSTextAlignment align
     auto label = make<UILabel>();
     label->setAccessibilityIdentifier(std::string("player.") + name);
     label->setFont(timeStyle().font);
-    label->setTextColor(textColor);
+    label->setTextColor(textColor());
     label->setTextAlignment(alignment);
     addSubview(*label);
     return label;

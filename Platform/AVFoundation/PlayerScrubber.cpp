@@ -1,4 +1,5 @@
 #include <AVFoundation/PlayerScrubber.h>
+#include <UIKit/UIPalette.h>
 #include <UIKit/UITouch.h>
 
 #include <algorithm>
@@ -7,8 +8,7 @@
 namespace flarebox {
 namespace {
 
-constexpr UIColor accentColor = UIColor::rgb(0xFF6A3D), knobColor = UIColor::rgb(0xF4F6F8),
-                  trackColor = UIColor::rgb(0xFFFFFF, 0.24F);
+constexpr float trackStrength = 0.24F;
 /// How much larger the knob is while it is held.
 constexpr CGFloat heldGrowth = 4;
 /// A finger that comes down that near to the knob takes hold of it where it is; elsewhere the knob comes to the finger.
@@ -79,17 +79,18 @@ void PlayerScrubber::dragTo(CGFloat x) {
 }
 
 void PlayerScrubber::drawRect(Canvas& canvas, const CGRect& bounds) {
+    const UIPalette& palette = UIPalette::current();
     const CGPoint knob = knobCenter();
     const CGRect track = CGRectMake(bounds.minX() + heldGrowth / 2, bounds.midY() - trackHeight / 2,
                                     bounds.width() - heldGrowth, trackHeight);
     const CornerRadii ends = CornerRadii::all(trackHeight / 2);
-    canvas.fillRoundedRect(track, ends, trackColor);
+    canvas.fillRoundedRect(track, ends, palette.color(UIPalette::Shade::Text).withAlpha(trackStrength));
     if (!isEnabled()) return;
     CGRect played = track;
     played.size.width = std::max(0.0, knob.x - track.minX());
-    canvas.fillRoundedRect(played, ends, accentColor);
+    canvas.fillRoundedRect(played, ends, palette.color(UIPalette::Shade::Accent));
     const CGFloat side = knobSide + (isDragged_ ? heldGrowth : 0);
-    canvas.fillRoundedRect(squareAround(knob, side), CornerRadii::all(side / 2), knobColor);
+    canvas.fillRoundedRect(squareAround(knob, side), CornerRadii::all(side / 2), palette.color(UIPalette::Shade::Text));
 }
 
 }  // namespace flarebox

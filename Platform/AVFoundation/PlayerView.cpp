@@ -1,5 +1,6 @@
 #include <AVFoundation/PlayerView.h>
 #include <UIKit/UIGestureRecognizer.h>
+#include <UIKit/UIPalette.h>
 #include <UIKit/UITouch.h>
 
 #include <algorithm>
@@ -9,8 +10,9 @@
 namespace flarebox {
 namespace {
 
-constexpr UIColor pillColor = UIColor::rgb(0x13151A, 0.82F), hairlineColor = UIColor::rgb(0xFFFFFF, 0.08F),
-                  textColor = UIColor::rgb(0xF4F6F8), secondaryColor = UIColor::rgb(0xA9B1BD);
+// Messages stand on black, whatever the palette.
+constexpr UIColor textColor = UIColor::rgb(0xF4F6F8), secondaryColor = UIColor::rgb(0xA9B1BD);
+constexpr float pillStrength = 0.82F, hairlineStrength = 0.08F;
 constexpr CGFloat margin = 16, doneWidth = 68, doneHeight = 36, spinnerSide = 36, widestMessage = 420;
 constexpr CGFloat titleSize = 17, reasonSize = 14, messageSpacing = 6;
 /// A touch that moves further is no tap.
@@ -70,10 +72,11 @@ void PlayerView::addControls() {
     done_ = make<UIButton>();
     done_->setAccessibilityIdentifier("player.done");
     done_->setTitle("Done");
-    done_->setTitleColor(textColor);
-    done_->titleLabel().setFont(UIFont::systemFontOfSize(15, UIFontWeight::Semibold));
-    done_->setBackgroundColor(pillColor, UIControlState::Normal);
-    done_->layer().setBorderColor(hairlineColor);
+    const UIPalette& palette = UIPalette::current();
+    done_->setTitleColor(palette.color(UIPalette::Shade::Text));
+    done_->titleLabel().setFont(palette.font(UIPalette::Typeface::Button, 15, UIFontWeight::Semibold));
+    done_->setBackgroundColor(palette.color(UIPalette::Shade::Panel).withAlpha(pillStrength), UIControlState::Normal);
+    done_->layer().setBorderColor(palette.color(UIPalette::Shade::Text).withAlpha(hairlineStrength));
     done_->layer().setBorderWidth(1);
     done_->layer().setCornerRadius(doneHeight / 2);
     controls_->addSubview(*done_);

@@ -2,6 +2,7 @@
 #include <UIKit/UIAlertController.h>
 #include <UIKit/UIButton.h>
 #include <UIKit/UILabel.h>
+#include <UIKit/UIPalette.h>
 
 #include <algorithm>
 #include <cmath>
@@ -9,30 +10,42 @@
 namespace flarebox {
 namespace {
 
-constexpr UIColor dimming = UIColor::rgb(0x000000, 0.55F), panelColor = UIColor::rgb(0x1E222A),
-                  hairlineColor = UIColor::rgb(0xFFFFFF, 0.08F), pressedColor = UIColor::rgb(0xFFFFFF, 0.06F),
-                  textColor = UIColor::rgb(0xF4F6F8), secondaryColor = UIColor::rgb(0xA9B1BD),
-                  accentColor = UIColor::rgb(0xFF6A3D), destructiveColor = UIColor::rgb(0xFF8A80);
+using enum UIPalette::Shade;
+
+constexpr UIColor dimming = UIColor::rgb(0x000000, 0.55F);
+constexpr float hairlineStrength = 0.08F, pressedStrength = 0.06F;
 
 // Points on a small screen; larger screens get a little more of everything.
-constexpr CGFloat panelWidth = 270, screenMargin = 16, padding = 18, textSpacing = 6, buttonHeight = 44,
-                  cornerRadius = 14, titleSize = 17, messageSize = 13, buttonSize = 16;
+constexpr CGFloat panelWidth = 270, screenMargin = 16, padding = 18, textSpacing = 6, buttonHeight = 44, titleSize = 17,
+                  messageSize = 13, buttonSize = 16;
 constexpr CGFloat referenceSide = 640, largestScale = 1.4;
 
 CGFloat scaleFor(CGSize screen) {
     return std::clamp(std::min(screen.width, screen.height) / referenceSide, 1.0, largestScale);
 }
 
-UIColor titleColor(UIAlertActionStyle style) {
+const UIColor& colorOf(UIPalette::Shade shade) {
+    return UIPalette::current().color(shade);
+}
+
+CGFloat cornerRadius() {
+    return UIPalette::current().radius(UIPalette::Corner::Panel);
+}
+
+UIFont buttonFont(CGFloat scale) {
+    return UIPalette::current().font(UIPalette::Typeface::Button, buttonSize * scale, UIFontWeight::Semibold);
+}
+
+const UIColor& titleColor(UIAlertActionStyle style) {
     switch (style) {
         case UIAlertActionStyle::Default:
-            return accentColor;
+            return colorOf(Accent);
         case UIAlertActionStyle::Cancel:
-            return textColor;
+            return colorOf(Text);
         case UIAlertActionStyle::Destructive:
-            return destructiveColor;
+            return colorOf(Error);
     }
-    return textColor;
+    return colorOf(Text);
 }
 
 }  // namespace
@@ -46,16 +59,16 @@ AlertView::AlertView(UIAlertController& alert) : panel_(make<UIView>()) {
     setBackgroundColor(dimming);
     addSubview(*panel_);
     panel_->setAccessibilityIdentifier("alert");
-    panel_->setBackgroundColor(panelColor);
-    panel_->layer().setBorderColor(hairlineColor);
+    panel_->setBackgroundColor(colorOf(Surface));
+    panel_->layer().setBorderColor(colorOf(Text).withAlpha(hairlineStrength));
     panel_->layer().setBorderWidth(1);
     panel_->layer().setShadow({24, {0, 8}, UIColor::rgb(0, 0.35F)});
     if (!alert.title().text().empty()) {
-        title_ = makeLabel(textColor);
+        title_ = makeLabel(colorOf(Text));
         title_->setText(alert.title());
     }
     if (!alert.message().text().empty()) {
-        message_ = makeLabel(title_ ? secondaryColor : textColor);
+        message_ = makeLabel(colorOf(title_ ? SecondaryText : Text));
         message_->setText(alert.message());
     }
     for (const auto& action : alert.actions()) addButton(alert, action);
@@ -72,7 +85,7 @@ Ref<UILabel> AlertView::makeLabel(const UIColor& color) {
 
 Ref<UIView> AlertView::makeHairline() {
     auto hairline = make<UIView>();
-    hairline->setBackgroundColor(hairlineColor);
+    hairline->setBackgroundColor(colorOf(Text).withAlpha(hairlineStrength));
     hairline->setUserInteractionEnabled(false);
     panel_->addSubview(*hairline);
     return hairline;
@@ -82,7 +95,7 @@ void AlertView::addButton(UIAlertController& alert, const Ref<UIAlertAction>& ac
     auto button = make<UIButton>();
     button->setTitle(action->title());
     button->setTitleColor(titleColor(action->style()));
-    button->setBackgroundColor(pressedColor, UIControlState::Highlighted);
+    button->setBackgroundColor(colorOf(Text).withAlpha(pressedStrength), UIControlState::Highlighted);
     button->setAccessibilityIdentifier("alert." + action->title().string());
     button->addAction(
         [controller = Weak<UIAlertController>(&alert), action] {
@@ -106,7 +119,7 @@ void AlertView::layoutSubviews() {
     // On whole points, so that hairlines stay sharp.
     panel_->setFrame(
         {{std::round((screen.width - width) / 2), std::round((screen.height - height) / 2)}, {width, height}});
-    panel_->layer().setCornerRadius(cornerRadius * scale);
+    panel_->layer().setCornerRadius(cornerRadius() * scale);
 }
 
 CGFloat AlertView::layoutTexts(CGFloat width, CGFloat heightLeft, CGFloat scale) {
@@ -119,31 +132,32 @@ CGFloat AlertView::layoutTexts(CGFloat width, CGFloat heightLeft, CGFloat scale)
         label.setFrame({{padding * scale, y}, {textWidth, height}});
         y += height;
     };
-    if (title_) place(*title_, UIFont::systemFontOfSize(titleSize * scale, UIFontWeight::Semibold));
+    const UIPalette& palette = UIPalette::current();
+    if (title_) place(*title_, palette.font(UIPalette::Typeface::Title, titleSize * scale, UIFontWeight::Semibold));
     if (title_ && message_) y += textSpacing * scale;
-    if (message_) place(*message_, UIFont::systemFontOfSize((title_ ? messageSize : messageSize + 1) * scale));
+    if (message_)
+        place(*message_, palette.font(UIPalette::Typeface::Text, (title_ ? messageSize : messageSize + 1) * scale));
     return title_ || message_ ? std::round(y + padding * scale) : 0;
 }
 
 bool AlertView::fitSideBySide(CGFloat width, CGFloat scale) const {
     if (buttons_.size() != 2) return false;
     return std::ranges::all_of(buttons_, [&](const Ref<UIButton>& button) {
-        const UIFont font = UIFont::systemFontOfSize(buttonSize * scale, UIFontWeight::Semibold);
-        const TextStyle style{.font = font};
+        const TextStyle style{.font = buttonFont(scale)};
         return measureText(button->currentTitle().text(), style, width).width <= width / 2 - 2 * textSpacing * scale;
     });
 }
 
 CGFloat AlertView::layoutButtons(CGFloat width, CGFloat top, CGFloat scale) {
     const bool sideBySide = fitSideBySide(width, scale);
-    const CGFloat height = std::round(buttonHeight * scale), radius = cornerRadius * scale;
+    const CGFloat height = std::round(buttonHeight * scale), radius = cornerRadius() * scale;
     const CGFloat half = std::round(width / 2);
     CGFloat y = top;
     for (std::size_t i = 0; i < buttons_.size(); ++i) {
         const bool isLast = i + 1 == buttons_.size(), isRight = sideBySide && i == 1;
         const CGFloat x = isRight ? half : 0;
         UIButton& button = *buttons_[i];
-        button.titleLabel().setFont(UIFont::systemFontOfSize(buttonSize * scale, UIFontWeight::Semibold));
+        button.titleLabel().setFont(buttonFont(scale));
         button.setFrame({{x, y}, {isRight ? width - half : sideBySide ? half : width, height}});
         // Sub-views are not clipped to the panel's rounded corners.
         const bool atBottom = sideBySide || isLast;

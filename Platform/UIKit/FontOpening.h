@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 namespace flarebox {
 
 /// Posted on the main thread once fonts that were opened in the background are open.
@@ -16,5 +18,11 @@ bool fontsAreOpening();
 /// Whether the system gives what opening another font takes. Where it does not, which is said in the log, fonts
 /// count as being opened until it does. The library would end the process. Main thread.
 bool anotherFontCanBeOpened();
+
+/// Makes a font file (TrueType or OpenType) known to the process, for as long as it lives; answers the family's name,
+/// which is empty when the file cannot be read or holds no font. Takes milliseconds. Main thread.
+std::string addFontFile(const std::string& path);
+/// Whether fonts of that family are installed or have been added. Takes some ten milliseconds. Main thread.
+bool isFontFamilyKnown(const std::string& family);
 
 }  // namespace flarebox

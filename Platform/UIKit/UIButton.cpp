@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <numbers>
 
 namespace flarebox {
 namespace {
@@ -14,9 +15,12 @@ constexpr CGFloat barWidth = 2;
 // The first that is set counts.
 constexpr std::array statesByRank = {UIControlState::Disabled, UIControlState::Highlighted, UIControlState::Selected};
 
-CGRect squareIn(const CGRect& rect) {
-    const CGFloat side = std::min(rect.width(), rect.height());
-    return CGRectMake(rect.midX() - side / 2, rect.midY() - side / 2, side, side);
+/// The largest rectangle of that shape in the middle of the other.
+CGRect fitted(CGSize shape, const CGRect& rect) {
+    if (shape.width <= 0 || shape.height <= 0) return rect;
+    const CGFloat scale = std::min(rect.width() / shape.width, rect.height() / shape.height);
+    const CGSize size{shape.width * scale, shape.height * scale};
+    return {{rect.midX() - size.width / 2, rect.midY() - size.height / 2}, size};
 }
 
 }  // namespace
@@ -147,6 +151,9 @@ void UIButton::setIconSize(CGFloat size) {
 void UIButton::setIconSpacing(CGFloat spacing) {
     change(iconSpacing_, spacing);
 }
+void UIButton::setTitleRunsDownwards(bool runsDownwards) {
+    change(titleRunsDownwards_, runsDownwards);
+}
 void UIButton::setContentInsets(const UIEdgeInsets& insets) {
     change(contentInsets_, insets);
 }
@@ -167,10 +174,15 @@ void UIButton::showState() {
     setNeedsDisplay();
 }
 
-CGSize UIButton::intrinsicContentSize() const {
+CGSize UIButton::titleExtent() const {
     const CGSize title = titleLabel_->sizeThatFits(std::numeric_limits<CGFloat>::infinity());
+    return titleRunsDownwards_ ? CGSize{title.height, title.width} : title;
+}
+
+CGSize UIButton::intrinsicContentSize() const {
+    const CGSize title = titleExtent();
     const CGFloat icon = hasIcon() ? iconSize_ : 0;
-    const CGFloat spacing = icon > 0 && title.width > 0 ? iconSpacing_ : 0;
+    const CGFloat spacing = icon > 0 && titleLabel_->drawsContent() ? iconSpacing_ : 0;
     const bool above = iconPlacement_ == UIButtonIconPlacement::Above;
     const CGFloat width = above ? std::max(icon, title.width) : icon + spacing + title.width;
     const CGFloat height = above ? icon + spacing + title.height : std::max(icon, title.height);
@@ -221,33 +233,41 @@ void UIButton::drawContent(Canvas& canvas, const CGRect& bounds) const {
         CGRectMake(bounds.minX() + contentInsets_.left * scale, bounds.minY() + contentInsets_.top * scale,
                    bounds.width() - (contentInsets_.left + contentInsets_.right) * scale,
                    bounds.height() - (contentInsets_.top + contentInsets_.bottom) * scale);
-    const UIColor titleColor = shaded(titleColorForState(state()));
     const bool hasTitle = titleLabel_->drawsContent();
-    if (!hasIcon()) return titleLabel_->drawTextInRect(canvas, area, titleColor, scale);
+    if (!hasIcon()) return drawTitle(canvas, area, scale);
 
     const CGFloat side = std::min({iconSize_ * scale, area.width(), area.height()});
     const CGRect icon = CGRectMake(area.midX() - side / 2, area.midY() - side / 2, side, side);
     if (!hasTitle) return drawIcon(canvas, icon);
 
     const CGFloat spacing = iconSpacing_ * scale;
-    CGSize title = titleLabel_->sizeThatFits(std::numeric_limits<CGFloat>::infinity());
-    title = {title.width * scale, title.height * scale};
+    const CGSize title{titleExtent().width * scale, titleExtent().height * scale};
     if (iconPlacement_ == UIButtonIconPlacement::Above) {
-        const CGFloat top = area.midY() - (side + spacing + title.height) / 2;
+        const CGFloat height = std::min(title.height, std::max(0.0, area.height() - side - spacing));
+        const CGFloat top = area.midY() - (side + spacing + height) / 2;
         drawIcon(canvas, CGRectMake(icon.minX(), top, side, side));
-        const CGRect below = CGRectMake(area.minX(), top + side + spacing, area.width(), title.height);
-        return titleLabel_->drawTextInRect(canvas, below, titleColor, scale);
+        return drawTitle(canvas, CGRectMake(area.minX(), top + side + spacing, area.width(), height), scale);
     }
     const CGFloat width = std::min(title.width, std::max(0.0, area.width() - side - spacing));
     const CGFloat left = area.midX() - (side + spacing + width) / 2;
     drawIcon(canvas, CGRectMake(left, icon.minY(), side, side));
-    const CGRect beside = CGRectMake(left + side + spacing, area.minY(), width, area.height());
-    titleLabel_->drawTextInRect(canvas, beside, titleColor, scale);
+    drawTitle(canvas, CGRectMake(left + side + spacing, area.minY(), width, area.height()), scale);
+}
+
+void UIButton::drawTitle(Canvas& canvas, const CGRect& rect, CGFloat scale) const {
+    const UIColor color = shaded(titleColorForState(state()));
+    if (!titleRunsDownwards_) return titleLabel_->drawTextInRect(canvas, rect, color, scale);
+    canvas.save();
+    canvas.translate(rect.midX(), rect.midY());
+    canvas.rotate(std::numbers::pi / 2);
+    const CGRect turned = CGRectMake(-rect.height() / 2, -rect.width() / 2, rect.height(), rect.width());
+    titleLabel_->drawTextInRect(canvas, turned, color, scale);
+    canvas.restore();
 }
 
 void UIButton::drawIcon(Canvas& canvas, const CGRect& rect) const {
     if (const auto image = imageForState(state()))
-        canvas.drawImage(*image, squareIn(rect));
+        canvas.drawImage(*image, fitted(image->size(), rect));
     else if (const VectorIcon* icon = iconForState(state()))
         icon->draw(canvas, rect, shaded(tintColorForState(state())));
 }

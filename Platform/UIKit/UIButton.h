@@ -22,7 +22,7 @@ enum class UIButtonBarEdge : std::uint8_t { None, Top, Left, Bottom, Right };
 ///
 /// Set by layout files, those with [S] also for a state: `title` [S], `titleColor` [S], `tintColor` [S], `icon` [S],
 /// `backgroundColor` [S], `font` (of the title label), `adjustsFontSizeToFitWidth` (same), `iconPlacement`, `iconSize`,
-/// `iconSpacing`, `contentInsets`, `designHeight`, `selectionBarEdge`, and what UIControl lists.
+/// `iconSpacing`, `titleRunsDownwards`, `contentInsets`, `designHeight`, `selectionBarEdge`, and what UIControl lists.
 class UIButton : public UIControl {
     FLAREBOX_CLASS(UIButton)
 public:
@@ -44,7 +44,7 @@ public:
     /// A sign, in the tint colour; null for none.
     const VectorIcon* iconForState(UIControlState state) const;
     void setIcon(const VectorIcon* icon, UIControlState state = UIControlState::Normal);
-    /// A picture, in its own colours; counts before a sign. Null for none.
+    /// A picture, in its own colours and shape, as large as a sign; counts before one. Null for none.
     Ref<UIImage> imageForState(UIControlState state) const;
     void setImage(Ref<UIImage> image, UIControlState state = UIControlState::Normal);
     /// Drawn over the view's own background colour.
@@ -63,6 +63,9 @@ public:
     void setIconSize(CGFloat size);
     CGFloat iconSpacing() const { return iconSpacing_; }
     void setIconSpacing(CGFloat spacing);
+    /// Whether the title is turned by a quarter, to be read from the top of a narrow button to its bottom.
+    bool titleRunsDownwards() const { return titleRunsDownwards_; }
+    void setTitleRunsDownwards(bool runsDownwards);
     const UIEdgeInsets& contentInsets() const { return contentInsets_; }
     void setContentInsets(const UIEdgeInsets& insets);
     /// The height for which sizes, distances and font are given; a button of another height scales what it shows. 0,
@@ -101,9 +104,12 @@ private:
     void change(T& field, const T& value);
     void showState();
     CGFloat contentScale(const CGRect& bounds) const;
+    /// The room that the title takes, turned or not.
+    CGSize titleExtent() const;
     bool hasIcon() const { return iconForState(state()) || imageForState(state()); }
     void drawBackground(Canvas& canvas, const CGRect& bounds) const;
     void drawContent(Canvas& canvas, const CGRect& bounds) const;
+    void drawTitle(Canvas& canvas, const CGRect& rect, CGFloat scale) const;
     void drawIcon(Canvas& canvas, const CGRect& rect) const;
     void drawBar(Canvas& canvas, const CGRect& bounds) const;
     UIColor shaded(const UIColor& color) const;
@@ -117,6 +123,7 @@ private:
     CGFloat iconSize_ = 20, iconSpacing_ = 6, designHeight_ = 0;
     UIButtonIconPlacement iconPlacement_ = UIButtonIconPlacement::Leading;
     UIButtonBarEdge selectionBarEdge_ = UIButtonBarEdge::None;
+    bool titleRunsDownwards_ = false;
 };
 
 }  // namespace flarebox

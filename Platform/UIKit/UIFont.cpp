@@ -51,7 +51,12 @@ UIFont UIFont::fontWithName(std::string_view name, CGFloat size) {
 }
 
 UIFont UIFont::systemFontOfSize(CGFloat size, UIFontWeight weight) {
+    return fontWithFamily({}, size, weight);
+}
+
+UIFont UIFont::fontWithFamily(std::string_view family, CGFloat size, UIFontWeight weight) {
     UIFont font;
+    font.family_ = family;
     font.weight_ = weight;
     font.size_ = usableSize(size);
     return font;

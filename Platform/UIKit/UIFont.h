@@ -16,6 +16,8 @@ public:
     UIFont() = default;
     /// `name` in the platform's form, family and weight joined by a hyphen: "HelveticaNeue-Medium".
     static UIFont fontWithName(std::string_view name, CGFloat size);
+    /// The family's name as the font file has it; empty for the system font.
+    static UIFont fontWithFamily(std::string_view family, CGFloat size, UIFontWeight weight = UIFontWeight::Regular);
     static UIFont systemFontOfSize(CGFloat size, UIFontWeight weight = UIFontWeight::Regular);
 
     /// Empty for the system font.

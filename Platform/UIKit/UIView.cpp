@@ -242,6 +242,9 @@ void UIView::drawRect(Canvas&, const CGRect&) {}
 // Hooks.
 
 void UIView::awakeFromNib() {}
+void UIView::paletteDidChange() {
+    setNeedsLayout();
+}
 void UIView::didMoveToSuperview() {}
 void UIView::didMoveToWindow() {}
 

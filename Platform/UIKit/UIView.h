@@ -14,6 +14,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace flarebox {
@@ -139,8 +140,14 @@ public:
     // Hooks.
     /// After a layout file made the view and bound all its outlets.
     virtual void awakeFromNib();
+    /// For the root of what a layout file made: another palette is in force, and the attributes that follow it have been
+    /// set anew. Lays out again.
+    virtual void paletteDidChange();
     virtual void didMoveToSuperview();
     virtual void didMoveToWindow();
+
+    /// Kept alive as long as the view: what works on its behalf. May be null.
+    void setCompanion(Ref<NSObject> companion) { companion_ = std::move(companion); }
 
     // Input. Points are in the view's own coordinates, of what is shown at this moment.
     bool isUserInteractionEnabled() const { return userInteractionEnabled_; }
@@ -209,6 +216,7 @@ private:
     std::vector<Ref<UIView>> subviews_;
     std::vector<Ref<NSLayoutConstraint>> constraints_;
     std::vector<Ref<UIGestureRecognizer>> gestureRecognizers_;
+    Ref<NSObject> companion_;
     CGRect frame_;
     CGPoint boundsOrigin_;
     CALayer layer_{*this};

@@ -27,17 +27,40 @@ struct Entry {
     ParseForState parseForState = nullptr;
 };
 
+/// Values that the palette may have a say in know whether it has, and what it says.
+template <class T>
+concept Named = requires(const T& value) {
+    value.followsPalette();
+    value.value();
+};
+template <class T>
+decltype(auto) valueOf(const T& value) {
+    if constexpr (Named<T>)
+        return value.value();
+    else
+        return (value);
+}
+template <class T>
+bool followsPalette(const T& value) {
+    if constexpr (Named<T>)
+        return value.followsPalette();
+    else
+        return false;
+}
+
 template <class View, class Argument, class T>
 ApplyAttribute applying(void (*set)(View&, Argument), const std::optional<T>& value) {
-    if (!value) return nullptr;
-    return [set, value = *value](UIView& view) { set(static_cast<View&>(view), value); };
+    if (!value) return {};
+    return {[set, value = *value](UIView& view) { set(static_cast<View&>(view), valueOf(value)); },
+            followsPalette(*value)};
 }
 
 template <class View, class Argument, class T>
 ApplyAttribute applying(void (*set)(View&, Argument, UIControlState), const std::optional<T>& value,
                         UIControlState state) {
-    if (!value) return nullptr;
-    return [set, value = *value, state](UIView& view) { set(static_cast<View&>(view), value, state); };
+    if (!value) return {};
+    return {[set, value = *value, state](UIView& view) { set(static_cast<View&>(view), valueOf(value), state); },
+            followsPalette(*value)};
 }
 
 /// An attribute whose text `Read` turns into the value that `Set` gives to the view.
@@ -122,12 +145,15 @@ constexpr Entry viewAttributes[] = {
         "userInteractionEnabled"),
     attribute<boolean, [](UIView& view, bool value) { view.setClipsToBounds(value); }>("clipsToBounds"),
     attribute<share, [](UIView& view, CGFloat value) { view.setAlpha(value); }>("alpha"),
-    attribute<color, [](UIView& view, const UIColor& value) { view.setBackgroundColor(value); }>("backgroundColor"),
-    attribute<color, [](UIView& view, const UIColor& value) { view.setTintColor(value); }>("tintColor"),
-    attribute<color, [](UIView& view, const UIColor& value) { view.layer().setBorderColor(value); }>("borderColor"),
+    attribute<namedColor, [](UIView& view, const UIColor& value) { view.setBackgroundColor(value); }>(
+        "backgroundColor"),
+    attribute<namedColor, [](UIView& view, const UIColor& value) { view.setTintColor(value); }>("tintColor"),
+    attribute<namedColor, [](UIView& view, const UIColor& value) { view.layer().setBorderColor(value); }>(
+        "borderColor"),
     attribute<length, [](UIView& view, CGFloat value) { view.layer().setBorderWidth(value); }>("borderWidth"),
-    attribute<length, [](UIView& view, CGFloat value) { view.layer().setCornerRadius(value); }>("cornerRadius"),
-    attribute<radii, [](UIView& view, const CornerRadii& value) { view.layer().setCornerRadii(value); }>("cornerRadii"),
+    attribute<namedRadius, [](UIView& view, CGFloat value) { view.layer().setCornerRadius(value); }>("cornerRadius"),
+    attribute<namedRadii, [](UIView& view, const CornerRadii& value) { view.layer().setCornerRadii(value); }>(
+        "cornerRadii"),
     attribute<shadow, [](UIView& view, const CALayer::Shadow& value) { view.layer().setShadow(value); }>("shadow"),
     attribute<contentMode, [](UIView& view, UIViewContentMode value) { view.setContentMode(value); }>("contentMode"),
     attribute<text, [](UIView& view, const std::string& value) { view.setAccessibilityIdentifier(value); }>(
@@ -147,8 +173,8 @@ constexpr Entry viewAttributes[] = {
 
 constexpr Entry labelAttributes[] = {
     attribute<text, [](UILabel& label, const std::string& value) { label.setText(value); }>("text"),
-    attribute<font, [](UILabel& label, const UIFont& value) { label.setFont(value); }>("font"),
-    attribute<color, [](UILabel& label, const UIColor& value) { label.setTextColor(value); }>("textColor"),
+    attribute<namedFont, [](UILabel& label, const UIFont& value) { label.setFont(value); }>("font"),
+    attribute<namedColor, [](UILabel& label, const UIColor& value) { label.setTextColor(value); }>("textColor"),
     attribute<alignment, [](UILabel& label, NSTextAlignment value) { label.setTextAlignment(value); }>("textAlignment"),
     attribute<wholeNumber, [](UILabel& label, int value) { label.setNumberOfLines(value); }>("numberOfLines"),
     attribute<lineBreakMode, [](UILabel& label, NSLineBreakMode value) { label.setLineBreakMode(value); }>(
@@ -170,21 +196,23 @@ constexpr Entry controlAttributes[] = {
 constexpr Entry buttonAttributes[] = {
     attributeByState<text, [](UIButton& button, const std::string& value,
                               UIControlState state) { button.setTitle(value, state); }>("title"),
-    attributeByState<color, [](UIButton& button, const UIColor& value,
-                               UIControlState state) { button.setTitleColor(value, state); }>("titleColor"),
-    attributeByState<color, [](UIButton& button, const UIColor& value,
-                               UIControlState state) { button.setTintColor(value, state); }>("tintColor"),
-    attributeByState<color, [](UIButton& button, const UIColor& value,
-                               UIControlState state) { button.setBackgroundColor(value, state); }>("backgroundColor"),
+    attributeByState<namedColor, [](UIButton& button, const UIColor& value,
+                                    UIControlState state) { button.setTitleColor(value, state); }>("titleColor"),
+    attributeByState<namedColor, [](UIButton& button, const UIColor& value,
+                                    UIControlState state) { button.setTintColor(value, state); }>("tintColor"),
+    attributeByState<namedColor, [](UIButton& button, const UIColor& value,
+                                    UIControlState state) { button.setBackgroundColor(value, state); }>(
+        "backgroundColor"),
     attributeByState<icon, [](UIButton& button, const VectorIcon* value,
                               UIControlState state) { button.setIcon(value, state); }>("icon"),
-    attribute<font, [](UIButton& button, const UIFont& value) { button.titleLabel().setFont(value); }>("font"),
+    attribute<namedFont, [](UIButton& button, const UIFont& value) { button.titleLabel().setFont(value); }>("font"),
     attribute<boolean, [](UIButton& button, bool value) { button.titleLabel().setAdjustsFontSizeToFitWidth(value); }>(
         "adjustsFontSizeToFitWidth"),
     attribute<iconPlacement, [](UIButton& button, UIButtonIconPlacement value) { button.setIconPlacement(value); }>(
         "iconPlacement"),
     attribute<length, [](UIButton& button, CGFloat value) { button.setIconSize(value); }>("iconSize"),
     attribute<length, [](UIButton& button, CGFloat value) { button.setIconSpacing(value); }>("iconSpacing"),
+    attribute<boolean, [](UIButton& button, bool value) { button.setTitleRunsDownwards(value); }>("titleRunsDownwards"),
     attribute<insets, [](UIButton& button, const UIEdgeInsets& value) { button.setContentInsets(value); }>(
         "contentInsets"),
     attribute<length, [](UIButton& button, CGFloat value) { button.setDesignHeight(value); }>("designHeight"),
@@ -199,7 +227,7 @@ constexpr Entry imageViewAttributes[] = {
 };
 
 constexpr Entry indicatorAttributes[] = {
-    attribute<color, [](UIActivityIndicatorView& view, const UIColor& value) { view.setColor(value); }>("color"),
+    attribute<namedColor, [](UIActivityIndicatorView& view, const UIColor& value) { view.setColor(value); }>("color"),
     attribute<boolean, [](UIActivityIndicatorView& view, bool value) { view.setHidesWhenStopped(value); }>(
         "hidesWhenStopped"),
     attribute<boolean, [](UIActivityIndicatorView& view,
@@ -276,7 +304,7 @@ AttributeProblem parseProperty(const Property& property, std::string_view value,
     else
         return AttributeProblem::Unknown;
     if (!parsed) return AttributeProblem::BadValue;
-    result = [&property, set = *parsed](UIView& view) { property.set(view, set); };
+    result = {[&property, set = *parsed](UIView& view) { property.set(view, set); }};
     return AttributeProblem::None;
 }
 

@@ -12,7 +12,14 @@ class UIView;
 namespace flarebox::layout {
 
 /// Sets what an attribute of a layout file says.
-using ApplyAttribute = std::function<void(UIView& view)>;
+struct ApplyAttribute {
+    std::function<void(UIView& view)> apply;
+    /// Whether it sets something else once another palette is in force.
+    bool followsPalette = false;
+
+    void operator()(UIView& view) const { apply(view); }
+    explicit operator bool() const { return apply != nullptr; }
+};
 
 enum class AttributeProblem { None, Unknown, BadValue };
 

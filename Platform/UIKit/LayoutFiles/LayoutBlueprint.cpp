@@ -1,15 +1,12 @@
 #include <UIKit/LayoutFiles/LayoutBlueprint.h>
 #include <UIKit/LayoutFiles/LayoutValues.h>
+#include <UIKit/LayoutFiles/Suggestion.h>
 #include <UIKit/UIControl.h>
 
 #include <utility>
 
 namespace flarebox::layout {
 namespace {
-
-std::string quoted(std::string_view text) {
-    return "\"" + std::string(text) + "\"";
-}
 
 class Builder {
 public:
@@ -31,7 +28,7 @@ private:
 
     bool topLevel(const LayoutElement& file) {
         if (file.name != "layout") return view(file, noView);
-        if (!file.attributes.empty()) return fail(file.line, "unknown attribute " + quoted(file.attributes[0].name));
+        if (!file.attributes.empty()) return fail(file.line, "unknown attribute " + inQuotes(file.attributes[0].name));
         if (file.children.empty()) return fail(file.line, "the file holds no view");
         for (const LayoutElement& child : file.children) {
             if (!view(child, noView)) return false;
@@ -44,10 +41,10 @@ private:
         plan.viewClass = classFromName(element.name);
         plan.line = element.line;
         plan.parent = parent;
-        if (!plan.viewClass) return fail(element.line, "unknown element " + quoted(element.name));
+        if (!plan.viewClass) return fail(element.line, "unknown element " + inQuotes(element.name));
         if (!plan.viewClass->isSubclassOf(UIView::staticClass()))
-            return fail(element.line, quoted(element.name) + " is no view");
-        if (!element.text.empty()) return fail(element.line, "unexpected text " + quoted(element.text));
+            return fail(element.line, inQuotes(element.name) + " is no view");
+        if (!element.text.empty()) return fail(element.line, "unexpected text " + inQuotes(element.text));
         const std::size_t index = blueprint_.views.size();
         blueprint_.views.push_back(std::move(plan));
         for (const auto& attribute : element.attributes) {
@@ -75,20 +72,20 @@ private:
                 plan.attributes.push_back(std::move(apply));
                 return true;
             case AttributeProblem::Unknown:
-                return fail(element.line, quoted(element.name) + " has no attribute " + quoted(name));
+                return fail(element.line, inQuotes(element.name) + " has no attribute " + inQuotes(name));
             case AttributeProblem::BadValue:
-                return fail(element.line, quoted(value) + " is no value for " + quoted(name));
+                return fail(element.line, inQuotes(value) + " is no value for " + inQuotes(name));
         }
         return false;
     }
 
     bool setName(std::string& field, const std::string& value, std::size_t index, int line) {
         if (value.empty()) return fail(line, "a name is empty");
-        if (value == "self" || value == "parent") return fail(line, quoted(value) + " has a meaning of its own");
+        if (value == "self" || value == "parent") return fail(line, inQuotes(value) + " has a meaning of its own");
         const auto [place, isNew] = names_.emplace(value, index);
         // A view may use one name both as its id and as its outlet.
         const bool isOwn = index != noView && place->second == index && field.empty();
-        if (!isNew && !isOwn) return fail(line, quoted(value) + " is used twice");
+        if (!isNew && !isOwn) return fail(line, inQuotes(value) + " is used twice");
         field = value;
         return true;
     }
@@ -112,7 +109,7 @@ private:
     bool fixedSize(std::size_t index, NSLayoutAttribute attribute, const std::string& value, int line) {
         ConstraintExpression expression;
         const auto size = length(value);
-        if (!size) return fail(line, quoted(value) + " is no length");
+        if (!size) return fail(line, inQuotes(value) + " is no length");
         expression.first.attribute = attribute;
         expression.constant = *size;
         add(expression, index, line);
@@ -142,10 +139,10 @@ private:
                 field = value;
             } else if (name == "priority") {
                 const auto wanted = priority(value);
-                if (!wanted) return fail(element.line, quoted(value) + " is no value for \"priority\"");
+                if (!wanted) return fail(element.line, inQuotes(value) + " is no value for \"priority\"");
                 plan.priority = *wanted;
             } else {
-                return fail(element.line, "a constraint has no attribute " + quoted(name));
+                return fail(element.line, "a constraint has no attribute " + inQuotes(name));
             }
         }
         return true;
@@ -173,7 +170,7 @@ private:
             return result != noView || fail(line, "a top-level object has no parent");
         }
         const auto found = names_.find(name);
-        if (found == names_.end() || found->second == noView) return fail(line, "no view is called " + quoted(name));
+        if (found == names_.end() || found->second == noView) return fail(line, "no view is called " + inQuotes(name));
         result = found->second;
         return true;
     }

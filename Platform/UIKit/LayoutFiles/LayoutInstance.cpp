@@ -1,17 +1,12 @@
 #include <UIKit/LayoutFiles/LayoutInstance.h>
+#include <UIKit/LayoutFiles/LayoutLook.h>
+#include <UIKit/LayoutFiles/Suggestion.h>
 #include <UIKit/UIControl.h>
 
 #include <ranges>
 #include <utility>
 
 namespace flarebox::layout {
-namespace {
-
-std::string quoted(std::string_view text) {
-    return "\"" + std::string(text) + "\"";
-}
-
-}  // namespace
 
 bool LayoutInstance::fail(int line, std::string text) {
     problem_ = {line, std::move(text)};
@@ -30,6 +25,7 @@ bool LayoutInstance::make() {
         if (!makeConstraint(plan)) return false;
     }
     if (!requireOutlets()) return false;
+    keepLook();
     for (const Ref<UIView>& view : std::views::reverse(views_)) view->awakeFromNib();
     return true;
 }
@@ -37,7 +33,7 @@ bool LayoutInstance::make() {
 bool LayoutInstance::makeView(const ViewPlan& plan) {
     const Ref<NSObject> object = plan.viewClass->create();
     const Ref<UIView> view(objectCast<UIView>(object.get()));
-    if (!view) return fail(plan.line, quoted(plan.viewClass->name()) + " cannot be made by name");
+    if (!view) return fail(plan.line, inQuotes(plan.viewClass->name()) + " cannot be made by name");
     const std::string& name = plan.outlet.empty() ? plan.id : plan.outlet;
     if (!name.empty()) view->setAccessibilityIdentifier(name);
     for (const ApplyAttribute& apply : plan.attributes) apply(*view);
@@ -54,7 +50,7 @@ bool LayoutInstance::bindView(const ViewPlan& plan, UIView& view) {
     if (plan.action.empty()) return true;
     NSObject* target = root().respondsToSelector(plan.action) ? &root() : owner_;
     if (!target || !target->respondsToSelector(plan.action))
-        return fail(plan.line, "unknown action " + quoted(plan.action));
+        return fail(plan.line, "unknown action " + inQuotes(plan.action));
     objectCast<UIControl>(&view)->addTarget(*target, plan.action, UIControlEvents::TouchUpInside);
     return true;
 }
@@ -75,9 +71,9 @@ bool LayoutInstance::bindOutlet(const std::string& name, NSObject& value, int li
         holder = owner_;
         outlet = holder->classInfo().outlet(name);
     }
-    if (!outlet) return fail(line, "unknown outlet " + quoted(name));
+    if (!outlet) return fail(line, "unknown outlet " + inQuotes(name));
     if (!outlet->set(*holder, &value))
-        return fail(line, "outlet " + quoted(name) + " takes no " + std::string(value.classInfo().name()));
+        return fail(line, "outlet " + inQuotes(name) + " takes no " + std::string(value.classInfo().name()));
     if (holder == &root()) bound_.insert(name);
     return true;
 }
@@ -86,10 +82,22 @@ bool LayoutInstance::requireOutlets() {
     for (Class each = &root().classInfo(); each; each = each->superclass()) {
         for (const Outlet& outlet : each->tables().outlets) {
             if (outlet.source != Outlet::Source::LayoutFile || bound_.contains(outlet.name)) continue;
-            return fail(blueprint_.views.front().line, "outlet " + quoted(outlet.name) + " is bound by no element");
+            return fail(blueprint_.views.front().line, "outlet " + inQuotes(outlet.name) + " is bound by no element");
         }
     }
     return true;
+}
+
+void LayoutInstance::keepLook() {
+    Ref<LayoutLook> look;
+    for (std::size_t index = 0; index < views_.size(); ++index) {
+        for (const ApplyAttribute& attribute : blueprint_.views[index].attributes) {
+            if (!attribute.followsPalette) continue;
+            if (!look) look = flarebox::make<LayoutLook>(root());
+            look->add(*views_[index], attribute);
+        }
+    }
+    root().setCompanion(look);
 }
 
 std::vector<Ref<NSObject>> LayoutInstance::topLevelObjects() const {

@@ -29,6 +29,7 @@ private:
     bool makeConstraint(const ConstraintPlan& plan);
     bool bindOutlet(const std::string& name, NSObject& value, int line);
     bool requireOutlets();
+    void keepLook();
     UIView& root() const { return *views_.front(); }
     UIView* viewAt(std::size_t index) const { return index == noView ? nullptr : views_[index].get(); }
 

@@ -16,12 +16,20 @@ std::optional<UIColor> hexColor(std::string_view digits) {
     return UIColor::rgb(value >> 8, static_cast<float>(value & 255) / 255);
 }
 
-std::optional<UIColor> namedColor(std::string_view name) {
+std::optional<UIColor> fixedColor(std::string_view name) {
     static constexpr std::pair<std::string_view, UIColor> colors[] = {{"clear", UIColor::clearColor()},
                                                                       {"white", UIColor::whiteColor()},
                                                                       {"black", UIColor::blackColor()},
                                                                       {"lightGray", UIColor::lightGrayColor()}};
     return choice(name, colors);
+}
+
+/// The last word of a colour, where there are two.
+std::optional<float> opacity(std::string_view word) {
+    if (!word.ends_with('%')) return std::nullopt;
+    const auto percent = number(word.substr(0, word.size() - 1));
+    if (!percent || *percent < 0 || *percent > 100) return std::nullopt;
+    return static_cast<float>(*percent / 100);
 }
 
 }  // namespace
@@ -92,24 +100,63 @@ std::optional<UIEdgeInsets> insets(std::string_view text) {
     return UIEdgeInsets{(*values)[0], (*values)[1], (*values)[2], (*values)[3]};
 }
 
-std::optional<CornerRadii> radii(std::string_view text) {
-    const auto values = numbers(text, 4);
-    if (!values) return std::nullopt;
-    return CornerRadii{(*values)[0], (*values)[1], (*values)[2], (*values)[3]};
-}
-
 std::optional<UIColor> color(std::string_view text) {
     const auto parts = words(text);
     if (parts.empty() || parts.size() > 2) return std::nullopt;
-    const auto base = parts[0].starts_with('#') ? hexColor(parts[0].substr(1)) : namedColor(parts[0]);
+    const auto base = parts[0].starts_with('#') ? hexColor(parts[0].substr(1)) : fixedColor(parts[0]);
     if (!base || parts.size() == 1) return base;
-    if (!parts[1].ends_with('%')) return std::nullopt;
-    const auto percent = number(parts[1].substr(0, parts[1].size() - 1));
-    if (!percent || *percent < 0 || *percent > 100) return std::nullopt;
-    return base->withAlpha(static_cast<float>(*percent / 100));
+    const auto alpha = opacity(parts[1]);
+    return alpha ? std::optional(base->withAlpha(*alpha)) : std::nullopt;
 }
 
-std::optional<UIFont> font(std::string_view text) {
+UIColor NamedColor::value() const {
+    if (!shade) return color;
+    const UIColor& base = UIPalette::current().color(*shade);
+    return alpha ? base.withAlpha(*alpha) : base;
+}
+
+bool NamedRadii::followsPalette() const {
+    return topLeft.corner || topRight.corner || bottomRight.corner || bottomLeft.corner;
+}
+
+CornerRadii NamedRadii::value() const {
+    return {topLeft.value(), topRight.value(), bottomRight.value(), bottomLeft.value()};
+}
+
+UIFont NamedFont::value() const {
+    return typeface ? UIPalette::current().font(*typeface, font.pointSize(), font.weight()) : font;
+}
+
+std::optional<NamedColor> namedColor(std::string_view text) {
+    const auto parts = words(text);
+    const auto shade = parts.empty() ? std::nullopt : UIPalette::shadeNamed(parts[0]);
+    if (!shade) {
+        const auto own = color(text);
+        return own ? std::optional(NamedColor{{}, *own, {}}) : std::nullopt;
+    }
+    if (parts.size() == 1) return NamedColor{shade, {}, {}};
+    const auto alpha = parts.size() == 2 ? opacity(parts[1]) : std::nullopt;
+    return alpha ? std::optional(NamedColor{shade, {}, alpha}) : std::nullopt;
+}
+
+std::optional<NamedRadius> namedRadius(std::string_view text) {
+    if (const auto corner = UIPalette::cornerNamed(text)) return NamedRadius{corner, 0};
+    const auto own = length(text);
+    return own ? std::optional(NamedRadius{{}, *own}) : std::nullopt;
+}
+
+std::optional<NamedRadii> namedRadii(std::string_view text) {
+    std::vector<NamedRadius> radii;
+    for (std::string_view word : words(text)) {
+        const auto radius = namedRadius(word);
+        if (!radius) return std::nullopt;
+        radii.push_back(*radius);
+    }
+    if (radii.size() != 4) return std::nullopt;
+    return NamedRadii{radii[0], radii[1], radii[2], radii[3]};
+}
+
+std::optional<NamedFont> namedFont(std::string_view text) {
     static constexpr std::pair<std::string_view, UIFontWeight> weights[] = {{"regular", UIFontWeight::Regular},
                                                                             {"medium", UIFontWeight::Medium},
                                                                             {"semibold", UIFontWeight::Semibold},
@@ -118,11 +165,12 @@ std::optional<UIFont> font(std::string_view text) {
     if (parts.size() < 2 || parts.size() > 3) return std::nullopt;
     const auto size = number(parts.back());
     if (!size || *size <= 0) return std::nullopt;
-    if (parts[0] != "system")
-        return parts.size() == 2 ? std::optional(UIFont::fontWithName(parts[0], *size)) : std::nullopt;
+    const auto typeface = UIPalette::typefaceNamed(parts[0]);
+    if (!typeface && parts[0] != "system")
+        return parts.size() == 2 ? std::optional(NamedFont{{}, UIFont::fontWithName(parts[0], *size)}) : std::nullopt;
     const auto weight = parts.size() == 3 ? choice(parts[1], weights) : UIFontWeight::Regular;
     if (!weight) return std::nullopt;
-    return UIFont::systemFontOfSize(*size, *weight);
+    return NamedFont{typeface, UIFont::systemFontOfSize(*size, *weight)};
 }
 
 std::optional<UILayoutPriority> priority(std::string_view text) {

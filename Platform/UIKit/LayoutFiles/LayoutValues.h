@@ -4,6 +4,7 @@
 #include <UIKit/Geometry.h>
 #include <UIKit/NSLayoutConstraint.h>
 #include <UIKit/UIFont.h>
+#include <UIKit/UIPalette.h>
 
 #include <optional>
 #include <string_view>
@@ -29,11 +30,50 @@ std::optional<CGFloat> share(std::string_view text);
 std::optional<std::vector<CGFloat>> numbers(std::string_view text, std::size_t count);
 std::optional<CGRect> rect(std::string_view text);
 std::optional<UIEdgeInsets> insets(std::string_view text);
-std::optional<CornerRadii> radii(std::string_view text);
-/// `#RRGGBB`, `#RRGGBBAA` or a name, and an opacity in per cent if wanted.
+/// `#RRGGBB`, `#RRGGBBAA` or the name of a colour that never changes, and an opacity in per cent if wanted.
 std::optional<UIColor> color(std::string_view text);
-/// `system 16`, `system semibold 16`, `HelveticaNeue-Medium 25`.
-std::optional<UIFont> font(std::string_view text);
+
+// Values that may be called by their names in the palette, and are what it says when they are asked for.
+
+struct NamedColor {
+    /// None for a colour of its own.
+    std::optional<UIPalette::Shade> shade;
+    UIColor color;
+    /// In place of the palette's.
+    std::optional<float> alpha;
+
+    bool followsPalette() const { return shade.has_value(); }
+    UIColor value() const;
+};
+struct NamedRadius {
+    std::optional<UIPalette::Corner> corner;
+    CGFloat radius = 0;
+
+    bool followsPalette() const { return corner.has_value(); }
+    CGFloat value() const { return corner ? UIPalette::current().radius(*corner) : radius; }
+};
+struct NamedRadii {
+    NamedRadius topLeft, topRight, bottomRight, bottomLeft;
+
+    bool followsPalette() const;
+    CornerRadii value() const;
+};
+struct NamedFont {
+    std::optional<UIPalette::Typeface> typeface;
+    UIFont font;
+
+    bool followsPalette() const { return typeface.has_value(); }
+    UIFont value() const;
+};
+
+/// What `color` reads, or `panel`, `panel 60%`, ….
+std::optional<NamedColor> namedColor(std::string_view text);
+/// Points, or `panel`, `picture`, ….
+std::optional<NamedRadius> namedRadius(std::string_view text);
+/// Four of these.
+std::optional<NamedRadii> namedRadii(std::string_view text);
+/// `system 16`, `system semibold 16`, the same with `text`, `title` or `button`, or `HelveticaNeue-Medium 25`.
+std::optional<NamedFont> namedFont(std::string_view text);
 std::optional<UILayoutPriority> priority(std::string_view text);
 
 /// The value that stands beside the name.

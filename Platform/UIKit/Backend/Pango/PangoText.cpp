@@ -27,8 +27,9 @@ struct SharedLayouts {
 std::atomic<bool> isInUse = false;
 
 SharedLayouts& shared() {
+    // First: who adds a font file after this waits for the fonts, and who did before is heard when they are made.
+    isInUse.store(true);
     static detail::Immortal<SharedLayouts> instance;
-    isInUse.store(true, std::memory_order_relaxed);
     return *instance;
 }
 
@@ -179,7 +180,15 @@ void openUsualFonts(const std::atomic<bool>& stops) {
 }
 
 bool fontsAreInUse() {
-    return text::isInUse.load(std::memory_order_relaxed);
+    return text::isInUse.load();
+}
+
+std::string addFontFile(const std::string& path) {
+    const std::string family = text::addFontFile(path);
+    if (family.empty() || !fontsAreInUse()) return family;
+    const std::lock_guard lock(text::shared().mutex);
+    text::shared().layouts.addNewFontFiles();
+    return family;
 }
 
 }  // namespace flarebox

@@ -1,5 +1,7 @@
+#include <Foundation/Immortal.h>
 #include <Foundation/LogSink.h>
 #include <UIKit/Backend/Pango/PrivateFonts.h>
+#include <UIKit/FontOpening.h>
 
 #include <fontconfig/fontconfig.h>
 #include <pango/pangocairo.h>
@@ -8,7 +10,9 @@
 #include <algorithm>
 #include <array>
 #include <memory>
+#include <mutex>
 #include <string>
+#include <vector>
 
 namespace flarebox::text {
 namespace {
@@ -74,6 +78,31 @@ bool hasFamily(FcConfig& config, const char* family) {
     return false;
 }
 
+/// Font files of the host's own, and their families.
+struct AddedFonts {
+    struct File {
+        std::string path, family;
+    };
+    std::mutex mutex;
+    std::vector<File> files;
+};
+AddedFonts& addedFonts() {
+    static detail::Immortal<AddedFonts> fonts;
+    return *fonts;
+}
+
+/// Empty when the file holds no font.
+std::string familyInFile(const std::string& path) {
+    int count = 0;
+    FcPattern* pattern = FcFreeTypeQuery(reinterpret_cast<const FcChar8*>(path.c_str()), 0, nullptr, &count);
+    if (!pattern) return {};
+    FcChar8* name = nullptr;
+    std::string family;
+    if (FcPatternGetString(pattern, FC_FAMILY, 0, &name) == FcResultMatch) family = reinterpret_cast<const char*>(name);
+    FcPatternDestroy(pattern);
+    return family;
+}
+
 /// Null when no font is installed where fonts usually are.
 ConfigReference loadConfig() {
     ConfigReference config(FcConfigCreate());
@@ -110,6 +139,17 @@ PrivateFonts::PrivateFonts() {
     // The language picks among fonts for the same character; that of the process would differ from machine to machine.
     pango_context_set_language(context_.get(), pango_language_from_string("en"));
     pango_context_set_base_dir(context_.get(), PANGO_DIRECTION_LTR);
+    addNewFiles();
+}
+
+void PrivateFonts::addNewFiles() {
+    if (!map_) return;
+    AddedFonts& fonts = addedFonts();
+    const std::lock_guard lock(fonts.mutex);
+    FcConfig* config = pango_fc_font_map_get_config(PANGO_FC_FONT_MAP(map_.get()));
+    for (; added_ < fonts.files.size(); ++added_)
+        FcConfigAppFontAddFile(config, reinterpret_cast<const FcChar8*>(fonts.files[added_].path.c_str()));
+    pango_fc_font_map_config_changed(PANGO_FC_FONT_MAP(map_.get()));
 }
 
 PangoFontDescription* PrivateFonts::newDescription(const UIFont& font) {
@@ -139,4 +179,28 @@ void PrivateFonts::closeUnused() {
     if (map_) pango_fc_font_map_cache_clear(PANGO_FC_FONT_MAP(map_.get()));
 }
 
+std::string addFontFile(const std::string& path) {
+    AddedFonts& fonts = addedFonts();
+    const std::lock_guard lock(fonts.mutex);
+    const auto known = std::ranges::find(fonts.files, path, &AddedFonts::File::path);
+    if (known != fonts.files.end()) return known->family;
+    const std::string family = familyInFile(path);
+    if (!family.empty()) fonts.files.push_back({path, family});
+    return family;
+}
+
 }  // namespace flarebox::text
+
+namespace flarebox {
+
+bool isFontFamilyKnown(const std::string& family) {
+    {
+        text::AddedFonts& fonts = text::addedFonts();
+        const std::lock_guard lock(fonts.mutex);
+        if (std::ranges::find(fonts.files, family, &text::AddedFonts::File::family) != fonts.files.end()) return true;
+    }
+    const text::ConfigReference config = text::loadConfig();
+    return config && text::hasFamily(*config, family.c_str());
+}
+
+}  // namespace flarebox

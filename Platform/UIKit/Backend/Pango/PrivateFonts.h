@@ -5,6 +5,9 @@
 
 #include <pango/pango.h>
 
+#include <cstddef>
+#include <string>
+
 namespace flarebox::text {
 
 /// Distances from a line's upper edge, in points.
@@ -24,10 +27,18 @@ public:
     LineMetrics lineMetrics(const UIFont& font) const;
     /// Gives the memory of all fonts back that no layout uses; they are opened again when needed.
     void closeUnused();
+    /// Takes note of the files that have been added since.
+    void addNewFiles();
 
 private:
     GReference<PangoFontMap> map_;
+    /// Files that have been added, of those that are known.
+    std::size_t added_ = 0;
     GReference<PangoContext> context_;
 };
+
+/// Lets font maps made from now on know the file, and others with `addNewFiles`; answers its family, empty when it
+/// holds no font. Any thread.
+std::string addFontFile(const std::string& path);
 
 }  // namespace flarebox::text

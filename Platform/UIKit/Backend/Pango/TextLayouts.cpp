@@ -136,6 +136,13 @@ LineMetrics TextLayouts::lineMetrics(const UIFont& font) {
     return metrics_.emplace(LayoutKey{{}, font}, fonts_.lineMetrics(font)).first->second;
 }
 
+void TextLayouts::addNewFontFiles() {
+    recent_.clear();
+    older_.clear();
+    metrics_.clear();
+    fonts_.addNewFiles();
+}
+
 bool TextLayouts::opensNoFont(std::string_view text, const TextStyle& style, CGFloat width) const {
     const auto isBasicLatin = [](char c) { return (c & 0x80) == 0; };
     if (!metrics_.contains(LayoutQuery({}, style.font, 0, -1, false))) return false;

@@ -69,6 +69,8 @@ public:
     LineMetrics lineMetrics(const UIFont& font);
     /// Whether finding this text opens no font.
     bool opensNoFont(std::string_view text, const TextStyle& style, CGFloat width) const;
+    /// Texts are laid out anew, with the font files added since.
+    void addNewFontFiles();
     /// How many texts were not remembered.
     std::uint64_t builtCount() const { return built_; }
 

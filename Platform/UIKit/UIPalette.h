@@ -1,0 +1,86 @@
+#pragma once
+
+#include <UIKit/Geometry.h>
+#include <UIKit/UIFont.h>
+
+#include <array>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace flarebox {
+
+/// The colours, corner radii and typefaces that layout files and the platform's own controls call by name, so that all
+/// of a brand's look is in one place. A plain value; one is in force at a time. Main thread.
+class UIPalette {
+public:
+    enum class Shade : std::uint8_t {
+        Panel,           ///< behind everything
+        Strip,           ///< behind the buttons at the panel's right
+        Surface,         ///< secondary buttons, messages, alerts, pictures that are awaited
+        Content,         ///< behind pictures, models and videos
+        Text,            ///< titles and messages
+        SecondaryText,   ///< descriptions, and signs that can be pressed
+        DisabledSign,    ///< signs that cannot be pressed
+        Decoration,      ///< large signs where there is nothing to show
+        Placeholder,     ///< the sign in place of a picture
+        Accent,          ///< the brand's mark, and what is selected
+        Action,          ///< the button that matters most
+        ActionText,      ///< its title
+        ButtonText,      ///< titles and borders of the other buttons
+        DisabledText,    ///< those of buttons that cannot be pressed
+        Ring,            ///< around the selected product
+        Error,           ///< messages of failures
+        Success,         ///< the sign that something was saved
+        OpenButton,      ///< behind the open button's sign
+        OpenButtonText,  ///< that sign, and the text along the button
+    };
+    static constexpr std::size_t shadeCount = 19;
+    enum class Corner : std::uint8_t { Panel, Button, Picture, Message, OpenButton };
+    static constexpr std::size_t cornerCount = 5;
+    enum class Typeface : std::uint8_t { Text, Title, Button };
+    static constexpr std::size_t typefaceCount = 3;
+
+    /// The platform's own look.
+    UIPalette();
+
+    /// What views show. Setting them posts UIPaletteDidChangeNotification: everything made from a layout file follows
+    /// at once; alerts and players follow when they are shown next.
+    static const UIPalette& current();
+    static void setCurrent(const UIPalette& palette);
+
+    const UIColor& color(Shade shade) const { return colors_[static_cast<std::size_t>(shade)]; }
+    void setColor(Shade shade, const UIColor& color) { colors_[static_cast<std::size_t>(shade)] = color; }
+    /// In points.
+    CGFloat radius(Corner corner) const { return radii_[static_cast<std::size_t>(corner)]; }
+    void setRadius(Corner corner, CGFloat radius) { radii_[static_cast<std::size_t>(corner)] = radius; }
+    UIFont font(Typeface typeface, CGFloat size, UIFontWeight weight = UIFontWeight::Regular) const;
+    /// Empty for the system font.
+    void setFamily(Typeface typeface, std::string family);
+
+    /// The names in layout files and themes, in the order of the values: "panel", "secondaryText", ….
+    static std::span<const std::string_view> shadeNames();
+    static std::span<const std::string_view> cornerNames();
+    static std::span<const std::string_view> typefaceNames();
+    /// Nothing for a name that is none of them.
+    static std::optional<Shade> shadeNamed(std::string_view name);
+    static std::optional<Corner> cornerNamed(std::string_view name);
+    static std::optional<Typeface> typefaceNamed(std::string_view name);
+
+    friend bool operator==(const UIPalette&, const UIPalette&) = default;
+
+private:
+    std::array<UIColor, shadeCount> colors_;
+    std::array<CGFloat, cornerCount> radii_;
+    std::array<std::string, typefaceCount> families_;
+};
+
+/// Posted on the main thread when a palette has come into force.
+inline constexpr const char* UIPaletteDidChangeNotification = "UIPaletteDidChangeNotification";
+
+/// How well a text on a background can be read: from 1, not at all, to 21, black on white. What is beneath a background
+/// that is not opaque is taken to be black.
+double contrastRatio(const UIColor& text, const UIColor& background);
+
+}  // namespace flarebox
