@@ -69,26 +69,48 @@ TEST_F(Playback, NothingLoadsBeforeItIsNeeded) {
     EXPECT_TRUE(until([&] { return shownColor() == 'r'; }));
 }
 
-TEST_F(Playback, LeavesNoNamedFileWhateverItLoadsAhead) {
-    // A descriptor of this process that leads to a file of the cache folder which still has its name.
-    const auto namedFiles = [] {
-        int count = 0;
+/// How many descriptors of this process lead to files of the cache folder, and how many of those to one that still has
+/// its name.
+struct CacheFiles {
+    int open = 0, named = 0;
+    static CacheFiles now() {
+        CacheFiles found;
         for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
             std::error_code gone;
             const std::string file = std::filesystem::read_symlink(entry.path(), gone).string();
-            count += file.find("/.cache/") != file.npos && std::filesystem::is_regular_file(file, gone);
+            if (file.find("/.cache/") == file.npos) continue;
+            ++found.open;
+            found.named += std::filesystem::is_regular_file(file, gone);
         }
-        return count;
-    };
-    const int before = namedFiles();
+        return found;
+    }
+};
+
+TEST_F(Playback, LeavesNoNamedFileWhateverItLoadsAhead) {
+    const int before = CacheFiles::now().named;
     for (const char* file : {"colors.mp4", "colors.webm"}) {
         const Ref<AVPlayer> player = readyPlayer(file);
         player->play();
         EXPECT_TRUE(until([&] { return player->currentTime() > 0.2; }));
-        EXPECT_EQ(namedFiles(), before) << file;
+        EXPECT_EQ(CacheFiles::now().named, before) << file;
         player->seekToTime(2.5);
         EXPECT_TRUE(until([&] { return player->hasEnded(); })) << "read back from the file";
     }
+}
+
+TEST_F(Playback, LeavesNoFileOpenWheneverItIsTakenDown) {
+    server.emplace(serving(media("colors.mp4")));
+    const int before = CacheFiles::now().open;
+    const int rounds = slowness() > 1 ? 40 : 160;
+    for (int round = 0; round < rounds; ++round) {
+        const Ref<AVPlayer> player = playerOf(*server);
+        layer = show(player);
+        // From before anything has arrived until everything is under way.
+        until([] { return false; }, round % 40 * 0.001);
+        layer->removeFromSuperview();
+        layer = nullptr;
+    }
+    EXPECT_TRUE(until([&] { return CacheFiles::now().open == before; }));
 }
 
 TEST_F(Playback, ShowsEveryColorInItsTime) {

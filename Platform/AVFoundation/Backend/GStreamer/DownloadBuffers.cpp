@@ -18,6 +18,14 @@ void fileMade(GObject* element, GParamSpec*, gpointer) {
     g_free(path);
 }
 
+/// An element whose start fails halfway, because the video is being taken down, has its file open already, and closes
+/// it in no state that it goes through from there on.
+void closeFile(GstElement& element) {
+    GST_STATE_LOCK(&element);
+    GST_ELEMENT_GET_CLASS(&element)->change_state(&element, GST_STATE_CHANGE_PAUSED_TO_READY);
+    GST_STATE_UNLOCK(&element);
+}
+
 }  // namespace
 
 void DownloadBuffers::add(GstElement& element) {
@@ -36,6 +44,7 @@ void DownloadBuffers::close() {
     }
     for (GstElement* element : elements) {
         gst_element_set_state(element, GST_STATE_NULL);
+        closeFile(*element);
         gst_object_unref(element);
     }
 }
