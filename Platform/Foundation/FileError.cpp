@@ -26,7 +26,9 @@ int codeFor(int number, FileAccess access) {
         case ENOTEMPTY:
             return NSFileWriteFileExistsError;
         case ENOSPC:
+#ifdef EDQUOT
         case EDQUOT:
+#endif
             return NSFileWriteOutOfSpaceError;
         case EROFS:
             return NSFileWriteVolumeReadOnlyError;
