@@ -4,5 +4,5 @@
 source "$(dirname "$0")/prepare.sh"
 install_packages scripts/packages-reference.txt
 mkdir -p build/reference
-version=$(sed -n 's/^project(Flarebox VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)
+version=$(awk '/define FLAREBOX_VERSION_(MAJOR|MINOR|PATCH)/ { v = v (v == "" ? "" : ".") $3 } END { print v }' Flarebox/C/flarebox_version.h)
 { cat Docs/Doxyfile; echo "PROJECT_NUMBER = $version"; } | doxygen -

@@ -28,6 +28,7 @@
 #include "flarebox_version.h"
 
 #if !defined(_WIN32)
+/* Marks what the library shows. */
 #define FLAREBOX_API __attribute__((visibility("default")))
 #elif defined(FLAREBOX_STATIC)
 #define FLAREBOX_API
@@ -41,6 +42,7 @@
 extern "C" {
 #endif
 
+/* How a call went. */
 typedef enum flarebox_result {
     FLAREBOX_OK = 0,
     FLAREBOX_INVALID_ARGUMENT = 1, /* null, a struct of a size that never was, a number out of range */
@@ -58,28 +60,35 @@ FLAREBOX_API const char *flarebox_version(void);
 
 /* Texts may be null: then the service is told null, or the kit decides. Later versions add fields at the end. */
 typedef struct flarebox_configuration {
-    size_t struct_size;
-    const char *game_uid;
-    const char *game_version;
+    size_t struct_size;       /* set by FLAREBOX_CONFIGURATION */
+    const char *game_uid;     /* names the game to the service; without it nothing is loaded */
+    const char *game_version; /* the same */
     const char *api_url;   /* the service's address; null: that of the resources' Info.plist. Fixed by the first request */
     const char *resources; /* folder of files in place of the kit's own; null: see FlareboxBundle.h. Fixed by the first tab */
     const char *documents; /* folder for models, the kit's alone; null: the application's documents folder */
     const char *device_id; /* advertising identifier; null: the kit makes one where the player allows it */
-    const char *first_name, *last_name, *sex, *state, *city, *country;
+    const char *first_name; /* of the player, as far as the game knows and may tell; so are those that follow */
+    const char *last_name;  /* family name */
+    const char *sex;        /* as the service wants it written */
+    const char *state;      /* part of the country */
+    const char *city;       /* where the player lives */
+    const char *country;    /* as the service wants it written */
     int32_t age;             /* in years; 0: unknown */
     int32_t refresh_seconds; /* between two lists; 0: 180 */
-    bool enable_logging;
+    bool enable_logging;     /* false: nothing is logged, whatever the level */
     uint32_t log_level; /* 1 everything, 2 warnings and errors, 3 errors */
 } flarebox_configuration;
 
 /* Starting values: nothing known, warnings and errors logged. */
 #define FLAREBOX_CONFIGURATION {sizeof(flarebox_configuration), 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, true, 2}
 
+/* Before the first tab; a later call replaces what an earlier one said. Does not take the struct over. */
 FLAREBOX_API flarebox_result flarebox_configure(const flarebox_configuration *configuration);
 
 /* Takes all messages from now on, in place of standard error; null: standard error again. Called on any thread, one
  * call at a time; levels as above. Any thread. */
 typedef void (*flarebox_log_sink)(void *context, int32_t level, const char *message);
+/* `context` is handed to the sink. The former sink is not called any more once this returns. */
 FLAREBOX_API void flarebox_set_log_sink(flarebox_log_sink sink, void *context);
 
 /* The look of a brand, from a theme file; null: the kit's own. Tabs follow at once. A file that cannot be read fails and
@@ -91,41 +100,54 @@ FLAREBOX_API flarebox_result flarebox_set_muted(bool muted);
 
 /* --- Host: screen, input, frames ---------------------------------------------------------------------------------- */
 
+/* The game, as the kit sees it: one at a time. */
 typedef struct flarebox_host flarebox_host;
 
+/* A rectangle from its upper left corner; its right and lower edge are outside. */
 typedef struct flarebox_rect {
-    double x, y, width, height;
+    double x;      /* pixels to the right */
+    double y;      /* pixels downwards */
+    double width;  /* pixels */
+    double height; /* pixels */
 } flarebox_rect;
 
 /* A rectangle to draw. All in pixels of the target; the part `source` of the texture is scaled into `destination` with
  * linear filtering and multiplied by the opacity, 0 to 1; nothing is drawn outside `clip`. */
 typedef struct flarebox_quad {
-    uint32_t texture;
-    int32_t source_x, source_y, source_width, source_height;
-    flarebox_rect destination, clip;
-    float opacity;
+    uint32_t texture;          /* as create_texture named it */
+    int32_t source_x;          /* the part of the texture that is shown, in its pixels */
+    int32_t source_y;          /* the same */
+    int32_t source_width;      /* the same */
+    int32_t source_height;     /* the same */
+    flarebox_rect destination; /* where it goes; may lie between pixels */
+    flarebox_rect clip;        /* what of it may be seen */
+    float opacity;             /* 0 to 1 */
 } flarebox_quad;
 
 /* How the panel is drawn: textures and rectangles. The first four functions are needed, the others may be null. Called
  * only inside flarebox_host_draw, flarebox_host_release_textures and flarebox_host_destroy. */
 typedef struct flarebox_renderer {
-    size_t struct_size;
+    size_t struct_size; /* set by FLAREBOX_RENDERER */
     void *context; /* handed to every function */
     /* A texture of that many pixels; 0 when it cannot be made. */
     uint32_t (*create_texture)(void *context, int32_t width, int32_t height);
     /* Copies pixels into a part of a texture: 0xAARRGGBB in the machine's byte order, rows of `stride` pixels. */
     void (*update_texture)(void *context, uint32_t texture, int32_t x, int32_t y, int32_t width, int32_t height,
                            const uint32_t *pixels, int32_t stride);
+    /* Gives a texture back; no rectangle names it any more. */
     void (*destroy_texture)(void *context, uint32_t texture);
+    /* Over what was drawn before. The rectangle is gone after the call. */
     void (*draw_quad)(void *context, const flarebox_quad *quad);
-    void (*begin_frame)(void *context);
-    void (*end_frame)(void *context);
+    void (*begin_frame)(void *context); /* before the first rectangle of a frame, after its textures; may be null */
+    void (*end_frame)(void *context);   /* after the last one; may be null */
     int32_t maximum_texture_size; /* longest side in pixels; 0: 4096 */
     bool straight_alpha;          /* pixels carry their colour as it is; false: multiplied by their alpha */
 } flarebox_renderer;
 
+/* Starting values: no functions yet. */
 #define FLAREBOX_RENDERER {sizeof(flarebox_renderer), 0, 0, 0, 0, 0, 0, 0, 0, false}
 
+/* How a device is held. */
 typedef enum flarebox_orientation {
     FLAREBOX_PORTRAIT = 1,
     FLAREBOX_PORTRAIT_UPSIDE_DOWN = 2,
@@ -139,17 +161,25 @@ FLAREBOX_API flarebox_host *flarebox_host_create(double width, double height, do
                                                  const flarebox_renderer *renderer);
 /* Gives all textures back and stops the kit's threads, within 200 ms. Not inside a callback. Null: nothing. */
 FLAREBOX_API flarebox_result flarebox_host_destroy(flarebox_host *host);
+/* The window has another size, in points, or another scale, in pixels per point. The orientation stays. */
 FLAREBOX_API flarebox_result flarebox_host_set_screen(flarebox_host *host, double width, double height, double scale);
+/* A flarebox_orientation, for a game that knows it; others are refused. */
 FLAREBOX_API flarebox_result flarebox_host_set_orientation(flarebox_host *host, int32_t orientation);
 
 /* Input, in points. True: the panel used it; false: it is the game's, or the call was refused. `pointer` tells fingers
  * apart, the mouse is 0. */
 FLAREBOX_API bool flarebox_host_pointer_down(flarebox_host *host, int32_t pointer, double x, double y);
+/* While it is down. */
 FLAREBOX_API bool flarebox_host_pointer_moved(flarebox_host *host, int32_t pointer, double x, double y);
+/* What it pressed is performed, if it still lies under it. */
 FLAREBOX_API bool flarebox_host_pointer_up(flarebox_host *host, int32_t pointer, double x, double y);
+/* The mouse moved without a button pressed. */
 FLAREBOX_API bool flarebox_host_pointer_hovered(flarebox_host *host, double x, double y);
+/* The press ends without performing anything: its end was lost, as the window lost the focus. */
 FLAREBOX_API flarebox_result flarebox_host_pointer_cancelled(flarebox_host *host, int32_t pointer);
+/* The mouse left the window. */
 FLAREBOX_API flarebox_result flarebox_host_pointer_left(flarebox_host *host);
+/* The wheel over a point: points by which the content moves on, to its right end and to its bottom. */
 FLAREBOX_API bool flarebox_host_scrolled(flarebox_host *host, double x, double y, double dx, double dy);
 /* "escape", "return", "space", "left", ... */
 FLAREBOX_API bool flarebox_host_key_down(flarebox_host *host, const char *key);
@@ -157,6 +187,7 @@ FLAREBOX_API bool flarebox_host_key_down(flarebox_host *host, const char *key);
 /* Once a frame: everything that is due on the main thread, for at most about `budget` seconds. Does nothing inside a
  * callback, as flarebox_host_draw does. */
 FLAREBOX_API flarebox_result flarebox_host_update(flarebox_host *host, double budget);
+/* Whether the picture differs from the one last drawn. */
 FLAREBOX_API bool flarebox_host_needs_display(flarebox_host *host);
 /* Over the game's picture. */
 FLAREBOX_API flarebox_result flarebox_host_draw(flarebox_host *host);
@@ -165,24 +196,31 @@ FLAREBOX_API flarebox_result flarebox_host_release_textures(flarebox_host *host)
 
 /* --- Tab ---------------------------------------------------------------------------------------------------------- */
 
+/* The panel with its open button. */
 typedef struct flarebox_tab flarebox_tab;
 
+/* What the content area shows. */
 typedef enum flarebox_mode { FLAREBOX_MODE_2D = 0, FLAREBOX_MODE_3D = 1, FLAREBOX_MODE_VIDEO = 2 } flarebox_mode;
 
 /* What a game can follow; any function may be null. Called on the main thread, after each change. */
 typedef struct flarebox_observer {
-    size_t struct_size;
+    size_t struct_size; /* set by FLAREBOX_OBSERVER */
     void *context; /* handed to every function */
-    void (*opened)(void *context, flarebox_tab *tab);
-    void (*closed)(void *context, flarebox_tab *tab);
+    void (*opened)(void *context, flarebox_tab *tab); /* it starts to slide in */
+    void (*closed)(void *context, flarebox_tab *tab); /* it starts to slide out, or was removed */
+    /* Another product is shown, by the player's choice or as the first of a list. */
     void (*asset_selected)(void *context, flarebox_tab *tab, const char *uid, const char *title);
+    /* The content area shows another of the product's sides. */
     void (*mode_changed)(void *context, flarebox_tab *tab, flarebox_mode mode);
+    /* The service has it, now or from an earlier time. */
     void (*coupon_saved)(void *context, flarebox_tab *tab, const char *uid);
     /* The player is about to leave the game. False: the link is not opened. */
     bool (*should_open_link)(void *context, flarebox_tab *tab, const char *url);
+    /* A session or a list could not be had; the tab tries again with its next refresh. */
     void (*load_failed)(void *context, flarebox_tab *tab, int32_t code, const char *reason);
 } flarebox_observer;
 
+/* Starting values: no functions yet. */
 #define FLAREBOX_OBSERVER {sizeof(flarebox_observer), 0, 0, 0, 0, 0, 0, 0, 0}
 
 /* Starts to load. Null, with flarebox_last_error, without the kit's resources. */
@@ -193,13 +231,17 @@ FLAREBOX_API flarebox_result flarebox_tab_destroy(flarebox_tab *tab);
 FLAREBOX_API flarebox_result flarebox_tab_set_observer(flarebox_tab *tab, const flarebox_observer *observer);
 /* Attaches the tab, closed, to the host's window 0.1 seconds from now. */
 FLAREBOX_API flarebox_result flarebox_tab_show(flarebox_tab *tab);
+/* Takes it out of the window; it can be shown again. */
 FLAREBOX_API flarebox_result flarebox_tab_remove(flarebox_tab *tab);
+/* Over 0.3 seconds, or at once. An open tab stays as it is. */
 FLAREBOX_API flarebox_result flarebox_tab_open(flarebox_tab *tab, bool animated);
+/* The same the other way. */
 FLAREBOX_API flarebox_result flarebox_tab_close(flarebox_tab *tab, bool animated);
 /* False also for a tab that was not shown yet. */
 FLAREBOX_API bool flarebox_tab_is_open(flarebox_tab *tab);
 /* The open button at the tab's edge. Hiding it closes the tab. */
 FLAREBOX_API flarebox_result flarebox_tab_show_button(flarebox_tab *tab, bool show);
+/* 0, invisible, to 1. */
 FLAREBOX_API flarebox_result flarebox_tab_set_button_alpha(flarebox_tab *tab, double alpha);
 /* Seconds between two lists; 0: 180. */
 FLAREBOX_API flarebox_result flarebox_tab_set_refresh(flarebox_tab *tab, int32_t seconds);

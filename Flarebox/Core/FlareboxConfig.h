@@ -34,30 +34,41 @@ public:
 
     /// The game's identifier on the service; null until configured.
     const NSString& gameUID() const { return gameUID_; }
+    /// For the requests that follow; null: they are refused.
     void setGameUID(const NSString& gameUID);
+    /// Of the game, as the service is told; null until configured.
     const NSString& gameVersion() const { return gameVersion_; }
+    /// For the requests that follow; null: they are refused.
     void setGameVersion(const NSString& gameVersion);
     /// Stored for the host, true at first, and observable by its name. Tabs do not follow it: see their own
     /// `showFlareboxButton`.
     bool showFlareboxButton() const { return showFlareboxButton_; }
-    void setShowFlareboxButton(bool show);
+    void setShowFlareboxButton(bool show);  ///< tells those who observe it
+    /// A slot for the host, false at first.
     bool initializeOnStart() const { return initializeOnStart_; }
-    void setInitializeOnStart(bool initialize);
+    void setInitializeOnStart(bool initialize);  ///< the kit itself does not look at it
     /// A slot for the host; the current game session is kept by FlareboxManager.
     const Ref<FXSessionInfo>& sessionInfo() const { return sessionInfo_; }
-    void setSessionInfo(const Ref<FXSessionInfo>& sessionInfo);
+    void setSessionInfo(const Ref<FXSessionInfo>& sessionInfo);  ///< may be null
     /// The player's data; also carries the device identifier. May be null.
     const Ref<FXUserSession>& sessionEdit() const { return sessionEdit_; }
+    /// For the next game session; null: none can be created.
     void setSessionEdit(const Ref<FXUserSession>& sessionEdit);
+    /// Whether anything is logged; false at first.
     bool enableLogging() const { return enableLogging_.load(std::memory_order_relaxed); }
+    /// Holds for the next message. Any thread.
     void setEnableLogging(bool enable) { enableLogging_.store(enable, std::memory_order_relaxed); }
+    /// The lowest LogLevel that is printed; 0, as at first, prints nothing.
     std::uint64_t logLevel() const { return logLevel_.load(std::memory_order_relaxed); }
+    /// Holds for the next message. Any thread.
     void setLogLevel(std::uint64_t level) { logLevel_.store(level, std::memory_order_relaxed); }
     /// Seconds between refreshes as set; 0 or less stands for the default.
     std::int32_t refreshTimeInterval() const { return refreshTimeInterval_; }
+    /// For the countdowns that begin from now on.
     void setRefreshTimeInterval(std::int32_t seconds);
     /// The period in force, in seconds: the one set when positive, the default otherwise.
     std::int32_t getTimeRefresh() const;
+    /// The same.
     void setTimeRefresh(std::int32_t seconds) { setRefreshTimeInterval(seconds); }
 
     /// How the kit looks. Never null.

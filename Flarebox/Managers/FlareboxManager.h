@@ -37,12 +37,15 @@ public:
 
     /// The assets last loaded; null before the first load.
     const std::shared_ptr<AssetList>& gameAssets() const { return gameAssets_; }
+    /// The tab calls it with each list; null forgets the list.
     void setGameAssets(std::shared_ptr<AssetList> assets) { gameAssets_ = std::move(assets); }
     /// The current game session; null until one was created.
     const Ref<FXSessionInfo>& sessionInfo() const { return sessionInfo_; }
+    /// The tab calls it with each session; null: the next load makes a new one.
     void setSessionInfo(const Ref<FXSessionInfo>& session) { sessionInfo_ = session; }
     /// When the tab was last opened; absent before.
     const NSDate& flareboxOpenedDate() const { return flareboxOpenedDate_; }
+    /// The tab calls it when it opens; durations of events count from here.
     void setFlareboxOpenedDate(const NSDate& date) { flareboxOpenedDate_ = date; }
 
     /// A request for a path (starting with "/") below the base address: its text is appended as it stands. `params`

@@ -42,8 +42,10 @@ public:
     NSDictionary toDictionary() const;
     /// A new record of the same class that shares the values. The defaults stay where this record has no value.
     Ref<FXBaseObject> copyWithZone() const;
+    /// Every field by its name, for logs of one's own: it holds what the record holds of the player.
     std::string debugDescription() const { return mts_description(); }
 
+    /// Archives every field that has a value.
     void encodeWithCoder(NSCoder& coder) const override;
     /// Leaves absent what the archive does not hold, defaults included.
     void initWithCoder(NSCoder& coder) override;
@@ -52,17 +54,21 @@ protected:
     /// Sets what a record made by `init()` starts with. Overriders call their superclass's first.
     virtual void setDefaults() {}
 
+    /// The record with its defaults; behind `init()`.
     template <class Record>
     static Ref<Record> withDefaults(Ref<Record> record) {
         static_cast<FXBaseObject&>(*record).setDefaults();
         return record;
     }
+    /// The record with what a JSON object says; behind `initWithDictionary()`.
     template <class Record>
     static Ref<Record> filled(Ref<Record> record, const Value& dictionary) {
         record->mts_setValuesForKeysWithDictionary(dictionary.as<NSDictionary>());
         return record;
     }
+    /// Whether a property of the class may be missing; true for one that it does not have.
     static bool isOptional(const MotisClass& cls, std::string_view property);
+    /// The names of the properties that the class maps, as texts.
     static NSArray motisKeys(const MotisClass& cls);
 
     FX_RECORD(FXBaseObject, MotisObject)

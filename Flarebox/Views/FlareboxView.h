@@ -59,6 +59,7 @@ public:
 
     /// Who follows what the tab does. Not owned; may be null. One that is no NSObject takes itself back before it goes.
     void setDelegate(FlareboxViewDelegate* delegate) { delegate_ = delegate; }
+    /// Null also once a delegate that is an NSObject has gone.
     FlareboxViewDelegate* delegate() const { return delegate_.get(); }
 
     // Showing.
@@ -68,19 +69,20 @@ public:
     /// Attaches the tab, closed, to a view. A parent that it is attached to already gets a second set of constraints:
     /// remove the tab first.
     void showAtView(UIView& parent);
+    /// Takes the tab and its open button away, and pauses what it plays.
     void removeFromSuperview() override;
-    void open() { toggleFlarebox(true, true); }
-    void close() { toggleFlarebox(false, true); }
-    void toggleFlarebox();
+    void open() { toggleFlarebox(true, true); }    ///< slides in
+    void close() { toggleFlarebox(false, true); }  ///< slides out
+    void toggleFlarebox();                         ///< whichever it is not
     /// Animated over 0.3 seconds, or at once. An open tab asked to open does nothing.
     void toggleFlarebox(bool open, bool animated);
     /// The state that the tab has or is moving to. A tab without a parent counts as open.
     bool isOpened() const;
-    void showFlareboxButton() { showFlareboxButton(true); }
-    void hideFlareboxButton() { showFlareboxButton(false); }
+    void showFlareboxButton() { showFlareboxButton(true); }   ///< the tab can be opened by the player
+    void hideFlareboxButton() { showFlareboxButton(false); }  ///< closes the tab; `open` opens it all the same
     /// Hiding the open button also closes the tab.
     void showFlareboxButton(bool show);
-    bool isFlareboxButtonVisible() const;
+    bool isFlareboxButtonVisible() const;  ///< as said last, whether the tab is attached or not
     /// 0 to 1.
     void setFlareboxButtonAlpha(double alpha);
 
@@ -92,39 +94,46 @@ public:
     void updateWithNewGameUDID() { createGameSession(); }
 
     // What the tab holds, for tools and tests.
+    /// What the list shows: the assets that have an icon; null before the first list.
     const std::shared_ptr<AssetList>& assestsList() const { return assestsList_; }
+    /// The product that is shown; null while there is none.
     const Ref<FXAssetInfo>& currentAsset() const { return currentAsset_; }
-    AssetMode currentAssetMode() const { return currentAssetMode_; }
+    AssetMode currentAssetMode() const { return currentAssetMode_; }  ///< what the content area shows
+    /// An AFNetworkReachabilityStatus, as last reported.
     std::int64_t netWorkStatus() const { return netWorkStatus_; }
-    std::int32_t refreshDataTime() const { return refreshDataTime_; }
-    bool isHasBeenOpened() const { return isHasBeenOpened_; }
+    std::int32_t refreshDataTime() const { return refreshDataTime_; }  ///< seconds left until the next refresh
+    bool isHasBeenOpened() const { return isHasBeenOpened_; }          ///< at least once
     /// The models read so far, by the uids of their assets.
     const std::map<std::string, Ref<SCNNode>, std::less<>>& assetNodesDict() const { return assetNodesDict_; }
     /// The content views; null when the kit's resources are missing.
     const Ref<SCNContentView>& scnContent() const { return scnContent_; }
-    const Ref<VideoView>& videoView() const { return videoView_; }
+    const Ref<VideoView>& videoView() const { return videoView_; }  ///< the same
     /// An image-loading client, made on first use.
     AFHTTPSessionManager& operationManager();
 
     // The load chain. While a load is under way, or the network is known to be away, asking for another does nothing.
+    /// Begins it: an identifier, then the network, a session, the list.
     void loadData();
+    /// Whether there is an identifier of the device, made if it may be; shows why not.
     bool validSessionData();
-    void createGameSession();
-    void loadAssets();
-    void startFreshTimer();
-    void countDown();
-    bool isNetworkConnected() const;
-    void showLoadingView(bool show);
+    void createGameSession();  ///< then loads the list
+    void loadAssets();         ///< and shows them, in place of the former
+    void startFreshTimer();    ///< begins the countdown anew
+    void countDown();          ///< a second less; at 0 loads again, where there is nothing to show or nobody looks
+    bool isNetworkConnected() const;  ///< as last reported; false before
+    void showLoadingView(bool show);  ///< in place of everything else
+    /// A line for the player in place of the content, shrunk or broken where it is long.
     void showErrorMessage(std::string_view message);
-    void hideErrorMessage();
-    void showRequestErrorMessage();
-    void showNetworkErrorMessage();
-    void showEmptyView();
-    void showAssetView();
+    void hideErrorMessage();         ///< nothing else is shown in its place
+    void showRequestErrorMessage();  ///< "Something went wrong", in the player's language
+    void showNetworkErrorMessage();  ///< "You have no internet connection", the same
+    void showEmptyView();            ///< for a list without assets
+    void showAssetView();            ///< the current asset and the list
 
     // Layout.
     /// The size that the tab has on the main screen, in points.
     static CGSize getViewSize();
+    /// Fits the tab to the screen at the next turn of the main queue.
     void deviceOrientationDidChange();
 
     // Browsing.
@@ -136,10 +145,10 @@ public:
     void reloadCellVisibles();
     /// Scroll the list by one item; the selection stays.
     void pressNextAssetButton();
-    void pressPreviousAssetButton();
+    void pressPreviousAssetButton();  ///< backwards
 
     // Modes. One that the current asset does not allow is refused without a word.
-    bool isEnabledMode(AssetMode mode) const;
+    bool isEnabledMode(AssetMode mode) const;  ///< whether the current asset has something to show in it
     /// Shows the current asset in that mode and, while the tab is open, tells the service of 3D and videos.
     void changeAssetMode(AssetMode mode);
     /// The same, untold.
@@ -158,41 +167,45 @@ public:
     /// Opens the companion application, or its page in the store where it is not installed; the second is for
     /// development builds of it.
     void openKestrinProd();
-    void openKestrinDev();
-    static NSString appSchemaLinkProd();
-    static NSString appSchemaLinkDev();
-    static NSString appStoreLink();
-    void closeCouponView(CouponView& view) override;
-    void openKestrinApp(CouponView& view) override;
-    void couponViewDidSave(CouponView& view) override;
+    void openKestrinDev();                              ///< the same, of its development build
+    static NSString appSchemaLinkProd();                ///< the link that opens it
+    static NSString appSchemaLinkDev();                 ///< the link that opens its development build
+    static NSString appStoreLink();                     ///< its page in the store
+    void closeCouponView(CouponView& view) override;    ///< takes the coupon away
+    void openKestrinApp(CouponView& view) override;     ///< unless the host refuses the link
+    void couponViewDidSave(CouponView& view) override;  ///< tells the delegate
 
     // Models. Each lies in the application's documents directory under its asset's uid, and nothing else does. For a
     // null asset nothing happens.
-    void setup3DView();
+    void setup3DView();  ///< makes the 3D view, once
     /// Removes what is not a listed asset's and loads the models of all that are. A file that turned out to be no model
     /// is removed as well: what came in its place, a network's own page for example, is not to stay for good.
     void loadAll3DAssets();
-    void remove3DFilesCached();
-    void load3DModel(const Ref<FXAssetInfo>& asset);
+    void remove3DFilesCached();                       ///< what is not a listed asset's, folders included
+    void load3DModel(const Ref<FXAssetInfo>& asset);  ///< from disk, or from its address
+    /// The file is there: reads it and, for the current asset, shows the model.
     void handleLoad3DAssetCompletion(const std::string& path, const Ref<FXAssetInfo>& asset);
+    /// Reads the file and keeps the model under the asset's uid; a file that is no model is told in the log.
     void create3DAssetNodeWithPath(const std::string& path, const Ref<FXAssetInfo>& asset);
+    /// Puts the asset's model into the 3D view, or what there is to say of it.
     void display3DModel(const Ref<FXAssetInfo>& asset);
     /// Fits the current asset's model and the full-screen button to the screen as it is now.
     void refreshRootNode();
-    void showFullScreen(SCNContentView& view) override;
-    void exitFullScreenMode(SCNContentView& view) override;
+    void showFullScreen(SCNContentView& view) override;      ///< hands the model to the window
+    void exitFullScreenMode(SCNContentView& view) override;  ///< takes it back
     /// Takes model and player back from the window.
     void leaveFullScreen();
 
     // The full-screen player comes and goes: the tab steps aside.
-    void startPlayingVideo() override;
-    void stopVideo() override;
+    void startPlayingVideo() override;  ///< steps behind the player
+    void stopVideo() override;          ///< comes to the front again
 
     // Hooks of the platform.
-    void awakeFromNib() override;
-    void paletteDidChange() override;
-    void didMoveToSuperview() override;
-    void didMoveToWindow() override;
+    void awakeFromNib() override;        ///< sets the tab up and begins to load
+    void paletteDidChange() override;    ///< takes the look over that is in no layout file
+    void didMoveToSuperview() override;  ///< closes the tab
+    void didMoveToWindow() override;     ///< out of it, leaves full screen and pauses the video
+    /// Does nothing with the configuration's `showFlareboxButton`, which it observes; the rest is its superclass's.
     void observeValueForKeyPath(std::string_view keyPath, NSObject& object, const NSKeyValueChange& change,
                                 void* context) override;
 

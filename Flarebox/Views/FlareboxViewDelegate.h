@@ -25,6 +25,7 @@ public:
     virtual void flareboxViewDidClose(FlareboxView&) {}
     /// Another product than before is shown, by the player's choice or as the first of a list.
     virtual void flareboxViewDidSelectAsset(FlareboxView&, const Ref<FXAssetInfo>&) {}
+    /// The content area shows another of the product's sides.
     virtual void flareboxViewDidChangeMode(FlareboxView&, AssetMode) {}
     /// The service has the coupon, now or from an earlier time.
     virtual void flareboxViewDidSaveCoupon(FlareboxView&, const Ref<FXAssetInfo>&) {}

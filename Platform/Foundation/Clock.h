@@ -21,7 +21,7 @@ public:
     /// Installs a clock, or with null the machine's own again. The clock must outlive its use.
     /// Work already waiting on the main queue keeps the delay that it has left.
     static void setCurrent(Clock* clock);
-    static Clock& real();
+    static Clock& real();  ///< the machine's own, whatever is installed
 };
 
 /// A clock that stands still until it is moved. Starts at 2026-01-01 00:00:00 UTC.

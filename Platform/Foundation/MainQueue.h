@@ -24,9 +24,10 @@ class Immortal;
 /// Work runs in the order in which it became due, equal times in the order of posting.
 class FLAREBOX_EXPORT MainQueue {
 public:
-    using Work = std::function<void()>;
-    using Token = std::uint64_t;
+    using Work = std::function<void()>;  ///< runs on the main thread, once
+    using Token = std::uint64_t;         ///< names posted work; never used twice
 
+    /// The one queue, which lasts as long as the process. Any thread.
     static MainQueue& shared();
 
     /// Runs the work at the next turn. Any thread.
@@ -51,7 +52,7 @@ public:
 
     /// Whether something would run now, and the clock's uptime at which the next delayed work is due. Main thread.
     bool hasDueWork() const;
-    std::optional<double> nextDueTime() const;
+    std::optional<double> nextDueTime() const;  ///< none when nothing waits
     /// While work runs: the uptime at which it was due. Main thread.
     double currentDueTime() const { return currentDueTime_; }
 

@@ -19,7 +19,8 @@ namespace flarebox {
 /// A file that is part of the program: its path within the bundle, such as "en.lproj/Main.strings", and what it holds.
 /// Both live as long as the process.
 struct BuiltInFile {
-    std::string_view path, contents;
+    std::string_view path;      ///< relative, with slashes
+    std::string_view contents;  ///< the whole file
 };
 
 /// A folder of resources: an information table (`Info.plist`), files, and texts in the user's language
@@ -39,7 +40,7 @@ public:
     /// Makes the bundle of a folder, which need not exist, known under an identifier; replaces an earlier one.
     static Ref<NSBundle> registerBundle(std::string_view identifier, std::string_view path);
 
-    const std::string& bundlePath() const { return path_; }
+    const std::string& bundlePath() const { return path_; }  ///< the folder, absolute
     /// Files that stand in for those that the folder lacks, one by one.
     void setBuiltInFiles(std::span<const BuiltInFile> files);
     /// The registered identifier, or "CFBundleIdentifier" of the information table; empty if there is neither.
@@ -68,6 +69,7 @@ public:
     /// Languages in order of preference, such as "de-DE" or "en"; from the process's locale until set. Empty: from the
     /// locale again.
     static std::vector<std::string> preferredLanguages();
+    /// Texts that were looked up already stay as they are.
     static void setPreferredLanguages(std::vector<std::string> languages);
 
 private:

@@ -40,16 +40,19 @@ inline constexpr int NSPropertyListReadCorruptError = 3840;
 class FLAREBOX_EXPORT NSError : public NSObject {
     FLAREBOX_CLASS(NSError)
 public:
+    /// `userInfo` may be absent.
     NSError(std::string domain, int code, NSDictionary userInfo);
     /// An error whose only information is its localised description.
     static Ref<NSError> errorWithDomain(std::string_view domain, int code, std::string_view localizedDescription);
+    /// An error with information of any kind, by keys; absent for none.
     static Ref<NSError> errorWithDomain(std::string_view domain, int code, const NSDictionary& userInfo);
 
-    const std::string& domain() const { return domain_; }
-    int code() const { return code_; }
-    const NSDictionary& userInfo() const { return userInfo_; }
+    const std::string& domain() const { return domain_; }       ///< says whose the code is
+    int code() const { return code_; }                          ///< within the domain
+    const NSDictionary& userInfo() const { return userInfo_; }  ///< may be absent
     /// The text under NSLocalizedDescriptionKey, or one made from domain and code.
     std::string localizedDescription() const;
+    /// Domain, code and text, for logs.
     std::string description() const override;
 
 private:

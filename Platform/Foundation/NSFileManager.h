@@ -39,8 +39,10 @@ bool isPlainPathComponent(std::string_view name);
 /// an error of NSCocoaErrorDomain whose description names the path.
 class NSFileManager {
 public:
+    /// The one instance; lasts as long as the process.
     static NSFileManager& defaultManager();
 
+    /// Files and folders; links count as what they point to.
     bool fileExistsAtPath(std::string_view path) const;
     /// False for links, folders and everything else that is no file itself.
     bool isRegularFileAtPath(std::string_view path) const;

@@ -25,6 +25,7 @@ class Immortal;
 /// `<file>.corrupt` and the settings start empty. Where no file can be used the settings live in memory alone.
 class FLAREBOX_EXPORT NSUserDefaults {
 public:
+    /// The one instance; lasts as long as the process.
     static NSUserDefaults& standardUserDefaults();
 
     /// Keeps the settings in that file from now on, replacing those in memory by its contents; an empty path means
@@ -40,6 +41,7 @@ public:
     NSString stringForKey(std::string_view key) const;
     /// A number, or the number that a text begins with; 0 for anything else.
     std::int64_t integerForKey(std::string_view key) const;
+    /// The same, with decimals.
     double doubleForKey(std::string_view key) const;
     /// A number that is not 0, or a text that begins like "YES", "true" or a number that is not 0.
     bool boolForKey(std::string_view key) const;
@@ -47,6 +49,7 @@ public:
     /// Stores a copy of a property-list value (Foundation/NSPropertyListSerialization.h); an absent value removes the
     /// key. False, with nothing changed and `lastError()` telling why, for any other value.
     bool setObject(const Value& value, std::string_view key);
+    /// Nothing happens where there is no such key.
     void removeObjectForKey(std::string_view key);
 
     /// Writes changes now. False, with `lastError()`, when that failed; they are kept and tried again at the next

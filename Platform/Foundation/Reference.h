@@ -34,22 +34,27 @@ FLAREBOX_EXPORT NSObject* peekBox(const WeakBox* box) noexcept;
 template <class T>
 class Ref {
 public:
-    using Element = T;
+    using Element = T;  ///< what is referred to
 
     constexpr Ref() noexcept = default;
-    constexpr Ref(std::nullptr_t) noexcept {}
+    constexpr Ref(std::nullptr_t) noexcept {}  ///< null
     /// Shares ownership of an object that is already owned by somebody (never of a stack object).
     explicit Ref(T* object) noexcept : object_(object) { detail::retain(base()); }
+    /// One more owner.
     Ref(const Ref& other) noexcept : object_(other.object_) { detail::retain(base()); }
+    /// Leaves the other one null.
     Ref(Ref&& other) noexcept : object_(std::exchange(other.object_, nullptr)) {}
+    /// Of a more general class; one more owner.
     template <class U>
     requires std::is_convertible_v<U*, T*> Ref(const Ref<U>& other)
     noexcept : object_(other.get()) { detail::retain(base()); }
+    /// Of a more general class; leaves the other one null.
     template <class U>
     requires std::is_convertible_v<U*, T*> Ref(Ref<U>&& other)
     noexcept : object_(other.leak()) {}
     ~Ref() { detail::release(base()); }
 
+    /// Gives up what it owned before.
     Ref& operator=(Ref other) noexcept {
         std::swap(object_, other.object_);
         return *this;
@@ -64,9 +69,10 @@ public:
     /// Gives the reference to the caller, who must release it.
     [[nodiscard]] T* leak() noexcept { return std::exchange(object_, nullptr); }
 
-    T* get() const noexcept { return object_; }
-    T& operator*() const noexcept { return *object_; }
-    T* operator->() const noexcept { return object_; }
+    T* get() const noexcept { return object_; }         ///< borrowed; may be null
+    T& operator*() const noexcept { return *object_; }  ///< not of a null reference
+    T* operator->() const noexcept { return object_; }  ///< not of a null reference
+    /// Whether it is not null.
     explicit operator bool() const noexcept { return object_ != nullptr; }
 
     friend bool operator==(const Ref& a, const Ref& b) noexcept { return a.object_ == b.object_; }
@@ -88,18 +94,23 @@ private:
 template <class T>
 class Weak {
 public:
-    using Element = T;
+    using Element = T;  ///< what is referred to
 
     constexpr Weak() noexcept = default;
-    constexpr Weak(std::nullptr_t) noexcept {}
+    constexpr Weak(std::nullptr_t) noexcept {}  ///< null
+    /// Of an object that is owned by somebody, on a thread where it cannot be destroyed meanwhile; null for null.
     explicit Weak(T* object) : object_(object), box_(object ? detail::weakBox(object) : nullptr) {}
+    /// Of what the reference owns, or null.
     template <class U>
     requires std::is_convertible_v<U*, T*> Weak(const Ref<U>& object) : Weak(static_cast<T*>(object.get())) {}
+    /// Of the same object, gone or not.
     Weak(const Weak& other) noexcept : object_(other.object_), box_(other.box_) { detail::retainBox(box_); }
+    /// Leaves the other one null.
     Weak(Weak&& other) noexcept
         : object_(std::exchange(other.object_, nullptr)), box_(std::exchange(other.box_, nullptr)) {}
     ~Weak() { detail::releaseBox(box_); }
 
+    /// Forgets the former object.
     Weak& operator=(Weak other) noexcept {
         std::swap(object_, other.object_);
         std::swap(box_, other.box_);
@@ -113,8 +124,9 @@ public:
     }
     /// The object or null, for use on the thread that owns the object (the main thread for views).
     T* get() const noexcept { return detail::peekBox(box_) ? object_ : nullptr; }
-    T& operator*() const noexcept { return *get(); }
-    T* operator->() const noexcept { return get(); }
+    T& operator*() const noexcept { return *get(); }  ///< not once the object is gone
+    T* operator->() const noexcept { return get(); }  ///< not once the object is gone
+    /// Whether the object is there; see `get`.
     explicit operator bool() const noexcept { return get() != nullptr; }
 
 private:
@@ -130,9 +142,11 @@ Ref<T> make(Arguments&&... arguments) {
 
 }  // namespace flarebox
 
+/// @cond
 template <class T>
 struct std::hash<flarebox::Ref<T>> {
     std::size_t operator()(const flarebox::Ref<T>& reference) const noexcept {
         return std::hash<const void*>()(reference.get());
     }
 };
+/// @endcond

@@ -51,36 +51,41 @@ struct ValueAccess;
 /// mutable collections aside, which belong to the code that made them until handed on.
 class FLAREBOX_EXPORT Value {
 public:
+    /// What a value is.
     enum class Kind : std::uint8_t {
-        Absent,  ///< no value at all, what the platform calls nil
-        Null,    ///< the JSON null, a value of its own
-        Number,
-        String,
-        Date,
-        URL,
-        Data,
-        Array,
-        Set,
-        OrderedSet,
-        Dictionary,
-        Object,  ///< an NSObject, such as a record
+        Absent,      ///< no value at all, what the platform calls nil
+        Null,        ///< the JSON null, a value of its own
+        Number,      ///< NSNumber
+        String,      ///< NSString
+        Date,        ///< NSDate
+        URL,         ///< NSURL
+        Data,        ///< NSData
+        Array,       ///< NSArray
+        Set,         ///< NSSet
+        OrderedSet,  ///< NSOrderedSet
+        Dictionary,  ///< NSDictionary
+        Object,      ///< an NSObject, such as a record
     };
 
     constexpr Value() noexcept = default;
-    constexpr Value(std::nullptr_t) noexcept {}
+    constexpr Value(std::nullptr_t) noexcept {}  ///< absent
     /// Of a boolean itself, never of a pointer that could be read as one.
     template <std::same_as<bool> B>
     Value(B number) noexcept : Value(fromBoolean(number)) {}
+    /// Keeps every digit.
     template <std::integral I>
     requires(!std::same_as<I, bool>) Value(I number)
     noexcept : Value(fromInteger(number)) {}
-    Value(double number) noexcept;
-    Value(const char* text);
-    Value(std::string_view text);
+    Value(double number) noexcept;  ///< may be infinite or no number
+    Value(const char* text);        ///< UTF-8, copied; null is absent
+    Value(std::string_view text);   ///< UTF-8, copied
+    /// UTF-8, copied.
     Value(const std::string& text) : Value(std::string_view(text)) {}
+    /// Owns the object too; absent for null.
     template <class T>
     requires std::derived_from<T, NSObject> Value(Ref<T> object)
     noexcept : Value(fromObject(Ref<NSObject>(std::move(object)))) {}
+    /// The same value, shared.
     Value(const Value& other) noexcept
         : payload_(other.payload_),
           kind_(other.kind_),
@@ -90,6 +95,7 @@ public:
           extra_(other.extra_) {
         if (holding_ != Holding::Nothing) retain();
     }
+    /// Leaves the other one absent, unless it is an element of a collection.
     Value(Value&& other) noexcept
         : payload_(other.payload_),
           kind_(other.kind_),
@@ -104,7 +110,9 @@ public:
             other.holding_ = Holding::Nothing;
         }
     }
+    /// The same value, shared.
     Value& operator=(const Value& other) noexcept { return *this = Value(other); }
+    /// As the constructor that moves.
     Value& operator=(Value&& other) noexcept {
         Value taken(std::move(other));
         swap(taken);
@@ -117,9 +125,9 @@ public:
     /// The JSON null.
     static Value null() noexcept;
 
-    Kind kind() const noexcept { return kind_; }
-    bool isAbsent() const noexcept { return kind_ == Kind::Absent; }
-    bool isNull() const noexcept { return kind_ == Kind::Null; }
+    Kind kind() const noexcept { return kind_; }                      ///< what it is
+    bool isAbsent() const noexcept { return kind_ == Kind::Absent; }  ///< what the platform calls nil
+    bool isNull() const noexcept { return kind_ == Kind::Null; }      ///< the JSON null
     /// True for everything but an absent value; the JSON null is present.
     explicit operator bool() const noexcept { return kind_ != Kind::Absent; }
 
@@ -127,10 +135,11 @@ public:
     bool isSameAs(const Value& other) const noexcept;
     /// Equality by content: numbers by numeric value whatever their kind, collections element by element.
     friend bool operator==(const Value& a, const Value& b) noexcept { return a.isEqual(b); }
-    std::size_t hash() const noexcept;
+    std::size_t hash() const noexcept;  ///< equal for equal values
 
     /// The class, NSString or FXAssetInfo for example; null when absent. NSNull for the JSON null.
     Class classOf() const noexcept;
+    /// Whether its class is that one or derives from it; false when absent.
     bool isKindOf(const ClassInfo& ancestor) const noexcept;
 
     /// Text for people: texts as they are, numbers in decimal, collections with their elements; "(null)" when absent,
@@ -148,6 +157,7 @@ public:
         return dynamic_cast<T*>(objectOrNull());
     }
 
+    /// @cond
 protected:
     friend struct detail::ValueAccess;
 
@@ -191,6 +201,7 @@ protected:
     Holding holding_ = Holding::Nothing;
     std::uint32_t extra_ = 0;
 
+    /// @endcond
 private:
     void retain() noexcept {
         if (holding_ == Holding::Object) return detail::retain(payload_.object);
@@ -205,6 +216,7 @@ private:
 
 static_assert(sizeof(Value) == 16);
 
+/// @cond
 inline void Value::swap(Value& other) noexcept {
     std::swap(payload_, other.payload_);
     std::swap(kind_, other.kind_);
@@ -220,3 +232,4 @@ template <>
 struct std::hash<flarebox::Value> {
     std::size_t operator()(const flarebox::Value& value) const noexcept { return value.hash(); }
 };
+/// @endcond

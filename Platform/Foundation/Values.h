@@ -167,6 +167,7 @@ class FLAREBOX_EXPORT NSArray : public Value {
     class NSMutableArray mutableCopy() const;
 };
 
+/// An array that can change; belongs to the code that made it until it is handed on.
 class FLAREBOX_EXPORT NSMutableArray : public NSArray {
     FLAREBOX_TYPED_VALUE(NSMutableArray)
     static NSMutableArray array();
@@ -183,10 +184,12 @@ class FLAREBOX_EXPORT NSSet : public Value {
     std::span<const Value> elements() const noexcept;
     bool containsObject(const Value& value) const noexcept;
 };
+/// The class of sets that can change; no value is of it.
 class FLAREBOX_EXPORT NSMutableSet : public NSSet {
     FLAREBOX_TYPED_VALUE(NSMutableSet)
     static NSMutableSet setWithValues(std::span<const Value> elements);
 };
+/// Distinct values, in an order that counts.
 class FLAREBOX_EXPORT NSOrderedSet : public Value {
     FLAREBOX_TYPED_VALUE(NSOrderedSet)
     static NSOrderedSet orderedSetWithValues(std::span<const Value> elements);
@@ -194,6 +197,7 @@ class FLAREBOX_EXPORT NSOrderedSet : public Value {
     std::span<const Value> elements() const noexcept;
     bool containsObject(const Value& value) const noexcept;
 };
+/// The class of ordered sets that can change; no value is of it.
 class FLAREBOX_EXPORT NSMutableOrderedSet : public NSOrderedSet {
     FLAREBOX_TYPED_VALUE(NSMutableOrderedSet)
     static NSMutableOrderedSet orderedSetWithValues(std::span<const Value> elements);
@@ -224,6 +228,7 @@ class FLAREBOX_EXPORT NSDictionary : public Value {
     class NSMutableDictionary mutableCopy() const;
 };
 
+/// A dictionary that can change; belongs to the code that made it until it is handed on.
 class FLAREBOX_EXPORT NSMutableDictionary : public NSDictionary {
     FLAREBOX_TYPED_VALUE(NSMutableDictionary)
     static NSMutableDictionary dictionary();

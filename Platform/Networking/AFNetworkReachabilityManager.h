@@ -14,8 +14,10 @@ namespace flarebox {
 class AFNetworkReachabilityManager : public NSObject {
     FLAREBOX_CLASS(AFNetworkReachabilityManager)
 public:
+    /// Gets an AFNetworkReachabilityStatus.
     using StatusBlock = std::function<void(std::int64_t status)>;
 
+    /// The one that the kit asks.
     static AFNetworkReachabilityManager& sharedManager();
 
     /// Begins, or begins anew: the block is told the current status shortly after, then every change.
@@ -26,6 +28,7 @@ public:
     void setReachabilityStatusChangeBlock(StatusBlock block) { block_ = std::move(block); }
     /// As last reported; unknown before the first report.
     AFNetworkReachabilityStatus networkReachabilityStatus() const { return status_; }
+    /// False also while the status is unknown.
     bool isReachable() const { return status_ > AFNetworkReachabilityStatusNotReachable; }
 
     /// Where the status comes from: null for the built-in monitor. Monitoring that is under way goes on with the new

@@ -20,6 +20,7 @@ enum AFNetworkReachabilityStatus : std::int64_t {
 /// Knows the state of the network. A host that knows better than the built-in monitor supplies its own.
 class FLAREBOX_EXPORT NetworkMonitor : public NSObject {
 public:
+    /// Tells the status as it is now.
     using Report = std::function<void(AFNetworkReachabilityStatus)>;
 
     /// Begins to report: the current status soon, then every change. `report` may be called on any thread, also before
@@ -29,6 +30,7 @@ public:
     /// Ends the reports. One that is under way on another thread may still come and is ignored. Main thread.
     virtual void stop() = 0;
 
+    /// What the built-in monitor makes of a machine without any other network.
     enum class Loopback {
         DoesNotCount,
         /// The machine's own addresses are enough, for a service that runs on this machine.
@@ -44,10 +46,13 @@ public:
 class FLAREBOX_EXPORT ManualNetworkMonitor : public NetworkMonitor {
     FLAREBOX_CLASS(ManualNetworkMonitor)
 public:
+    /// Reports the status as soon as it is started.
     explicit ManualNetworkMonitor(AFNetworkReachabilityStatus status = AFNetworkReachabilityStatusUnknown)
         : status_(status) {}
 
+    /// As it was set last.
     AFNetworkReachabilityStatus status() const { return status_; }
+    /// Reports it at once while started.
     void setStatus(AFNetworkReachabilityStatus status);
 
     void start(Report report) override;

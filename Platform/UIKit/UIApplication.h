@@ -29,6 +29,7 @@ public:
 /// The application around the kit. Main thread.
 class FLAREBOX_EXPORT UIApplication {
 public:
+    /// The one instance; lasts as long as the process.
     static UIApplication& sharedApplication();
 
     /// Set by the host adapter while one exists; null otherwise.
@@ -48,6 +49,7 @@ public:
 
     /// The only schemes that links may have, in lower case.
     const std::vector<std::string>& allowedSchemes() const { return allowedSchemes_; }
+    /// Replaces them all, the usual ones included; empty: no link is opened.
     void setAllowedSchemes(std::vector<std::string> schemes);
     /// Adds one, in lower case.
     void allowScheme(const std::string& scheme);

@@ -29,13 +29,13 @@ enum class UIDeviceOrientation : std::int64_t {
 struct InputEvent {
     /// Which of UIHost's functions was called.
     enum class Kind : std::uint8_t { PointerDown, PointerMoved, PointerUp, PointerCancelled, Scrolled, KeyDown };
-    Kind kind;
+    Kind kind;  ///< tells which of the following have a meaning
     /// Of a pointer.
     int pointer = 0;
     /// In points of the screen; of a pointer, or where the wheel was turned.
     CGPoint point = {};
-    /// Points by which to scroll on.
-    CGFloat dx = 0, dy = 0;
+    CGFloat dx = 0;  ///< points by which to scroll on, to the right end
+    CGFloat dy = 0;  ///< the same, to the bottom
     /// The key's name, for as long as the call lasts.
     std::string_view key = {};
 };
@@ -63,6 +63,7 @@ public:
 
     /// The screen's size or scale changed; the window follows. Does not by itself report a new orientation.
     void setScreen(CGSize size, CGFloat scale);
+    /// Of the device, where it knows it; the tab follows at the next turn.
     void setOrientation(UIDeviceOrientation orientation);
     /// Both, for a window, which has no orientation of its own: wide is landscape, tall is portrait. Does nothing when
     /// size and scale are as they were.
@@ -72,12 +73,15 @@ public:
     // beside it to the game.
     /// `pointer` tells fingers apart; the mouse is 0.
     InputResult pointerDown(int pointer, CGPoint point);
+    /// While it is down.
     InputResult pointerMoved(int pointer, CGPoint point);
+    /// What it pressed is performed, if it still lies under it.
     InputResult pointerUp(int pointer, CGPoint point);
+    /// Ends it without performing anything: another application came, or its end was lost.
     void pointerCancelled(int pointer);
     /// The mouse moved without a button pressed, or left the window.
     InputResult pointerHovered(CGPoint point);
-    void pointerLeft();
+    void pointerLeft();  ///< nothing is under it any more
     /// Wheel or two-finger scrolling: points by which the content is to move on, to its right end and to its bottom
     /// where positive.
     InputResult scrolled(CGPoint point, CGFloat dx, CGFloat dy);
@@ -103,7 +107,7 @@ public:
     void setTurnBudget(double seconds);
     /// The longest call since the last reset, of those that were measured.
     const TurnMeter::Turn& longestTurn() const;
-    void resetLongestTurn();
+    void resetLongestTurn();  ///< begins the search for the longest call anew
 
 private:
     struct State;

@@ -17,12 +17,14 @@ public:
 
     /// The target is then empty. Textures stay.
     void resize(int width, int height);
-    int width() const { return width_; }
-    int height() const { return height_; }
+    int width() const { return width_; }    ///< pixels
+    int height() const { return height_; }  ///< pixels
     /// Rows from the top without gaps, each pixel 0xAARRGGBB with the colour premultiplied by the alpha. What lies in
     /// it is drawn over; a host draws its own picture here first.
     std::span<std::uint32_t> pixels() { return target_; }
+    /// The same, to look at.
     std::span<const std::uint32_t> pixels() const { return target_; }
+    /// Of a place within the target.
     std::uint32_t pixelAt(int x, int y) const {
         return target_[static_cast<std::size_t>(y) * static_cast<std::size_t>(width_) + static_cast<std::size_t>(x)];
     }
@@ -33,6 +35,7 @@ public:
     void updateTexture(TextureId texture, const PixelRect& region, const std::uint32_t* pixels, int stride) override;
     void destroyTexture(TextureId texture) override;
     void drawQuad(const TexturedQuad& quad) override;
+    /// Textures that were made and not given back.
     std::size_t textureCount() const;
 
 private:

@@ -27,6 +27,7 @@ namespace flarebox {
 /// where one of them is null, SDL refuses all calls and nothing is shown. Main thread.
 class FLAREBOX_EXPORT SDLHost : public UIHost {
 public:
+    /// On the thread that handles SDL's events, which becomes the main thread.
     SDLHost(SDL_Window* window, SDL_Renderer* renderer);
     ~SDLHost() override;
 
