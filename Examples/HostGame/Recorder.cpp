@@ -171,7 +171,7 @@ void Recorder::endScrolling() {
 
 void Recorder::writePause(double start, bool isRested) {
     if (start - lastEnd_ >= shortestPause) write("wait " + number(start - lastEnd_));
-    if (isRested) write("await idle");
+    if (isRested) write("await idle 60");
 }
 
 void Recorder::write(const std::string& command) {
