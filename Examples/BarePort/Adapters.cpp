@@ -14,6 +14,7 @@
 #include <UIKit/Backend/Gio/DesktopUrlOpener.h>
 #include <UIKit/Backend/Pugixml/LayoutFileReader.h>
 #include <UIKit/BitmapCanvas.h>
+#include <UIKit/FontOpening.h>
 #include <UIKit/UIImage.h>
 
 namespace flarebox {
@@ -113,6 +114,12 @@ CGSize measureText(std::string_view, const TextStyle& style, CGFloat) {
 }
 void openUsualFonts(const std::atomic<bool>&) {}
 bool fontsAreInUse() {
+    return false;
+}
+std::string addFontFile(const std::string&) {
+    return {};
+}
+bool isFontFamilyKnown(const std::string&) {
     return false;
 }
 std::unique_ptr<Canvas> makeBitmapCanvas(std::uint32_t*, int, int, int, CGFloat scale) {
