@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Foundation/Export.h>
 #include <Foundation/NSUUID.h>
 
 #include <optional>
@@ -14,7 +15,7 @@ inline constexpr const char* ASAdvertisingTrackingEnabledKey = "ASAdvertisingTra
 ///
 /// A desktop has neither, so one random identifier for each application and a switch (on until changed) are kept in the
 /// user defaults. A game that runs on a system with its own supplies them.
-class ASIdentifierManager {
+class FLAREBOX_EXPORT ASIdentifierManager {
 public:
     static ASIdentifierManager& sharedManager();
 

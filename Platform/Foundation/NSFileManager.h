@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Foundation/Export.h>
 #include <Foundation/NSError.h>
 #include <Foundation/Values.h>
 
@@ -37,7 +38,7 @@ bool isPlainPathComponent(std::string_view name);
 
 /// Files and folders. Any thread. Every operation that can fail answers false (or empty) and, where `error` is given,
 /// an error of NSCocoaErrorDomain whose description names the path.
-class NSFileManager {
+class FLAREBOX_EXPORT NSFileManager {
 public:
     /// The one instance; lasts as long as the process.
     static NSFileManager& defaultManager();

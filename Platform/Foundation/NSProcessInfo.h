@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Foundation/Export.h>
+
 #include <mutex>
 #include <string>
 #include <string_view>
@@ -12,7 +14,7 @@ class Immortal;
 }
 
 /// What the process knows of itself. Any thread.
-class NSProcessInfo {
+class FLAREBOX_EXPORT NSProcessInfo {
 public:
     static NSProcessInfo& processInfo();
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Foundation/Export.h>
+
 #include <array>
 #include <cstdint>
 #include <optional>
@@ -9,7 +11,7 @@
 namespace flarebox {
 
 /// A 128-bit identifier. All zero unless made otherwise.
-class NSUUID {
+class FLAREBOX_EXPORT NSUUID {
 public:
     constexpr NSUUID() noexcept = default;
     /// A random one (RFC 4122, version 4), from the system's random source. None when that source fails.

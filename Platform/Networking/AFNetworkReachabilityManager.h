@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Foundation/Export.h>
 #include <Foundation/MainQueue.h>
 #include <Foundation/NSObject.h>
 #include <Networking/NetworkMonitor.h>
@@ -11,7 +12,7 @@
 namespace flarebox {
 
 /// Tells whether and how the network can be reached. Main thread only.
-class AFNetworkReachabilityManager : public NSObject {
+class FLAREBOX_EXPORT AFNetworkReachabilityManager : public NSObject {
     FLAREBOX_CLASS(AFNetworkReachabilityManager)
 public:
     /// Gets an AFNetworkReachabilityStatus.

@@ -33,8 +33,8 @@ struct TexturedQuad {
 
 /// The pixels of a target of that many pixels whose centres the rectangle covers, so that all that draw pixels agree on
 /// what lies on an edge. Empty as well where its source lies outside a texture of that many pixels.
-PixelRect coveredPixels(const TexturedQuad& quad, int textureWidth, int textureHeight, int targetWidth,
-                        int targetHeight);
+FLAREBOX_EXPORT PixelRect coveredPixels(const TexturedQuad& quad, int textureWidth, int textureHeight, int targetWidth,
+                                        int targetHeight);
 
 /// The seam to a game's renderer: textures and rectangles, nothing else. A game with its own renderer implements the
 /// four pure functions. All are called on the main thread, only while the host draws (`UIHost::draw`) or ends

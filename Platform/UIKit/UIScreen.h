@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Foundation/Export.h>
 #include <UIKit/Geometry.h>
 
 namespace flarebox {
@@ -10,7 +11,7 @@ class Immortal;
 }
 
 /// The area that the host gives to the panel: the game's window, or the whole display. Main thread.
-class UIScreen {
+class FLAREBOX_EXPORT UIScreen {
 public:
     static UIScreen& mainScreen();
 

@@ -147,21 +147,37 @@ TEST(WindowTest, ShortestGameRuns) {
     EXPECT_EQ(result.status, 0) << result.errors;
 }
 
-TEST(CGameTest, ShowsTheOpenTab) {
+/// Plays a sample game of another language, which writes what it shows, with so many pixels for a point.
+void expectOpenTab(const std::string& program, std::vector<std::string> arguments, std::size_t scale) {
     examples::Service service;
     ASSERT_TRUE(service.start());
     const TemporaryDirectory folder;
-    const GameResult result = runProgram(folder, FLAREBOX_CGAME, {service.baseURL(), "picture.ppm"});
+    arguments.insert(arguments.end(), {service.baseURL(), "picture.ppm"});
+    const GameResult result = runProgram(folder, program, arguments);
     EXPECT_EQ(result.status, 0) << result.errors;
-    // A title, two points to the right of the panel's edge, and the game beside the panel.
+    // A title, a point to the right of the panel's edge, and the game beside the panel.
     const std::string picture = folder.read("picture.ppm");
-    constexpr std::size_t wide = 1334, high = 750, head = 16;
+    const std::size_t wide = 667 * scale, high = 375 * scale;
+    const std::size_t head =
+        std::string("P6\n \n255\n").size() + std::to_string(wide).size() + std::to_string(high).size();
     ASSERT_EQ(picture.size(), head + wide * high * 3);
-    const auto pixel = [&](std::size_t x, std::size_t y) { return picture.substr(head + (y * wide + x) * 3, 3); };
-    EXPECT_EQ(pixel(1200, 300), "\x28\x46\x78");
-    EXPECT_NE(pixel(60, 300), "\x28\x46\x78");
+    const auto pixel = [&](std::size_t x, std::size_t y) {
+        return picture.substr(head + (y * scale * wide + x * scale) * 3, 3);
+    };
+    EXPECT_EQ(pixel(600, 150), "\x28\x46\x78");
+    EXPECT_NE(pixel(30, 150), "\x28\x46\x78");
     EXPECT_NE(result.output.find(": "), std::string::npos) << "no product was told of";
 }
+
+TEST(LanguageTest, GameInCShowsTheOpenTab) {
+    expectOpenTab(FLAREBOX_CGAME, {}, 2);
+}
+
+#ifdef FLAREBOX_LIBRARY
+TEST(LanguageTest, GameInPythonShowsTheOpenTab) {
+    expectOpenTab(PYTHON, {"-B", FLAREBOX_PYTHONGAME, FLAREBOX_LIBRARY}, 1);
+}
+#endif
 
 }  // namespace
 }  // namespace flarebox::testing

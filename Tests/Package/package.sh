@@ -1,0 +1,83 @@
+#!/usr/bin/env bash
+# package.sh STEP SOURCE BUILD WORK: one test of what other projects get of the kit. `install` puts the kit that lies in BUILD into an
+# empty prefix below WORK and moves it; the other steps build games against that, out of the tree, and play them.
+set -euo pipefail
+step=$1 source=$2 build=$3 work=$4
+here=$source/Tests/Package
+prefix=$work/moved
+export HOME=$work/home XDG_CONFIG_HOME=$work/home/config XDG_DATA_HOME=$work/home/data
+mkdir -p "$HOME"
+
+fail() { echo "$*" >&2; exit 1; }
+fresh() { rm -rf "$1" && mkdir -p "$1"; }
+quietly() { "$@" >"$work/log" 2>&1 || { cat "$work/log" >&2; fail "failed: $*"; }; }
+play() { timeout 60 "$@" | grep -qx 'The tab is open.' || fail "$1 did not get its tab"; }
+
+case $step in
+install)
+    fresh "$work"
+    quietly cmake --install "$build" --prefix "$work/first" --strip
+    mv "$work/first" "$prefix"
+    ! grep -rIl -e "$work" -e "$source" -e "$build" "$prefix" || fail "the files above know where they were built"
+    ;;
+symbols)
+    for library in "$prefix"/lib*/libFlarebox*.so.?; do
+        strangers=$(nm -DC --defined-only "$library" | cut -c 20- |
+            grep -vE '^FLAREBOX_0$|^flarebox_|^((non-)?virtual thunk to |(guard variable|VTT|vtable|typeinfo( name)?) for )?flarebox::' || true)
+        [ -z "$strangers" ] || fail "$library shows what is not the kit's: $(head -n 5 <<<"$strangers")"
+        objdump -p "$library" | grep -q "SONAME.*$(basename "$library")$" || fail "$library has another SONAME"
+    done
+    inside=$(nm -DC --defined-only "$prefix"/lib*/libFlarebox.so | grep -cE 'flarebox::(layout|LayerRenderer|CurlTransfer|Transport)' || true)
+    [ "$inside" = 0 ] || fail "libFlarebox.so shows $inside of its inner functions"
+    ;;
+find_package)
+    fresh "$work/find_package"
+    quietly cmake -S "$here/FindPackage" -B "$work/find_package" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" -DGAME="$here/Game" \
+        -DEXAMPLES="$source/Examples"
+    quietly cmake --build "$work/find_package"
+    play "$work/find_package/game"
+    ;;
+pkg-config)
+    fresh "$work/pkg-config"
+    cd "$work/pkg-config"
+    PKG_CONFIG_PATH=$(dirname "$prefix"/lib*/pkgconfig/flarebox.pc)
+    export PKG_CONFIG_PATH
+    pkg-config --validate flarebox flarebox-headless flarebox-sdl flarebox-opengl
+    # shellcheck disable=SC2046
+    g++ -std=c++20 -Wall -Wextra -Werror "$here/Game/main.cpp" -o game $(pkg-config --cflags --libs flarebox-headless) -Wl,-rpath,'$ORIGIN'
+    cp "$prefix"/lib*/libFlarebox.so.? "$prefix"/lib*/libFlareboxHeadless.so.? .
+    play ./game
+    echo '#include <flarebox.h>
+        int main(void) { return flarebox_version()[0] - 48 != FLAREBOX_VERSION_MAJOR; }' >version.c
+    # shellcheck disable=SC2046
+    gcc -std=c99 -Wpedantic -Werror version.c -o version $(pkg-config --cflags --libs flarebox) -Wl,-rpath,'$ORIGIN'
+    ./version
+    ;;
+FetchContent)
+    # Compiling the whole kit once more takes minutes: unless FLAREBOX_PACKAGE_FULL is set, only the game is compiled with what the fetched
+    # targets tell it, and linked with the installed libraries.
+    fetched=$work/FetchContent
+    fresh "$fetched"
+    quietly cmake -S "$here/FetchContent" -B "$fetched" -G Ninja -DFETCHCONTENT_SOURCE_DIR_FLAREBOX="$source" -DGAME="$here/Game" \
+        -DCMAKE_BUILD_TYPE=Debug
+    if [ "${FLAREBOX_PACKAGE_FULL:-}" ]; then
+        quietly cmake --build "$fetched" --target game
+    else
+        cd "$fetched"
+        ninja -n game >/dev/null || fail "the kit that was fetched cannot be built"
+        compile=$(ninja -t commands game | grep -F -e "-c $here/Game/main.cpp")
+        object=$(sed -E 's/.* -o ([^ ]+) .*/\1/' <<<"$compile")
+        mkdir -p "$(dirname "$object")"
+        quietly bash -c "$compile"
+        libraries=$(echo "$prefix"/lib*)
+        quietly g++ "$object" -o game -L"$libraries" -lFlareboxHeadless -lFlarebox -Wl,-rpath,"$libraries"
+    fi
+    play "$fetched/game"
+    # Nothing of the kit is installed with the game: it would complain that the kit was not built.
+    fresh "$work/installed"
+    DESTDIR=$work/installed quietly cmake --install "$fetched" --prefix /
+    installed=$(cd "$work/installed" && find . -type f)
+    [ "$installed" = ./bin/game ] || fail "the game's installation holds more than the game: $installed"
+    ;;
+*) fail "unknown step $step" ;;
+esac

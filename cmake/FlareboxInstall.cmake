@@ -1,0 +1,82 @@
+# What `cmake --install` puts where, as the components Runtime and Development, and the packages that cpack makes of them. Everything
+# finds its place from where it lies: a prefix may be moved.
+include(GNUInstallDirs)
+include(CMakePackageConfigHelpers)
+set(headers_folder "${CMAKE_INSTALL_INCLUDEDIR}/flarebox")
+set(package_folder "${CMAKE_INSTALL_LIBDIR}/cmake/Flarebox")
+set(pkgconfig_folder "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+file(RELATIVE_PATH prefix_from_pkgconfig "/${pkgconfig_folder}" "/")
+
+# The headers that carry the mark of the public interface, and what they include.
+install(CODE "set(SOURCE \"${PROJECT_SOURCE_DIR}\")
+set(HEADERS_FOLDER \"${headers_folder}\")
+set(HOSTS \"${flarebox_components}\")" COMPONENT Development)
+install(SCRIPT "${PROJECT_SOURCE_DIR}/cmake/InstallHeaders.cmake" COMPONENT Development)
+
+# flarebox_pkgconfig(FILE TITLE LIBRARY REQUIRED PRIVATE_MODULES PRIVATE_LIBRARIES)
+function(flarebox_pkgconfig file pc_title pc_library pc_requires pc_requires_private pc_libraries_private)
+  set(pc_file "${PROJECT_BINARY_DIR}/package/${file}.pc")
+  set(pc_static "")
+  if(FLAREBOX_SHARED)
+    set(pc_requires_private "")
+    set(pc_libraries_private "")
+  elseif(WIN32)
+    set(pc_static " -DFLAREBOX_STATIC")
+  endif()
+  list(JOIN pc_requires_private " " pc_requires_private)
+  configure_file("${PROJECT_SOURCE_DIR}/cmake/Package/flarebox.pc.in" "${pc_file}" @ONLY)
+  install(FILES "${pc_file}" DESTINATION "${pkgconfig_folder}" COMPONENT Development)
+endfunction()
+
+set(private_modules simdjson)
+foreach(name IN LISTS flarebox_private)
+  list(APPEND private_modules ${flarebox_modules_${name}})
+endforeach()
+list(REMOVE_DUPLICATES private_modules)
+set(private_libraries "-lstdc++ -pthread")
+if(FLAREBOX_HAS_3D)
+  string(PREPEND private_libraries "-lfilament_gltfio_core -lfilament -lfilament_backend -lfilament_utils ")
+endif()
+flarebox_pkgconfig(flarebox "Flarebox" Flarebox "" "${private_modules}" "${private_libraries}")
+flarebox_pkgconfig(flarebox-headless "Flarebox without a screen" FlareboxHeadless "flarebox = ${PROJECT_VERSION}" "cairo" "")
+if(FLAREBOX_SDL)
+  flarebox_pkgconfig(flarebox-sdl "Flarebox for SDL2" FlareboxSDL "flarebox = ${PROJECT_VERSION} sdl2" "" "")
+endif()
+if(FLAREBOX_OPENGL)
+  flarebox_pkgconfig(flarebox-opengl "Flarebox for OpenGL" FlareboxOpenGL "flarebox = ${PROJECT_VERSION}" "" "")
+endif()
+
+# One export for each component, so that a project is asked for nothing but what its components need.
+foreach(component IN ITEMS "" LISTS flarebox_components)
+  set(library Flarebox${component})
+  install(TARGETS ${library} EXPORT ${library}Targets
+    RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT Runtime
+    LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT Runtime NAMELINK_COMPONENT Development
+    ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT Development)
+  install(EXPORT ${library}Targets NAMESPACE Flarebox:: DESTINATION "${package_folder}" COMPONENT Development)
+endforeach()
+target_include_directories(Flarebox INTERFACE
+  "$<INSTALL_INTERFACE:${headers_folder}>" "$<INSTALL_INTERFACE:${headers_folder}/Flarebox/C>")
+
+# What the package's file has to find: name and modules of everything that a static kit is linked with.
+set(package_modules "")
+if(NOT FLAREBOX_SHARED)
+  foreach(name IN LISTS flarebox_private)
+    string(APPEND package_modules "\n  flarebox_needs(${name} ${flarebox_modules_${name}})")
+  endforeach()
+  string(REPLACE ";" " " package_modules "${package_modules}")
+endif()
+list(JOIN flarebox_components ", " component_list)
+configure_package_config_file("${PROJECT_SOURCE_DIR}/cmake/Package/FlareboxConfig.cmake.in"
+  "${PROJECT_BINARY_DIR}/package/FlareboxConfig.cmake" INSTALL_DESTINATION "${package_folder}" NO_CHECK_REQUIRED_COMPONENTS_MACRO)
+write_basic_package_version_file("${PROJECT_BINARY_DIR}/package/FlareboxConfigVersion.cmake" COMPATIBILITY SameMinorVersion)
+install(FILES "${PROJECT_BINARY_DIR}/package/FlareboxConfig.cmake" "${PROJECT_BINARY_DIR}/package/FlareboxConfigVersion.cmake"
+  DESTINATION "${package_folder}" COMPONENT Development)
+foreach(component IN ITEMS Runtime Development)
+  install(FILES "${PROJECT_SOURCE_DIR}/LICENSE" DESTINATION "${CMAKE_INSTALL_DATADIR}/licenses/flarebox" RENAME "LICENSE-${component}"
+    COMPONENT ${component})
+endforeach()
+
+if(PROJECT_IS_TOP_LEVEL)
+  include(cmake/FlareboxPackages.cmake)
+endif()
