@@ -8,8 +8,10 @@
 #include <Flarebox/Views/VideoView.h>
 #include <Foundation/NSFileManager.h>
 #include <SceneKit/SCNView.h>
+#include <UIKit/UIAccessibility.h>
 #include <UIKit/UIActivityIndicatorView.h>
 #include <UIKit/UIButton.h>
+#include <UIKit/UIFocusSystem.h>
 #include <UIKit/UIImageView.h>
 #include <UIKit/UIWindow.h>
 
@@ -127,11 +129,30 @@ Value dumpVideo(const FlareboxView& tab) {
     return video;
 }
 
+Value dumpElements(UIWindow* window) {
+    NSMutableArray elements = NSMutableArray::array();
+    if (!window) return elements;
+    for (const UIAccessibilityElement& element : accessibilityElementsOf(*window)) {
+        const CGRect& frame = element.frame;
+        NSMutableDictionary entry = NSMutableDictionary::dictionary();
+        entry.setObject(nameOf(element.role), "role");
+        entry.setObject(orNull(element.label), "name");
+        if (element.value) entry.setObject(element.value, "value");
+        entry.setObject(!contains(element.traits, UIAccessibilityTraits::NotEnabled), "enabled");
+        entry.setObject(contains(element.traits, UIAccessibilityTraits::Selected), "selected");
+        const UIFocusSystem& focus = window->focusSystem();
+        entry.setObject(focus.showsRing() && focus.focusedView() == element.view.get(), "focused");
+        entry.setObject(NSArray{frame.minX(), frame.minY(), frame.width(), frame.height()}, "frame");
+        elements.addObject(entry);
+    }
+    return elements;
+}
+
 }  // namespace
 
 NSDictionary dump(Game& game) {
     const FlareboxView& tab = game.tab();
-    const UIWindow* window = game.window();
+    UIWindow* window = game.window();
     return {
         {"isOpened", tab.isOpened()},
         {"currentAssetMode", static_cast<std::uint64_t>(tab.currentAssetMode())},
@@ -150,6 +171,7 @@ NSDictionary dump(Game& game) {
         {"tabsInWindow", window ? countTabs(*window) : 0},
         {"cells", dumpCells(tab)},
         {"views", dumpFields(tab)},
+        {"accessibility", dumpElements(window)},
     };
 }
 

@@ -95,6 +95,37 @@ Failure callChangeRefresh(Game& game, Arguments arguments) {
     return std::nullopt;
 }
 
+template <auto Operation>
+Failure onHost(Game& game, Arguments) {
+    (game.screen().host().*Operation)();
+    return std::nullopt;
+}
+
+Failure callSetInterfaceScale(Game& game, Arguments arguments) {
+    const auto scale = parseNumber(arguments[0]);
+    if (!scale) return wants("a number", arguments[0]);
+    game.screen().host().setInterfaceScale(*scale);
+    return std::nullopt;
+}
+
+Failure callSetSafeAreaInsets(Game& game, Arguments arguments) {
+    double insets[4] = {};
+    for (std::size_t i = 0; i < std::size(insets); ++i) {
+        const auto inset = parseNumber(arguments[i]);
+        if (!inset) return wants("a number", arguments[i]);
+        insets[i] = *inset;
+    }
+    game.screen().host().setSafeAreaInsets({insets[0], insets[1], insets[2], insets[3]});
+    return std::nullopt;
+}
+
+Failure callSetReduceMotion(Game& game, Arguments arguments) {
+    const auto reduce = parseBool(arguments[0]);
+    if (!reduce) return wants("true or false", arguments[0]);
+    game.screen().host().setReduceMotion(*reduce);
+    return std::nullopt;
+}
+
 Failure callDeviceUID(Game&, Arguments) {
     std::printf("deviceUID %s\n", FlareboxConfig::deviceUID().string().c_str());
     std::fflush(stdout);
@@ -125,6 +156,11 @@ constexpr OperationKind operations[] = {
     {"setGameUID", 1, 1, callSetGameUID},
     {"openKestrinProd", 0, 0, plain<&FlareboxView::openKestrinProd>},
     {"openKestrinDev", 0, 0, plain<&FlareboxView::openKestrinDev>},
+    {"takeFocus", 0, 0, onHost<&UIHost::takeFocus>},
+    {"giveBackFocus", 0, 0, onHost<&UIHost::giveBackFocus>},
+    {"setInterfaceScale", 1, 1, callSetInterfaceScale},
+    {"setSafeAreaInsets", 4, 4, callSetSafeAreaInsets},
+    {"setReduceMotion", 1, 1, callSetReduceMotion},
     {"updateWithNewGameUDID", 0, 0, plain<&FlareboxView::updateWithNewGameUDID>},
 };
 

@@ -88,7 +88,7 @@ const Runner::CommandKind* Runner::kindOf(const Command& command) {
         {"service", "PATH status N|slow SECONDS|cut|hang|answer FILE|normal, or normal", 1, 3, &Runner::setService},
         {"orientation", "unknown|portrait|upside-down|landscape-left|landscape-right|face-up|face-down [WxH]", 1, 2,
          &Runner::setOrientation},
-        {"call", "OPERATION [ARGUMENT]", 1, 3, &Runner::call},
+        {"call", "OPERATION [ARGUMENT]", 1, 5, &Runner::call},
         {"screenshot", "FILE.png", 1, 1, &Runner::savePicture},
         {"dump", "FILE.json", 1, 1, &Runner::saveDump},
     };

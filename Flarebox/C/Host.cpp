@@ -1,6 +1,5 @@
-#include <Flarebox/C/Guard.h>
+#include <Flarebox/C/Hosts.h>
 #include <Foundation/Immortal.h>
-#include <UIKit/UIHost.h>
 
 #include <cmath>
 
@@ -53,27 +52,19 @@ bool isScreen(double width, double height, double scale) {
 
 constexpr const char* noScreen = "width, height and scale have to be positive numbers";
 
-struct Host {
-    Host(CGSize size, double scale, const flarebox_renderer& renderer) : compositor(renderer), panel(size, scale) {}
-    ~Host() { panel.releaseTextures(compositor); }
+}  // namespace
 
-    RendererCompositor compositor;
-    UIHost panel;
-};
+Host::Host(CGSize size, double scale, const flarebox_renderer& renderer)
+    : compositor(std::make_unique<RendererCompositor>(renderer)), panel(size, scale) {}
+
+Host::~Host() {
+    panel.releaseTextures(*compositor);
+}
 
 Handles<Host, flarebox_host>& hosts() {
     static detail::Immortal<Handles<Host, flarebox_host>> hosts;
     return *hosts;
 }
-
-template <class Input>
-bool consumes(flarebox_host* handle, const Input& input) {
-    InputResult result = InputResult::Ignored;
-    with(hosts(), handle, [&](Host& object) { result = input(object.panel); });
-    return result == InputResult::Consumed;
-}
-
-}  // namespace
 
 }  // namespace flarebox::c
 
@@ -154,11 +145,11 @@ bool flarebox_host_needs_display(flarebox_host* host) {
 }
 
 flarebox_result flarebox_host_draw(flarebox_host* host) {
-    return with(hosts(), host, [](Host& object) { object.panel.draw(object.compositor); });
+    return with(hosts(), host, [](Host& object) { object.panel.draw(*object.compositor); });
 }
 
 flarebox_result flarebox_host_release_textures(flarebox_host* host) {
-    return with(hosts(), host, [](Host& object) { object.panel.releaseTextures(object.compositor); });
+    return with(hosts(), host, [](Host& object) { object.panel.releaseTextures(*object.compositor); });
 }
 
 }  // extern "C"

@@ -51,49 +51,53 @@ typedef enum flarebox_result {
     FLAREBOX_FAILED = 4 /* flarebox_last_error says why */
 } flarebox_result;
 
-/* Why the last function of this thread that did not succeed did not; "" before. Valid until the next call. Any thread. */
-FLAREBOX_API const char *flarebox_last_error(void);
+/* Why the last function of this thread that did not succeed did not; "" before. Valid until the next call. Any thread.
+ */
+FLAREBOX_API const char* flarebox_last_error(void);
 /* The version of the library, as "0.1.0". Any thread. */
-FLAREBOX_API const char *flarebox_version(void);
+FLAREBOX_API const char* flarebox_version(void);
 
 /* --- Configuration ------------------------------------------------------------------------------------------------ */
 
 /* Texts may be null: then the service is told null, or the kit decides. Later versions add fields at the end. */
 typedef struct flarebox_configuration {
     size_t struct_size;       /* set by FLAREBOX_CONFIGURATION */
-    const char *game_uid;     /* names the game to the service; without it nothing is loaded */
-    const char *game_version; /* the same */
-    const char *api_url;   /* the service's address; null: that of the resources' Info.plist. Fixed by the first request */
-    const char *resources; /* folder of files in place of the kit's own; null: see FlareboxBundle.h. Fixed by the first tab */
-    const char *documents; /* folder for models, the kit's alone; null: the application's documents folder */
-    const char *device_id; /* advertising identifier; null: the kit makes one where the player allows it */
-    const char *first_name; /* of the player, as far as the game knows and may tell; so are those that follow */
-    const char *last_name;  /* family name */
-    const char *sex;        /* as the service wants it written */
-    const char *state;      /* part of the country */
-    const char *city;       /* where the player lives */
-    const char *country;    /* as the service wants it written */
+    const char* game_uid;     /* names the game to the service; without it nothing is loaded */
+    const char* game_version; /* the same */
+    const char*
+        api_url; /* the service's address; null: that of the resources' Info.plist. Fixed by the first request */
+    const char*
+        resources; /* folder of files in place of the kit's own; null: see FlareboxBundle.h. Fixed by the first tab */
+    const char* documents;   /* folder for models, the kit's alone; null: the application's documents folder */
+    const char* device_id;   /* advertising identifier; null: the kit makes one where the player allows it */
+    const char* first_name;  /* of the player, as far as the game knows and may tell; so are those that follow */
+    const char* last_name;   /* family name */
+    const char* sex;         /* as the service wants it written */
+    const char* state;       /* part of the country */
+    const char* city;        /* where the player lives */
+    const char* country;     /* as the service wants it written */
     int32_t age;             /* in years; 0: unknown */
     int32_t refresh_seconds; /* between two lists; 0: 180 */
     bool enable_logging;     /* false: nothing is logged, whatever the level */
-    uint32_t log_level; /* 1 everything, 2 warnings and errors, 3 errors */
+    uint32_t log_level;      /* 1 everything, 2 warnings and errors, 3 errors */
 } flarebox_configuration;
 
 /* Starting values: nothing known, warnings and errors logged. */
-#define FLAREBOX_CONFIGURATION {sizeof(flarebox_configuration), 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, true, 2}
+#define FLAREBOX_CONFIGURATION \
+    { sizeof(flarebox_configuration), 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, true, 2 }
 
 /* Before the first tab; a later call replaces what an earlier one said. Does not take the struct over. */
-FLAREBOX_API flarebox_result flarebox_configure(const flarebox_configuration *configuration);
+FLAREBOX_API flarebox_result flarebox_configure(const flarebox_configuration* configuration);
 
 /* Takes all messages from now on, in place of standard error; null: standard error again. Called on any thread, one
  * call at a time; levels as above. Any thread. */
-typedef void (*flarebox_log_sink)(void *context, int32_t level, const char *message);
+typedef void (*flarebox_log_sink)(void* context, int32_t level, const char* message);
 /* `context` is handed to the sink. The former sink is not called any more once this returns. */
-FLAREBOX_API void flarebox_set_log_sink(flarebox_log_sink sink, void *context);
+FLAREBOX_API void flarebox_set_log_sink(flarebox_log_sink sink, void* context);
 
-/* The look of a brand, from a theme file; null: the kit's own. Tabs follow at once. A file that cannot be read fails and
- * changes nothing; of one that can, what is wrong is left out and told in the log. */
-FLAREBOX_API flarebox_result flarebox_set_theme(const char *file);
+/* The look of a brand, from a theme file; null: the kit's own. Tabs follow at once. A file that cannot be read fails
+ * and changes nothing; of one that can, what is wrong is left out and told in the log. */
+FLAREBOX_API flarebox_result flarebox_set_theme(const char* file);
 
 /* The switch for the sound of all videos. */
 FLAREBOX_API flarebox_result flarebox_set_muted(bool muted);
@@ -128,24 +132,25 @@ typedef struct flarebox_quad {
  * only inside flarebox_host_draw, flarebox_host_release_textures and flarebox_host_destroy. */
 typedef struct flarebox_renderer {
     size_t struct_size; /* set by FLAREBOX_RENDERER */
-    void *context; /* handed to every function */
+    void* context;      /* handed to every function */
     /* A texture of that many pixels; 0 when it cannot be made. */
-    uint32_t (*create_texture)(void *context, int32_t width, int32_t height);
+    uint32_t (*create_texture)(void* context, int32_t width, int32_t height);
     /* Copies pixels into a part of a texture: 0xAARRGGBB in the machine's byte order, rows of `stride` pixels. */
-    void (*update_texture)(void *context, uint32_t texture, int32_t x, int32_t y, int32_t width, int32_t height,
-                           const uint32_t *pixels, int32_t stride);
+    void (*update_texture)(void* context, uint32_t texture, int32_t x, int32_t y, int32_t width, int32_t height,
+                           const uint32_t* pixels, int32_t stride);
     /* Gives a texture back; no rectangle names it any more. */
-    void (*destroy_texture)(void *context, uint32_t texture);
+    void (*destroy_texture)(void* context, uint32_t texture);
     /* Over what was drawn before. The rectangle is gone after the call. */
-    void (*draw_quad)(void *context, const flarebox_quad *quad);
-    void (*begin_frame)(void *context); /* before the first rectangle of a frame, after its textures; may be null */
-    void (*end_frame)(void *context);   /* after the last one; may be null */
-    int32_t maximum_texture_size; /* longest side in pixels; 0: 4096 */
-    bool straight_alpha;          /* pixels carry their colour as it is; false: multiplied by their alpha */
+    void (*draw_quad)(void* context, const flarebox_quad* quad);
+    void (*begin_frame)(void* context); /* before the first rectangle of a frame, after its textures; may be null */
+    void (*end_frame)(void* context);   /* after the last one; may be null */
+    int32_t maximum_texture_size;       /* longest side in pixels; 0: 4096 */
+    bool straight_alpha;                /* pixels carry their colour as it is; false: multiplied by their alpha */
 } flarebox_renderer;
 
 /* Starting values: no functions yet. */
-#define FLAREBOX_RENDERER {sizeof(flarebox_renderer), 0, 0, 0, 0, 0, 0, 0, 0, false}
+#define FLAREBOX_RENDERER \
+    { sizeof(flarebox_renderer), 0, 0, 0, 0, 0, 0, 0, 0, false }
 
 /* How a device is held. */
 typedef enum flarebox_orientation {
@@ -157,42 +162,106 @@ typedef enum flarebox_orientation {
 
 /* Size in points, scale in pixels per point. The renderer's functions and context have to outlive the host. Null, with
  * flarebox_last_error, when an argument is wrong or there is a host already. */
-FLAREBOX_API flarebox_host *flarebox_host_create(double width, double height, double scale,
-                                                 const flarebox_renderer *renderer);
+FLAREBOX_API flarebox_host* flarebox_host_create(double width, double height, double scale,
+                                                 const flarebox_renderer* renderer);
 /* Gives all textures back and stops the kit's threads, within 200 ms. Not inside a callback. Null: nothing. */
-FLAREBOX_API flarebox_result flarebox_host_destroy(flarebox_host *host);
+FLAREBOX_API flarebox_result flarebox_host_destroy(flarebox_host* host);
 /* The window has another size, in points, or another scale, in pixels per point. The orientation stays. */
-FLAREBOX_API flarebox_result flarebox_host_set_screen(flarebox_host *host, double width, double height, double scale);
+FLAREBOX_API flarebox_result flarebox_host_set_screen(flarebox_host* host, double width, double height, double scale);
 /* A flarebox_orientation, for a game that knows it; others are refused. */
-FLAREBOX_API flarebox_result flarebox_host_set_orientation(flarebox_host *host, int32_t orientation);
+FLAREBOX_API flarebox_result flarebox_host_set_orientation(flarebox_host* host, int32_t orientation);
 
 /* Input, in points. True: the panel used it; false: it is the game's, or the call was refused. `pointer` tells fingers
  * apart, the mouse is 0. */
-FLAREBOX_API bool flarebox_host_pointer_down(flarebox_host *host, int32_t pointer, double x, double y);
+FLAREBOX_API bool flarebox_host_pointer_down(flarebox_host* host, int32_t pointer, double x, double y);
 /* While it is down. */
-FLAREBOX_API bool flarebox_host_pointer_moved(flarebox_host *host, int32_t pointer, double x, double y);
+FLAREBOX_API bool flarebox_host_pointer_moved(flarebox_host* host, int32_t pointer, double x, double y);
 /* What it pressed is performed, if it still lies under it. */
-FLAREBOX_API bool flarebox_host_pointer_up(flarebox_host *host, int32_t pointer, double x, double y);
+FLAREBOX_API bool flarebox_host_pointer_up(flarebox_host* host, int32_t pointer, double x, double y);
 /* The mouse moved without a button pressed. */
-FLAREBOX_API bool flarebox_host_pointer_hovered(flarebox_host *host, double x, double y);
+FLAREBOX_API bool flarebox_host_pointer_hovered(flarebox_host* host, double x, double y);
 /* The press ends without performing anything: its end was lost, as the window lost the focus. */
-FLAREBOX_API flarebox_result flarebox_host_pointer_cancelled(flarebox_host *host, int32_t pointer);
+FLAREBOX_API flarebox_result flarebox_host_pointer_cancelled(flarebox_host* host, int32_t pointer);
 /* The mouse left the window. */
-FLAREBOX_API flarebox_result flarebox_host_pointer_left(flarebox_host *host);
+FLAREBOX_API flarebox_result flarebox_host_pointer_left(flarebox_host* host);
 /* The wheel over a point: points by which the content moves on, to its right end and to its bottom. */
-FLAREBOX_API bool flarebox_host_scrolled(flarebox_host *host, double x, double y, double dx, double dy);
-/* "escape", "return", "space", "left", ... */
-FLAREBOX_API bool flarebox_host_key_down(flarebox_host *host, const char *key);
+FLAREBOX_API bool flarebox_host_scrolled(flarebox_host* host, double x, double y, double dx, double dy);
+
+/* Keys and game controllers. They are the game's until it gives them to the panel with the key that it has for that;
+ * while the panel shows an alert or a video over everything, they are the panel's anyway. Closing the tab, and a touch
+ * on the game's own picture, give them back. */
+typedef enum flarebox_press {
+    FLAREBOX_PRESS_UP = 0,
+    FLAREBOX_PRESS_DOWN = 1,
+    FLAREBOX_PRESS_LEFT = 2,
+    FLAREBOX_PRESS_RIGHT = 3,
+    FLAREBOX_PRESS_SELECT = 4,     /* A: activates what has the ring */
+    FLAREBOX_PRESS_BACK = 5,       /* B */
+    FLAREBOX_PRESS_PLAY_PAUSE = 6, /* X */
+    FLAREBOX_PRESS_PAGE_UP = 30,   /* the left shoulder: the previous mode */
+    FLAREBOX_PRESS_PAGE_DOWN = 31  /* the right shoulder */
+} flarebox_press;
+FLAREBOX_API flarebox_result flarebox_host_take_focus(flarebox_host* host);
+FLAREBOX_API flarebox_result flarebox_host_give_back_focus(flarebox_host* host);
+FLAREBOX_API bool flarebox_host_has_focus(flarebox_host* host);
+FLAREBOX_API bool flarebox_host_press(flarebox_host* host, int32_t press);
+/* In lower case: "left", "right", "up", "down", "return", "space", "escape", "pageup" and "pagedown" are presses; "tab"
+ * and "backtab" go on to the next and the previous element. */
+FLAREBOX_API bool flarebox_host_key_down(flarebox_host* host, const char* key);
+/* Where the right stick is, from -1 to 1 to the right and down, whenever it moves. */
+FLAREBOX_API bool flarebox_host_stick_moved(flarebox_host* host, double x, double y);
+
+/* How many times as large as on a phone everything is shown, 1 to 3, for a television across the room. */
+FLAREBOX_API flarebox_result flarebox_host_set_interface_scale(flarebox_host* host, double scale);
+/* What a notch or a television's edge covers, in points, not less than 0: text and controls keep away from it. */
+FLAREBOX_API flarebox_result flarebox_host_set_safe_area(flarebox_host* host, double top, double left, double bottom,
+                                                         double right);
+/* Nothing slides, fades or turns by itself. */
+FLAREBOX_API flarebox_result flarebox_host_set_reduce_motion(flarebox_host* host, bool reduce);
+
+/* What assistive technology can tell of the panel. */
+typedef enum flarebox_role {
+    FLAREBOX_ROLE_TEXT = 1,
+    FLAREBOX_ROLE_BUTTON = 2,
+    FLAREBOX_ROLE_IMAGE = 3,
+    FLAREBOX_ROLE_ADJUSTABLE = 4,
+    FLAREBOX_ROLE_VIDEO = 5,
+    FLAREBOX_ROLE_PROGRESS = 6, /* something is under way */
+    FLAREBOX_ROLE_LIST = 7,     /* its items follow */
+    FLAREBOX_ROLE_LIST_ITEM = 8,
+    FLAREBOX_ROLE_ALERT = 9 /* its texts and buttons follow, and there is nothing else */
+} flarebox_role;
+
+enum { FLAREBOX_STATE_DISABLED = 1, FLAREBOX_STATE_SELECTED = 2, FLAREBOX_STATE_FOCUSED = 4 };
+
+/* Later versions add fields at the end; struct_size says how much of it this version fills. */
+typedef struct flarebox_element {
+    size_t struct_size;
+    uint64_t id;       /* of no other element; kept as long as it is there */
+    const char* name;  /* for people, in their language */
+    const char* value; /* what it stands at; "" for nothing */
+    int32_t role;      /* flarebox_role; take those that you do not know for text */
+    uint32_t state;    /* FLAREBOX_STATE_..., in bits */
+    flarebox_rect frame;
+} flarebox_element;
+typedef void (*flarebox_element_visitor)(void* context, const flarebox_element* element);
+/* Tells of everything that is in sight, in reading order, frames in points of the host. Returns how many; the visitor
+ * may be null. */
+FLAREBOX_API size_t flarebox_host_visit_elements(flarebox_host* host, flarebox_element_visitor visitor, void* context);
+/* Does what a tap on the element does. False where nothing can be done, or it is not there any more. */
+FLAREBOX_API bool flarebox_host_activate_element(flarebox_host* host, uint64_t id);
+/* Moves what an adjustable element stands at by steps, back where negative. */
+FLAREBOX_API bool flarebox_host_adjust_element(flarebox_host* host, uint64_t id, int32_t steps);
 
 /* Once a frame: everything that is due on the main thread, for at most about `budget` seconds. Does nothing inside a
  * callback, as flarebox_host_draw does. */
-FLAREBOX_API flarebox_result flarebox_host_update(flarebox_host *host, double budget);
+FLAREBOX_API flarebox_result flarebox_host_update(flarebox_host* host, double budget);
 /* Whether the picture differs from the one last drawn. */
-FLAREBOX_API bool flarebox_host_needs_display(flarebox_host *host);
+FLAREBOX_API bool flarebox_host_needs_display(flarebox_host* host);
 /* Over the game's picture. */
-FLAREBOX_API flarebox_result flarebox_host_draw(flarebox_host *host);
+FLAREBOX_API flarebox_result flarebox_host_draw(flarebox_host* host);
 /* The renderer has lost its textures, or is about to: all are given back and made again by the next drawing. */
-FLAREBOX_API flarebox_result flarebox_host_release_textures(flarebox_host *host);
+FLAREBOX_API flarebox_result flarebox_host_release_textures(flarebox_host* host);
 
 /* --- Tab ---------------------------------------------------------------------------------------------------------- */
 
@@ -204,49 +273,50 @@ typedef enum flarebox_mode { FLAREBOX_MODE_2D = 0, FLAREBOX_MODE_3D = 1, FLAREBO
 
 /* What a game can follow; any function may be null. Called on the main thread, after each change. */
 typedef struct flarebox_observer {
-    size_t struct_size; /* set by FLAREBOX_OBSERVER */
-    void *context; /* handed to every function */
-    void (*opened)(void *context, flarebox_tab *tab); /* it starts to slide in */
-    void (*closed)(void *context, flarebox_tab *tab); /* it starts to slide out, or was removed */
+    size_t struct_size;                               /* set by FLAREBOX_OBSERVER */
+    void* context;                                    /* handed to every function */
+    void (*opened)(void* context, flarebox_tab* tab); /* it starts to slide in */
+    void (*closed)(void* context, flarebox_tab* tab); /* it starts to slide out, or was removed */
     /* Another product is shown, by the player's choice or as the first of a list. */
-    void (*asset_selected)(void *context, flarebox_tab *tab, const char *uid, const char *title);
+    void (*asset_selected)(void* context, flarebox_tab* tab, const char* uid, const char* title);
     /* The content area shows another of the product's sides. */
-    void (*mode_changed)(void *context, flarebox_tab *tab, flarebox_mode mode);
+    void (*mode_changed)(void* context, flarebox_tab* tab, flarebox_mode mode);
     /* The service has it, now or from an earlier time. */
-    void (*coupon_saved)(void *context, flarebox_tab *tab, const char *uid);
+    void (*coupon_saved)(void* context, flarebox_tab* tab, const char* uid);
     /* The player is about to leave the game. False: the link is not opened. */
-    bool (*should_open_link)(void *context, flarebox_tab *tab, const char *url);
+    bool (*should_open_link)(void* context, flarebox_tab* tab, const char* url);
     /* A session or a list could not be had; the tab tries again with its next refresh. */
-    void (*load_failed)(void *context, flarebox_tab *tab, int32_t code, const char *reason);
+    void (*load_failed)(void* context, flarebox_tab* tab, int32_t code, const char* reason);
 } flarebox_observer;
 
 /* Starting values: no functions yet. */
-#define FLAREBOX_OBSERVER {sizeof(flarebox_observer), 0, 0, 0, 0, 0, 0, 0, 0}
+#define FLAREBOX_OBSERVER \
+    { sizeof(flarebox_observer), 0, 0, 0, 0, 0, 0, 0, 0 }
 
 /* Starts to load. Null, with flarebox_last_error, without the kit's resources. */
-FLAREBOX_API flarebox_tab *flarebox_tab_create(void);
+FLAREBOX_API flarebox_tab* flarebox_tab_create(void);
 /* Removes the tab and lets it go; its observer is not called any more. Null: nothing. */
-FLAREBOX_API flarebox_result flarebox_tab_destroy(flarebox_tab *tab);
+FLAREBOX_API flarebox_result flarebox_tab_destroy(flarebox_tab* tab);
 /* Copies the observer; null: nobody observes any more. */
-FLAREBOX_API flarebox_result flarebox_tab_set_observer(flarebox_tab *tab, const flarebox_observer *observer);
+FLAREBOX_API flarebox_result flarebox_tab_set_observer(flarebox_tab* tab, const flarebox_observer* observer);
 /* Attaches the tab, closed, to the host's window 0.1 seconds from now. */
-FLAREBOX_API flarebox_result flarebox_tab_show(flarebox_tab *tab);
+FLAREBOX_API flarebox_result flarebox_tab_show(flarebox_tab* tab);
 /* Takes it out of the window; it can be shown again. */
-FLAREBOX_API flarebox_result flarebox_tab_remove(flarebox_tab *tab);
+FLAREBOX_API flarebox_result flarebox_tab_remove(flarebox_tab* tab);
 /* Over 0.3 seconds, or at once. An open tab stays as it is. */
-FLAREBOX_API flarebox_result flarebox_tab_open(flarebox_tab *tab, bool animated);
+FLAREBOX_API flarebox_result flarebox_tab_open(flarebox_tab* tab, bool animated);
 /* The same the other way. */
-FLAREBOX_API flarebox_result flarebox_tab_close(flarebox_tab *tab, bool animated);
+FLAREBOX_API flarebox_result flarebox_tab_close(flarebox_tab* tab, bool animated);
 /* False also for a tab that was not shown yet. */
-FLAREBOX_API bool flarebox_tab_is_open(flarebox_tab *tab);
+FLAREBOX_API bool flarebox_tab_is_open(flarebox_tab* tab);
 /* The open button at the tab's edge. Hiding it closes the tab. */
-FLAREBOX_API flarebox_result flarebox_tab_show_button(flarebox_tab *tab, bool show);
+FLAREBOX_API flarebox_result flarebox_tab_show_button(flarebox_tab* tab, bool show);
 /* 0, invisible, to 1. */
-FLAREBOX_API flarebox_result flarebox_tab_set_button_alpha(flarebox_tab *tab, double alpha);
+FLAREBOX_API flarebox_result flarebox_tab_set_button_alpha(flarebox_tab* tab, double alpha);
 /* Seconds between two lists; 0: 180. */
-FLAREBOX_API flarebox_result flarebox_tab_set_refresh(flarebox_tab *tab, int32_t seconds);
+FLAREBOX_API flarebox_result flarebox_tab_set_refresh(flarebox_tab* tab, int32_t seconds);
 /* Starts anew with what is configured now. */
-FLAREBOX_API flarebox_result flarebox_tab_reload(flarebox_tab *tab);
+FLAREBOX_API flarebox_result flarebox_tab_reload(flarebox_tab* tab);
 
 #ifdef __cplusplus
 }

@@ -1,5 +1,6 @@
 #include <Flarebox/Core/Logging.h>
 #include <Flarebox/Views/AssetCollectionViewCell.h>
+#include <Flarebox/Views/Translation.h>
 #include <Networking/UIImageView+AFNetworking.h>
 #include <UIKit/UIActivityIndicatorView.h>
 #include <UIKit/UIImageView.h>
@@ -25,6 +26,7 @@ void AssetCollectionViewCell::loadCellData(const Ref<FXAssetInfo>& asset, bool s
     asset_ = asset;
     imgAsset_->layer().setCornerRadius(bounds().width() / 2);
     focusCell(selected);
+    setAccessibilityLabel(spokenTitle(*asset));
     imgAsset_->setImage(nullptr);
     hideLoading();
     iconAddress_ = NSURL::URLWithString(asset->fileIcon());
@@ -50,6 +52,8 @@ void AssetCollectionViewCell::loadIcon(const NSURL& address) {
 }
 
 void AssetCollectionViewCell::focusCell(bool focused) {
+    using enum UIAccessibilityTraits;
+    setAccessibilityTraits(focused ? Selected : None);
     const CGFloat width = focused ? 1.0 : 0.0;
     if (imgAsset_->layer().borderWidth() == width) return;
     imgAsset_->layer().setBorderWidth(width);

@@ -27,6 +27,8 @@ public:
     UIActivityIndicatorView* indicator() const { return indicator_.get(); }
 
     void awakeFromNib() override;
+    /// Round, as the picture.
+    CGFloat focusRingRadius() const override { return bounds().width() / 2; }
 
 private:
     void loadIcon(const NSURL& address);

@@ -1,5 +1,6 @@
 #include <Flarebox/Views/CheckMarkView.h>
 #include <Foundation/Clock.h>
+#include <UIKit/UIAccessibility.h>
 
 #include <algorithm>
 #include <cmath>
@@ -31,9 +32,10 @@ CheckMarkView::~CheckMarkView() = default;
 
 void CheckMarkView::draw() {
     startTime_ = Clock::current().uptime();
-    progress_ = 0;
-    link_ = std::make_unique<CADisplayLink>([this](double now) { advance(now); });
+    progress_ = UIAccessibilityIsReduceMotionEnabled() ? 1 : 0;
     setNeedsDisplay();
+    if (progress_ == 1) return;
+    link_ = std::make_unique<CADisplayLink>([this](double now) { advance(now); });
 }
 
 void CheckMarkView::advance(double now) {

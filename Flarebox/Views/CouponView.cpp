@@ -7,9 +7,11 @@
 #include <Flarebox/Views/Translation.h>
 #include <UIKit/UIActivityIndicatorView.h>
 #include <UIKit/UIButton.h>
+#include <UIKit/UIFocusSystem.h>
 #include <UIKit/UIImageView.h>
 #include <UIKit/UILabel.h>
 #include <UIKit/UINib.h>
+#include <UIKit/UIWindow.h>
 
 #include <vector>
 
@@ -59,6 +61,7 @@ void CouponView::awakeFromNib() {
     UIView::awakeFromNib();
     setTranslatesAutoresizingMaskIntoConstraints(false);
     translateTexts(*this);
+    setAccessibilityContainerType(UIAccessibilityContainerType::SemanticGroup);
 }
 
 void CouponView::layoutSubviews() {
@@ -103,6 +106,12 @@ void CouponView::show(State state, const NSString& message) {
     checkMark_->setHidden(state != State::Saved);
     if (state == State::Saved) checkMark_->draw();
     imgFailed_->setHidden(state != State::Failed);
+    UIWindow* const window = isSaving ? nullptr : this->window();
+    if (window) window->focusSystem().requestFocus(*btnClose_);
+}
+
+void CouponView::goBack() {
+    if (!btnClose_->isHidden()) pressCloseButton();
 }
 
 void CouponView::pressKestrinApp() {

@@ -40,6 +40,8 @@ public:
     /// The asset whose coupon was asked for last; null before.
     const Ref<FXAssetInfo>& asset() const { return asset_; }
 
+    /// What Escape does: closes an overlay that can be left.
+    void goBack();
     /// Saves at once, in the current game session. Null does nothing.
     void saveCoupon(const Ref<FXAssetInfo>& asset);
 

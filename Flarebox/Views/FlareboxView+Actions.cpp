@@ -4,6 +4,7 @@
 #include <Flarebox/Views/UIView+extends.h>
 #include <UIKit/UIApplication.h>
 #include <UIKit/UIButton.h>
+#include <UIKit/UIFocusSystem.h>
 #include <UIKit/UIWindow.h>
 
 #include <string>
@@ -71,6 +72,7 @@ void FlareboxView::closeCouponView(CouponView&) {
     if (!couponView_) return;
     couponView_->setHidden(true);
     assetView_->sendSubviewToBack(*couponView_);
+    if (UIWindow* window = this->window()) window->focusSystem().requestFocus(*btnCoupon_);
 }
 
 void FlareboxView::couponViewDidSave(CouponView& view) {

@@ -1,8 +1,10 @@
 #include <Flarebox/Core/Logging.h>
 #include <Flarebox/Views/AssetCollectionViewCell.h>
 #include <Flarebox/Views/FlareboxView.h>
+#include <Flarebox/Views/Translation.h>
 #include <Flarebox/Views/UIButton+extends.h>
 #include <Networking/UIImageView+AFNetworking.h>
+#include <SceneKit/SCNView.h>
 #include <UIKit/UIButton.h>
 #include <UIKit/UIImageView.h>
 #include <UIKit/UILabel.h>
@@ -49,6 +51,8 @@ void FlareboxView::selectAsset(const Ref<FXAssetInfo>& asset) {
     currentAsset_ = asset;
     lbAssetTitle_->setText(asset->title());
     lbAssetDesc_->setText(asset->_description());
+    imgAssetContent_->setAccessibilityLabel(spokenTitle(*asset));
+    if (scnContent_) scnContent_->scnView().setAccessibilityLabel(spokenTitle(*asset));
     loadAssetPicture(asset->fileImage());
     load3DModel(asset);
     if (videoView_) videoView_->loadAssetVideo(asset);

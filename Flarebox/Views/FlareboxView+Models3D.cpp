@@ -8,7 +8,6 @@
 #include <SceneKit/ZorbRenderer.h>
 #include <SceneKit/ZorbRendererUtils.h>
 #include <UIKit/UIApplication.h>
-#include <UIKit/UIScreen.h>
 #include <UIKit/UIWindow.h>
 
 #include <algorithm>
@@ -17,7 +16,7 @@
 namespace flarebox {
 namespace {
 
-constexpr double fullScreenButtonWidth = 36, designScreenHeight = 600;
+constexpr double fullScreenButtonWidth = 36;
 
 /// Models lie in the application's documents directory, each under its asset's uid. Empty where that cannot be: the uid
 /// comes from the network and must name nothing but a file there.
@@ -49,8 +48,7 @@ void FlareboxView::setup3DView() {
 }
 
 void FlareboxView::sizeFullScreenButton() {
-    const double share =
-        scnContent_->is3DViewFullScreen() ? 1 : UIScreen::mainScreen().bounds().height() / designScreenHeight;
+    const double share = scnContent_->is3DViewFullScreen() ? 1 : gridUnit();
     scnContent_->btn3DModeWidthContraint().setConstant(fullScreenButtonWidth * share);
 }
 

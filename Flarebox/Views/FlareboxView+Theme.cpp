@@ -5,7 +5,6 @@
 #include <UIKit/UIButton.h>
 #include <UIKit/UIImageView.h>
 #include <UIKit/UILabel.h>
-#include <UIKit/UIScreen.h>
 
 #include <algorithm>
 
@@ -45,7 +44,7 @@ void FlareboxView::sizeOpenButton() {
             : std::clamp(btnOpen_->intrinsicContentSize().height + 2 * openButtonMargin - openButtonDesignHeight, 0.0,
                          longestOpenButton - openButtonDesignHeight);
     btnOpen_->setDesignHeight(openButtonDesignHeight + growth);
-    if (openButtonHeightConstraint_) openButtonHeightConstraint_->setConstant(growth * screenShare());
+    if (openButtonHeightConstraint_) openButtonHeightConstraint_->setConstant(growth * gridUnit());
 }
 
 }  // namespace flarebox

@@ -11,6 +11,7 @@
 #include <UIKit/UIActivityIndicatorView.h>
 #include <UIKit/UIApplication.h>
 #include <UIKit/UIButton.h>
+#include <UIKit/UIFocusSystem.h>
 #include <UIKit/UIImageView.h>
 #include <UIKit/UILabel.h>
 #include <UIKit/UINib.h>
@@ -65,6 +66,7 @@ const ClassInfo& FlareboxView::staticClass() {
         outlet<&FlareboxView::logoTopContraint_>("logoTopContraint"),
         outlet<&FlareboxView::assetLogoPadding_>("assetLogoPadding"),
         outlet<&FlareboxView::preventerMenuWidth_>("preventerMenuWidth"),
+        outlet<&FlareboxView::contentLeading_>("contentLeading"),
         outlet<&FlareboxView::preventerMenuView_>("preventerMenuView"),
         outlet<&FlareboxView::panelShadow_>("panelShadow"),
         outlet<&FlareboxView::imgLogo_>("imgLogo", Code),
@@ -163,18 +165,6 @@ void FlareboxView::showAtView(UIView& parent) {
     dispatch_async_main([self = Ref<FlareboxView>(this)] { self->toggleFlarebox(false, false); });
 }
 
-void FlareboxView::attachOpenButton(UIView& parent) {
-    using enum NSLayoutAttribute;
-    using enum NSLayoutRelation;
-    parent.addSubview(*btnOpen_);
-    const CGFloat width = openButtonWidth * screenShare();
-    openButtonWidthContraint_ =
-        NSLayoutConstraint::constraintWithItem(*btnOpen_, Width, Equal, nullptr, NotAnAttribute, 1, width);
-    parent.addConstraint(NSLayoutConstraint::constraintWithItem(*btnOpen_, CenterY, Equal, &parent, CenterY, 1, 0));
-    parent.addConstraint(NSLayoutConstraint::constraintWithItem(*btnOpen_, Leading, Equal, this, Trailing, 1, 0));
-    parent.addConstraint(openButtonWidthContraint_);
-}
-
 void FlareboxView::toggleFlarebox() {
     if (!requireMainThread("FlareboxView::toggleFlarebox")) return;
     toggleFlarebox(!isOpened(), true);
@@ -209,8 +199,11 @@ void FlareboxView::tellWhetherOpen(bool open) {
 }
 
 void FlareboxView::placePanel(bool open, bool animated) {
-    if (const auto leading = constraintLeadingContentView_.lock())
-        leading->setConstant(open ? 0.0 : -getViewSize().width);
+    if (const auto leading = constraintLeadingContentView_.lock()) leading->setConstant(open ? 0.0 : -panelWidth());
+    btnOpen_->setSelected(open);
+    placeOpenButton(open);
+    // What is out of sight has no use for the game's keys.
+    if (UIWindow* window = open ? nullptr : this->window()) window->focusSystem().giveBack();
     const Ref<UIView> parent(superview());
     if (!parent || !panelShadow_) return;
     const auto place = [&] {

@@ -131,7 +131,7 @@ public:
     void showAssetView();            ///< the current asset and the list
 
     // Layout.
-    /// The size that the tab has on the main screen, in points.
+    /// The size that the tab has on the main screen, in points, without what lies below the screen's unsafe edge.
     static CGSize getViewSize();
     /// Fits the tab to the screen at the next turn of the main queue.
     void deviceOrientationDidChange();
@@ -201,10 +201,15 @@ public:
     void stopVideo() override;          ///< comes to the front again
 
     // Hooks of the platform.
-    void awakeFromNib() override;        ///< sets the tab up and begins to load
-    void paletteDidChange() override;    ///< takes the look over that is in no layout file
-    void didMoveToSuperview() override;  ///< closes the tab
-    void didMoveToWindow() override;     ///< out of it, leaves full screen and pauses the video
+    void awakeFromNib() override;             ///< sets the tab up and begins to load
+    void paletteDidChange() override;         ///< takes the look over that is in no layout file
+    void didMoveToSuperview() override;       ///< closes the tab
+    void didMoveToWindow() override;          ///< out of it, leaves full screen and pauses the video
+    void safeAreaInsetsDidChange() override;  ///< keeps clear of the screen's edges
+    /// The current product.
+    UIView* preferredFocusedView() override;
+    bool pressBegan(UIPressType type) override;  ///< modes by the shoulder buttons, closing by going back
+    bool stickHeld(CGPoint deflection, double seconds) override;  ///< turns the model, scrolls the list
     /// Does nothing with the configuration's `showFlareboxButton`, which it observes; the rest is its superclass's.
     void observeValueForKeyPath(std::string_view keyPath, NSObject& object, const NSKeyValueChange& change,
                                 void* context) override;
@@ -217,6 +222,7 @@ private:
     void pressCloseButton() { toggleFlarebox(false, true); }
     void attachOpenButton(UIView& parent);
     void placePanel(bool open, bool animated);
+    void placeOpenButton(bool open);
     void tellWhetherOpen(bool open);
 
     // FlareboxView+Data.cpp
@@ -228,17 +234,17 @@ private:
     bool shouldRefresh() const;
 
     // FlareboxView+Layout.cpp
-    /// The main screen's height in those of the screen that the tab was drawn for.
-    static double screenShare();
     void setupView();
     void layoutView();
     void loadLayoutConstrains();
+    /// What the design's point is on the main screen, in points.
+    static double gridUnit();
+    /// Of the whole panel, with what lies below the screen's unsafe edge.
+    static double panelWidth();
     void orientationChangedMethod();
     void relayoutLayers() {}
 
     // FlareboxView+Theme.cpp
-    /// In points on that screen.
-    static constexpr double openButtonWidth = 36;
     /// What of the theme is not in the palette.
     void showTheme();
     void sizeOpenButton();
@@ -273,6 +279,10 @@ private:
     void press3DMode() { changeAssetMode(AssetMode3D); }
     void pressVideoMode() { changeAssetMode(AssetModeVideo); }
 
+    // FlareboxView+Focus.cpp
+    bool goBack();
+    void goToMode(bool backwards);
+
     // FlareboxView+Actions.cpp
     void pressCouponButton();
     void pressBuyButton();
@@ -290,13 +300,14 @@ private:
     Weak<UIImageView> imgAssetContent_, imgLogo_;
     Weak<UIActivityIndicatorView> indicator_;
     Weak<NSLayoutConstraint> closeButtonTopContraint_, assetContainerBottom_, logoTopContraint_, assetLogoPadding_,
-        preventerMenuWidth_, openButtonHeightConstraint_;
+        preventerMenuWidth_, openButtonHeightConstraint_, contentLeading_;
     /// Owned: it is the parent's sub-view while the tab is attached, and nobody's in between.
     Ref<UIButton> btnOpen_;
 
     /// The tab's leading edge against its parent's: 0 open, minus the tab's width closed. Held by the parent.
     Weak<NSLayoutConstraint> constraintLeadingContentView_;
     Ref<NSLayoutConstraint> widthFixedConstraint_, heightFixedConstraint_, openButtonWidthContraint_;
+    Ref<NSLayoutConstraint> centerConstraint_, openButtonLeading_, openButtonCenter_;
 
     WeakDelegate<FlareboxViewDelegate> delegate_;
     Ref<AFHTTPSessionManager> operationManager_;

@@ -18,6 +18,8 @@ namespace {
 
 /// The content area's height on the design grid, in points.
 constexpr double designHeight = 158;
+/// Of the full-screen button from the edges.
+constexpr CGFloat buttonMargin = 6;
 constexpr const char* noModel = "There is no 3D model of this product";
 
 }  // namespace
@@ -31,6 +33,8 @@ const ClassInfo& SCNContentView::staticClass() {
         outlet<&SCNContentView::lbMessage_>("lbMessage"),
         outlet<&SCNContentView::indicator_>("indicator"),
         outlet<&SCNContentView::btn3DModeWidthContraint_>("btn3DModeWidthContraint"),
+        outlet<&SCNContentView::btn3DModeTrailing_>("btn3DModeTrailing"),
+        outlet<&SCNContentView::btn3DModeBottom_>("btn3DModeBottom"),
     };
     static const Action actions[] = {action<&SCNContentView::press3DFullButton>("press3DFullButton")};
     static const ClassInfo info("SCNContentView", &UIView::staticClass(), createObject<SCNContentView>,
@@ -65,6 +69,15 @@ void SCNContentView::layoutSubviews() {
     UIView::layoutSubviews();
     lbMessage_->setFont(
         lbMessage_->font().fontWithSize(12 * std::min(bounds().height(), bounds().width()) / designHeight));
+    const UIEdgeInsets safe = safeAreaInsets();
+    btn3DModeTrailing_->setConstant(-buttonMargin - safe.right);
+    btn3DModeBottom_->setConstant(-buttonMargin - safe.bottom);
+}
+
+bool SCNContentView::pressBegan(UIPressType type) {
+    if (type != UIPressType::Menu || !is3DViewFullScreen_) return UIView::pressBegan(type);
+    press3DFullButton();
+    return true;
 }
 
 void SCNContentView::paletteDidChange() {

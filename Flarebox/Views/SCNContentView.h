@@ -52,6 +52,8 @@ public:
     void awakeFromNib() override;
     void layoutSubviews() override;
     void paletteDidChange() override;
+    /// Going back leaves full screen.
+    bool pressBegan(UIPressType type) override;
 
 private:
     void sceneFailed(const Ref<NSError>& error);
@@ -64,7 +66,7 @@ private:
     Weak<UIImageView> imgSign_;
     Weak<UILabel> lbMessage_;
     Weak<UIActivityIndicatorView> indicator_;
-    Weak<NSLayoutConstraint> btn3DModeWidthContraint_;
+    Weak<NSLayoutConstraint> btn3DModeWidthContraint_, btn3DModeTrailing_, btn3DModeBottom_;
     WeakDelegate<SCNContentViewDelegate> delegate_;
     Content content_ = Content::None;
     /// Why there is no model, as the message says it; absent before the first.

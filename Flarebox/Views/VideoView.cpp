@@ -51,6 +51,7 @@ void VideoView::awakeFromNib() {
     UIView::awakeFromNib();
     setTranslatesAutoresizingMaskIntoConstraints(false);
     translateTexts(*this);
+    videoPreventView_->setAccessibilityTraits(UIAccessibilityTraits::StartsMediaSession);
 }
 
 void VideoView::layoutSubviews() {
@@ -67,6 +68,7 @@ void VideoView::paletteDidChange() {
 void VideoView::loadAssetVideo(const Ref<FXAssetInfo>& asset) {
     if (!asset) return;
     assetInfo_ = asset;
+    videoPreventView_->setAccessibilityLabel(spokenTitle(*asset));
     if (avPlayer_) avPlayer_->pause();
     removeVideoLayers();
     const NSURL url = NSURL::URLWithString(asset->videoMobile());

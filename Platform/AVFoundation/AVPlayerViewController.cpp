@@ -5,12 +5,6 @@
 #include <utility>
 
 namespace flarebox {
-namespace {
-
-/// What an arrow key moves the video by, in seconds.
-constexpr double arrowStep = 5;
-
-}  // namespace
 
 const ClassInfo& AVPlayerViewController::staticClass() {
     using Self = AVPlayerViewController;
@@ -128,9 +122,9 @@ bool AVPlayerViewController::keyDown(std::string_view name) {
     else if (name == "space")
         pressPlay();
     else if (name == "left")
-        skip(-arrowStep);
+        skip(-PlayerControlBar::arrowStep);
     else if (name == "right")
-        skip(arrowStep);
+        skip(PlayerControlBar::arrowStep);
     else if (name == "m")
         pressMute();
     else

@@ -56,14 +56,15 @@ const ClassInfo& PlayerControlBar::staticClass() {
 }
 
 PlayerControlBar::PlayerControlBar()
-    : play_(makeButton("play", "play", "pause")),
-      mute_(makeButton("mute", "sound", "mute")),
+    : play_(makeButton("play", "play", "pause", "Play", "Pause")),
+      mute_(makeButton("mute", "sound", "mute", "Sound off", "Sound on")),
       elapsed_(makeLabel("elapsed", NSTextAlignment::Right)),
       remaining_(makeLabel("remaining", NSTextAlignment::Left)),
       scrubber_(make<PlayerScrubber>()),
       hairline_(make<UIView>()) {
     setBackgroundColor(UIPalette::current().color(UIPalette::Shade::Panel).withAlpha(barStrength));
     scrubber_->setAccessibilityIdentifier("player.scrubber");
+    scrubber_->setAccessibilityLabel("Position");
     addSubview(*scrubber_);
     hairline_->setBackgroundColor(textColor().withAlpha(hairlineStrength));
     hairline_->setUserInteractionEnabled(false);
@@ -71,11 +72,14 @@ PlayerControlBar::PlayerControlBar()
     showTimes(0, 0);
 }
 
-Ref<UIButton> PlayerControlBar::makeButton(const char* name, const char* icon, const char* selectedIcon) {
+Ref<UIButton> PlayerControlBar::makeButton(const char* name, const char* icon, const char* selectedIcon,
+                                           const char* label, const char* selectedLabel) {
     auto button = make<UIButton>();
     button->setAccessibilityIdentifier(std::string("player.") + name);
     button->setIcon(VectorIcon::named(icon));
     button->setIcon(VectorIcon::named(selectedIcon), UIControlState::Selected);
+    button->setAccessibilityLabel(label);
+    button->setAccessibilityLabel(selectedLabel, UIControlState::Selected);
     button->setIconSize(iconSize);
     button->setTintColor(textColor());
     button->setTintColor(disabledColor, UIControlState::Disabled);
@@ -90,6 +94,8 @@ Ref<UILabel> PlayerControlBar::makeLabel(const char* name, NSTextAlignment align
     label->setFont(timeStyle().font);
     label->setTextColor(textColor());
     label->setTextAlignment(alignment);
+    // The scrubber tells the times.
+    label->setIsAccessibilityElement(false);
     addSubview(*label);
     return label;
 }
@@ -111,6 +117,8 @@ void PlayerControlBar::showTimes(double time, double duration) {
     elapsed_->setText(isKnown || time > 0 ? playbackTimeText(time) : unknownTime);
     remaining_->setText(isKnown ? "−" + playbackTimeText(left) : unknownTime);
     scrubber_->setPosition(isKnown ? time / duration : 0);
+    scrubber_->setStep(isKnown ? arrowStep / duration : 0);
+    scrubber_->setAccessibilityValue(elapsed_->text().string() + (isKnown ? " / " + playbackTimeText(duration) : ""));
     std::string widest = withZeroes(playbackTimeText(std::max(duration + 1, time)));
     if (widest == widestTime_) return;
     widestTime_ = std::move(widest);
@@ -119,15 +127,17 @@ void PlayerControlBar::showTimes(double time, double duration) {
 
 void PlayerControlBar::layoutSubviews() {
     UIView::layoutSubviews();
-    const CGFloat width = bounds().width(), height = bounds().height();
+    // The bar itself reaches to the edges.
+    const UIEdgeInsets safe = safeAreaInsets();
+    const CGFloat width = bounds().width() - safe.right, height = bounds().height() - safe.bottom;
     const CGFloat elapsedWidth = widthOf(widestTime_), remainingWidth = widthOf("−" + widestTime_);
-    play_->setFrame(CGRectMake(margin, 0, buttonWidth, height));
+    play_->setFrame(CGRectMake(safe.left + margin, 0, buttonWidth, height));
     mute_->setFrame(CGRectMake(width - margin - buttonWidth, 0, buttonWidth, height));
     elapsed_->setFrame(CGRectMake(play_->frame().maxX() + spacing / 2, 0, elapsedWidth, height));
     remaining_->setFrame(CGRectMake(mute_->frame().minX() - spacing / 2 - remainingWidth, 0, remainingWidth, height));
     const CGFloat left = elapsed_->frame().maxX() + spacing, right = remaining_->frame().minX() - spacing;
     scrubber_->setFrame(CGRectMake(left, 0, std::max(0.0, right - left), height));
-    hairline_->setFrame(CGRectMake(0, 0, width, 1));
+    hairline_->setFrame(CGRectMake(0, 0, bounds().width(), 1));
 }
 
 }  // namespace flarebox

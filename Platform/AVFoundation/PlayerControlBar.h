@@ -18,6 +18,8 @@ class PlayerControlBar : public UIView {
     FLAREBOX_CLASS(PlayerControlBar)
 public:
     static constexpr CGFloat barHeight = 48;
+    /// What a key moves the video by, in seconds.
+    static constexpr double arrowStep = 5;
 
     PlayerControlBar();
 
@@ -38,7 +40,8 @@ public:
     void touchesCancelled(UITouch&) override {}
 
 private:
-    Ref<UIButton> makeButton(const char* name, const char* icon, const char* selectedIcon);
+    Ref<UIButton> makeButton(const char* name, const char* icon, const char* selectedIcon, const char* label,
+                             const char* selectedLabel);
     Ref<UILabel> makeLabel(const char* name, NSTextAlignment alignment);
     void showTimes(double time, double duration);
 

@@ -44,6 +44,20 @@ void PlayerScrubber::change(double position) {
     setNeedsDisplay();
 }
 
+UIAccessibilityTraits PlayerScrubber::accessibilityTraits() const {
+    return UIControl::accessibilityTraits() | UIAccessibilityTraits::Adjustable;
+}
+
+bool PlayerScrubber::accessibilityAdjust(int steps) {
+    if (!isEnabled() || isDragged_ || !(step_ > 0)) return false;
+    const double former = position_;
+    sendActions(UIControlEvents::TouchDown);
+    change(former + steps * step_);
+    sendActions(UIControlEvents::ValueChanged);
+    sendActions(UIControlEvents::TouchUpInside);
+    return true;
+}
+
 void PlayerScrubber::touchesBegan(UITouch& touch) {
     if (!isEnabled() || isDragged_) return;
     isDragged_ = true;

@@ -15,10 +15,16 @@ public:
     double position() const { return position_; }
     /// Limited to its range. Does not take the knob from a finger that drags it.
     void setPosition(double position);
+    /// What one step of a key moves it by, as a part of the whole; 0, the default, for nothing.
+    void setStep(double step) { step_ = step; }
     bool isDragged() const { return isDragged_; }
     /// The middle of the knob, in the view's coordinates.
     CGPoint knobCenter() const;
 
+    UIAccessibilityTraits accessibilityTraits() const override;
+    bool accessibilityActivate() override { return false; }
+    /// As if it had been dragged there.
+    bool accessibilityAdjust(int steps) override;
     void touchesBegan(UITouch& touch) override;
     void touchesMoved(UITouch& touch) override;
     void touchesEnded(UITouch& touch) override;
@@ -31,7 +37,7 @@ private:
     void dragTo(CGFloat x);
     void change(double position);
 
-    double position_ = 0;
+    double position_ = 0, step_ = 0;
     /// From the finger to the middle of the knob.
     CGFloat grip_ = 0;
     bool isDragged_ = false;

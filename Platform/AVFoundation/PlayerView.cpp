@@ -50,6 +50,8 @@ const ClassInfo& PlayerView::staticClass() {
 
 PlayerView::PlayerView() : layer_(make<AVPlayerLayer>()), spinner_(make<UIActivityIndicatorView>()) {
     setBackgroundColor(UIColor::blackColor());
+    layer_->setAccessibilityLabel("Video");
+    layer_->setAccessibilityTraits(UIAccessibilityTraits::StartsMediaSession);
     addSubview(*layer_);
     addMessage();
     spinner_->setAccessibilityIdentifier("player.spinner");
@@ -184,9 +186,10 @@ void PlayerView::layoutSubviews() {
     const CGRect whole = bounds();
     layer_->setFrame(whole);
     controls_->setFrame(whole);
-    bar_->setFrame(
-        CGRectMake(0, whole.height() - PlayerControlBar::barHeight, whole.width(), PlayerControlBar::barHeight));
-    done_->setFrame(CGRectMake(margin, margin, doneWidth, doneHeight));
+    const UIEdgeInsets safe = safeAreaInsets();
+    const CGFloat barHeight = PlayerControlBar::barHeight + safe.bottom;
+    bar_->setFrame(CGRectMake(0, whole.height() - barHeight, whole.width(), barHeight));
+    done_->setFrame(CGRectMake(safe.left + margin, safe.top + margin, doneWidth, doneHeight));
     spinner_->setFrame(CGRectMake(std::round(whole.midX() - spinnerSide / 2),
                                   std::round(whole.midY() - spinnerSide / 2), spinnerSide, spinnerSide));
     layoutMessage();

@@ -38,6 +38,10 @@ public:
     /// Why the video cannot be played; hidden as long as it can.
     const UILabel& reasonLabel() const { return *reason_; }
 
+    UIView* preferredFocusedView() override { return &bar_->playButton(); }
+    /// Keys keep the controls in sight.
+    void revealFocused(UIView&) override { showControls(); }
+
     void layoutSubviews() override;
     void pointerMoved() override;
     void touchesBegan(UITouch& touch) override;

@@ -4,12 +4,14 @@
 #include <Foundation/LogSink.h>
 #include <SceneKit/ModelSource.h>
 #include <SceneKit/SceneRenderer.h>
+#include <UIKit/UIAccessibility.h>
 #include <UIKit/UIGestureRecognizer.h>
 #include <UIKit/UIScreen.h>
 #include <UIKit/UITouch.h>
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 #include <utility>
 
 namespace flarebox {
@@ -22,6 +24,10 @@ constexpr const char* errorDomain = "SCNErrorDomain";
 constexpr int errorCode = 1;
 /// Zooming by a wheel, for each point that it would scroll.
 constexpr double zoomPerPoint = 0.004;
+/// A key turns by so much, a stick by so much a second, in radians.
+constexpr CGFloat anglePerStep = std::numbers::pi / 12, stickSpeed = 2.5;
+/// How much a key makes things larger, and how large they are before it makes them small again.
+constexpr CGFloat zoomStep = 1.5, zoomedIn = 2;
 /// Sides in pixels; a larger view shows its picture stretched.
 constexpr CGFloat largestSide = 2048;
 
@@ -120,7 +126,7 @@ void SCNView::setScene(const Ref<SCNScene>& scene) {
 void SCNView::sceneDidChange() {
     const detail::ModelSource* model = scene_ ? firstModel(scene_->rootNode()) : nullptr;
     if (model && model != std::exchange(shownModel_, model)) {
-        turntable_.reset();
+        turntable_.reset(!UIAccessibilityIsReduceMotionEnabled());
         startTime_ = Clock::current().uptime();
         // Pictures of the former model, one still being drawn included, are not for this one.
         picture_.reset();
@@ -161,6 +167,8 @@ void SCNView::advance(double now) {
         displayLink_.reset();
         return;
     }
+    // Only what a finger or a key does is to move.
+    if (UIAccessibilityIsReduceMotionEnabled() && fingers_.empty()) turntable_.rest();
     turntable_.advance(now);
     const bool isChanging = (turntable_.isMoving() && hasModel()) || isAnimated();
     if (takePicture()) {
@@ -209,7 +217,7 @@ bool SCNView::hasModel() const {
 }
 
 bool SCNView::isAnimated() const {
-    return scene_ && hasAnimatedModel(scene_->rootNode());
+    return scene_ && !UIAccessibilityIsReduceMotionEnabled() && hasAnimatedModel(scene_->rootNode());
 }
 
 SceneFrame SCNView::makeFrame() const {
@@ -219,7 +227,7 @@ SceneFrame SCNView::makeFrame() const {
     frame.height = static_cast<int>(size.height);
     frame.orientation = turntable_.orientation();
     frame.zoom = static_cast<float>(turntable_.magnification());
-    frame.time = Clock::current().uptime() - startTime_;
+    frame.time = isAnimated() ? Clock::current().uptime() - startTime_ : 0;
     frame.hasStudioLight = scene_->hasStudioLight();
     collect(scene_->rootNode(), {}, frame.items);
     const SCNBoundingBox box = scene_->rootNode().boundingBox();
@@ -233,6 +241,31 @@ SceneFrame SCNView::makeFrame() const {
 void SCNView::zoom(CGFloat factor) {
     turntable_.zoom(factor);
     refresh();
+}
+
+UIAccessibilityTraits SCNView::accessibilityTraits() const {
+    return UIView::accessibilityTraits() | UIAccessibilityTraits::Image | UIAccessibilityTraits::Adjustable;
+}
+
+bool SCNView::accessibilityActivate() {
+    if (!hasModel()) return false;
+    const CGFloat shown = magnification();
+    zoom(shown < zoomedIn ? zoomStep : 1 / shown);
+    return true;
+}
+
+bool SCNView::accessibilityAdjust(int steps) {
+    if (!hasModel()) return false;
+    turntable_.turn(steps * anglePerStep, 0);
+    refresh();
+    return true;
+}
+
+bool SCNView::stickHeld(CGPoint deflection, double seconds) {
+    if (!hasModel()) return false;
+    turntable_.turn(deflection.x * stickSpeed * seconds, deflection.y * stickSpeed * seconds);
+    refresh();
+    return true;
 }
 
 bool SCNView::scrollWheel(CGPoint, CGFloat, CGFloat dy) {

@@ -54,6 +54,14 @@ public:
     /// log unless set.
     void setFailureHandler(std::function<void(const Ref<NSError>&)> handler) { failureHandler_ = std::move(handler); }
 
+    UIAccessibilityTraits accessibilityTraits() const override;
+    /// Makes the model larger step by step, and then as it was.
+    bool accessibilityActivate() override;
+    /// Turns the model.
+    bool accessibilityAdjust(int steps) override;
+    bool canBecomeFocused() const override { return hasModel(); }
+    bool stickHeld(CGPoint deflection, double seconds) override;
+
     bool showsPixelBuffer() const override { return true; }
     PixelBuffer pixelBuffer() override;
     void didMoveToWindow() override;

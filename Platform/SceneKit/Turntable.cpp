@@ -20,14 +20,25 @@ constexpr double restBeforeRelease = 0.12;
 
 }  // namespace
 
-void Turntable::reset() {
+void Turntable::reset(bool turnsByItself) {
     *this = Turntable();
+    turnsByItself_ = turnsByItself;
+}
+
+void Turntable::rest() {
+    turnsByItself_ = false;
+    yawSpeed_ = pitchSpeed_ = 0;
+}
+
+void Turntable::turn(double yaw, double pitch) {
+    rest();
+    yaw_ += yaw;
+    pitch_ = std::clamp(pitch_ + pitch, -steepestPitch, steepestPitch);
 }
 
 void Turntable::hold() {
     isHeld_ = true;
-    turnsByItself_ = false;
-    yawSpeed_ = pitchSpeed_ = 0;
+    rest();
 }
 
 void Turntable::drag(double across, double down, double now) {

@@ -8,8 +8,8 @@ namespace flarebox::detail {
 /// finger, and runs on for a while when let go. Times are seconds of any one clock.
 class Turntable {
 public:
-    /// Upright and turning by itself.
-    void reset();
+    /// Upright, and turning by itself unless it is not to move without being touched.
+    void reset(bool turnsByItself);
 
     /// A finger takes hold: whatever moved stands still.
     void hold();
@@ -17,6 +17,10 @@ public:
     void drag(double across, double down, double now);
     /// The finger lets go.
     void release(double now);
+    /// Turns and tilts by so much, at once, in radians; whatever moved stands still.
+    void turn(double yaw, double pitch);
+    /// Nothing moves any more until the next touch.
+    void rest();
     /// Shows everything `factor` times as large, softly and within limits.
     void zoom(double factor);
 

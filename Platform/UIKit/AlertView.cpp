@@ -59,6 +59,8 @@ AlertView::AlertView(UIAlertController& alert) : panel_(make<UIView>()) {
     setBackgroundColor(dimming);
     addSubview(*panel_);
     panel_->setAccessibilityIdentifier("alert");
+    panel_->setAccessibilityContainerType(UIAccessibilityContainerType::Alert);
+    panel_->setAccessibilityLabel(alert.title().text().empty() ? alert.message() : alert.title());
     panel_->setBackgroundColor(colorOf(Surface));
     panel_->layer().setBorderColor(colorOf(Text).withAlpha(hairlineStrength));
     panel_->layer().setBorderWidth(1);
@@ -104,12 +106,19 @@ void AlertView::addButton(UIAlertController& alert, const Ref<UIAlertAction>& ac
         UIControlEvents::TouchUpInside);
     panel_->addSubview(*button);
     buttons_.push_back(button);
+    if (!preferredButton_ && action->style() == UIAlertActionStyle::Default) preferredButton_ = button;
     hairlines_.push_back(makeHairline());
+}
+
+UIView* AlertView::preferredFocusedView() {
+    if (preferredButton_) return preferredButton_.get();
+    return buttons_.empty() ? nullptr : buttons_.front().get();
 }
 
 void AlertView::layoutSubviews() {
     UIView::layoutSubviews();
-    const CGSize screen = bounds().size;
+    const UIEdgeInsets safe = safeAreaInsets();
+    const CGSize screen{bounds().width() - safe.left - safe.right, bounds().height() - safe.top - safe.bottom};
     const CGFloat scale = scaleFor(screen);
     const CGFloat width = std::min(panelWidth * scale, screen.width - 2 * screenMargin);
     if (width <= 0) return;
@@ -117,8 +126,9 @@ void AlertView::layoutSubviews() {
     const CGFloat heightLeft = screen.height - 2 * screenMargin - rows * buttonHeight * scale;
     const CGFloat height = layoutButtons(width, layoutTexts(width, heightLeft, scale), scale);
     // On whole points, so that hairlines stay sharp.
-    panel_->setFrame(
-        {{std::round((screen.width - width) / 2), std::round((screen.height - height) / 2)}, {width, height}});
+    const CGPoint corner{std::round(safe.left + (screen.width - width) / 2),
+                         std::round(safe.top + (screen.height - height) / 2)};
+    panel_->setFrame({corner, {width, height}});
     panel_->layer().setCornerRadius(cornerRadius() * scale);
 }
 

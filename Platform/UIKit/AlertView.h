@@ -18,6 +18,8 @@ class AlertView : public UIView {
 public:
     explicit AlertView(UIAlertController& alert);
     void layoutSubviews() override;
+    /// What Return chooses.
+    UIView* preferredFocusedView() override;
 
 private:
     Ref<UILabel> makeLabel(const UIColor& color);
@@ -31,6 +33,7 @@ private:
     /// Null where there is nothing to say.
     Ref<UILabel> title_, message_;
     std::vector<Ref<UIButton>> buttons_;
+    Weak<UIButton> preferredButton_;
     /// One before each button: above it, or to its left where two stand side by side.
     std::vector<Ref<UIView>> hairlines_;
 };

@@ -28,6 +28,7 @@ const ClassInfo& UIActivityIndicatorView::staticClass() {
 UIActivityIndicatorView::UIActivityIndicatorView() {
     setUserInteractionEnabled(false);
     setHidden(true);
+    setAccessibilityLabel("Loading");
 }
 
 UIActivityIndicatorView::~UIActivityIndicatorView() {
@@ -60,6 +61,10 @@ void UIActivityIndicatorView::setColor(const UIColor& color) {
     if (color_ == color) return;
     color_ = color;
     setNeedsDisplay();
+}
+
+UIAccessibilityTraits UIActivityIndicatorView::accessibilityTraits() const {
+    return UIView::accessibilityTraits() | UIAccessibilityTraits::UpdatesFrequently;
 }
 
 int UIActivityIndicatorView::leadingSpoke() const {

@@ -26,10 +26,14 @@ public:
     /// The spoke that is brightest now, 0 to 11, clockwise from the top.
     int leadingSpoke() const;
 
+    UIAccessibilityTraits accessibilityTraits() const override;
     CGSize intrinsicContentSize() const override { return {28, 28}; }
     void drawRect(Canvas& canvas, const CGRect& bounds) override;
     bool drawsContent() const override { return true; }
     void didMoveToWindow() override;
+
+protected:
+    bool isElementByNature() const override { return animating_; }
 
 private:
     void scheduleStep();

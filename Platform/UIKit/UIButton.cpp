@@ -134,6 +134,29 @@ void UIButton::setBackgroundColor(const UIColor& color, UIControlState state) {
     setNeedsDisplay();
 }
 
+NSString UIButton::accessibilityLabel() const {
+    if (const auto& own = labels_.own(state())) return *own;
+    const NSString label = UIControl::accessibilityLabel();
+    return label ? label : currentTitle();
+}
+
+void UIButton::setAccessibilityLabel(const NSString& label, UIControlState state) {
+    if (state == UIControlState::Normal) return setAccessibilityLabel(label);
+    labels_.set(state, label);
+}
+
+NSString UIButton::accessibilityLabelForState(UIControlState state) const {
+    if (state == UIControlState::Normal) return UIControl::accessibilityLabel();
+    return labels_.own(state).value_or(NSString());
+}
+
+UIAccessibilityTraits UIButton::accessibilityTraits() const {
+    // One that has a name of its own for being selected does something else then.
+    const bool changesName = bool(labels_.own(UIControlState::Selected));
+    const UIAccessibilityTraits traits = UIControl::accessibilityTraits() | UIAccessibilityTraits::Button;
+    return changesName ? without(traits, UIAccessibilityTraits::Selected) : traits;
+}
+
 template <class T>
 void UIButton::change(T& field, const T& value) {
     if (field == value) return;

@@ -20,9 +20,10 @@ enum class UIButtonBarEdge : std::uint8_t { None, Top, Left, Bottom, Right };
 /// What is not set for a state is that of the normal state; of several states at once disabled counts before
 /// highlighted, and that before selected.
 ///
-/// Set by layout files, those with [S] also for a state: `title` [S], `titleColor` [S], `tintColor` [S], `icon` [S],
-/// `backgroundColor` [S], `font` (of the title label), `adjustsFontSizeToFitWidth` (same), `iconPlacement`, `iconSize`,
-/// `iconSpacing`, `titleRunsDownwards`, `contentInsets`, `designHeight`, `selectionBarEdge`, and what UIControl lists.
+/// Set by layout files, those with [S] also for a state: `title` [S], `accessibilityLabel` [S], `titleColor` [S],
+/// `tintColor` [S], `icon` [S], `backgroundColor` [S], `font` (of the title label), `adjustsFontSizeToFitWidth` (same),
+/// `iconPlacement`, `iconSize`, `iconSpacing`, `titleRunsDownwards`, `contentInsets`, `designHeight`,
+/// `selectionBarEdge`, and what UIControl lists.
 class UIButton : public UIControl {
     FLAREBOX_CLASS(UIButton)
 public:
@@ -51,6 +52,14 @@ public:
     UIColor backgroundColorForState(UIControlState state) const;
     using UIView::setBackgroundColor;
     void setBackgroundColor(const UIColor& color, UIControlState state);
+
+    /// The name of a state, for people who do not see the button; that of its title where there is none.
+    NSString accessibilityLabel() const override;
+    using UIControl::setAccessibilityLabel;
+    void setAccessibilityLabel(const NSString& label, UIControlState state);
+    /// That set for the state itself; absent where there is none.
+    NSString accessibilityLabelForState(UIControlState state) const;
+    UIAccessibilityTraits accessibilityTraits() const override;
 
     /// Font and fitting of the title. Its text and colour are those of the button's state.
     UILabel& titleLabel() { return *titleLabel_; }
@@ -114,7 +123,7 @@ private:
     void drawBar(Canvas& canvas, const CGRect& bounds) const;
     UIColor shaded(const UIColor& color) const;
 
-    PerState<NSString> titles_;
+    PerState<NSString> titles_, labels_;
     PerState<UIColor> titleColors_, tintColors_, backgroundColors_;
     PerState<const VectorIcon*> icons_;
     PerState<Ref<UIImage>> images_;

@@ -24,6 +24,7 @@ const ClassInfo& UICollectionView::staticClass() {
 
 UICollectionView::UICollectionView() {
     setAlwaysBounceHorizontal(true);
+    setAccessibilityContainerType(UIAccessibilityContainerType::List);
 }
 UICollectionView::~UICollectionView() = default;
 
@@ -292,17 +293,37 @@ void UICollectionView::scrollToItemAtIndexPath(const NSIndexPath& path, ScrollPo
     setContentOffset(offset, animated);
 }
 
+// Keys.
+
+bool UICollectionView::select(UICollectionViewCell& cell) {
+    const ShownItem* const shown = itemOf(&cell);
+    return shown && selectItem(shown->item);
+}
+
+UIView* UICollectionView::viewToFocusAfter(UIView& focused, UIPressType arrow) {
+    const ShownItem* const shown = itemOf(&focused);
+    if (!shown) return nullptr;
+    const bool goesBack = arrow == UIPressType::LeftArrow;
+    if (!goesBack && arrow != UIPressType::RightArrow) return nullptr;
+    if (goesBack ? shown->item == 0 : shown->item + 1 >= layout_.count()) return nullptr;
+    const NSIndexPath next{0, goesBack ? shown->item - 1 : shown->item + 1};
+    scrollToItemAtIndexPath(next, ScrollPosition::CenteredHorizontally, false);
+    return cellForItemAtIndexPath(next).get();
+}
+
+void UICollectionView::revealFocused(UIView& focused) {
+    // In the middle no edge of the list fades it out.
+    if (const ShownItem* const shown = itemOf(&focused))
+        scrollToItemAtIndexPath({0, shown->item}, ScrollPosition::CenteredHorizontally, false);
+}
+
 // Touches.
 
-Ref<UICollectionViewCell> UICollectionView::cellUnder(const UITouch& touch, std::size_t& item) const {
-    UIView* view = touch.view();
+const UICollectionView::ShownItem* UICollectionView::itemOf(const UIView* view) const {
     while (view && view->superview() != this) view = view->superview();
-    for (const auto& [place, cell] : visible_) {
-        if (cell.get() != view) continue;
-        item = place;
-        return cell;
-    }
-    return nullptr;
+    const auto found =
+        std::ranges::find(visible_, view, [](const ShownItem& shown) -> const UIView* { return shown.cell.get(); });
+    return found == visible_.end() ? nullptr : &*found;
 }
 
 void UICollectionView::setPressed(const Ref<UICollectionViewCell>& cell) {
@@ -312,7 +333,9 @@ void UICollectionView::setPressed(const Ref<UICollectionViewCell>& cell) {
 }
 
 void UICollectionView::touchesBegan(UITouch& touch) {
-    setPressed(cellUnder(touch, pressedItem_));
+    const ShownItem* const shown = itemOf(touch.view());
+    if (shown) pressedItem_ = shown->item;
+    setPressed(shown ? shown->cell : nullptr);
 }
 
 void UICollectionView::touchesMoved(UITouch&) {}
@@ -320,11 +343,15 @@ void UICollectionView::touchesMoved(UITouch&) {}
 void UICollectionView::touchesEnded(UITouch& touch) {
     const Ref<UICollectionViewCell> cell = pressed_;
     setPressed(nullptr);
-    if (!cell || !cell->pointInside(touch.locationInView(cell.get()))) return;
+    if (cell && cell->pointInside(touch.locationInView(cell.get()))) selectItem(pressedItem_);
+}
+
+bool UICollectionView::selectItem(std::size_t item) {
     const Ref<UICollectionView> self(this);
-    if (UICollectionViewDelegate* delegate = listDelegate(); delegate && !needsReload_) {
-        delegate->collectionViewDidSelectItemAtIndexPath(*this, {0, pressedItem_});
-    }
+    UICollectionViewDelegate* const delegate = listDelegate();
+    if (!delegate || needsReload_) return false;
+    delegate->collectionViewDidSelectItemAtIndexPath(*this, {0, item});
+    return true;
 }
 
 void UICollectionView::touchesCancelled(UITouch&) {

@@ -87,6 +87,12 @@ public:
     enum class ScrollPosition : std::uint8_t { None, Left, CenteredHorizontally, Right };
     void scrollToItemAtIndexPath(const NSIndexPath& path, ScrollPosition position, bool animated);
 
+    /// Does what a tap on one of the visible cells does. False for another view, and where nobody wants to know.
+    bool select(UICollectionViewCell& cell);
+    /// The neighbouring item, which is brought into sight.
+    UIView* viewToFocusAfter(UIView& focused, UIPressType arrow) override;
+    void revealFocused(UIView& focused) override;
+
     void layoutSubviews() override;
     void touchesBegan(UITouch& touch) override;
     void touchesMoved(UITouch& touch) override;
@@ -120,7 +126,9 @@ private:
     std::vector<ShownItem>::const_iterator findVisible(std::size_t item) const;
     void updateVisibleCells();
     Ref<UICollectionViewCell> makeCell(std::string_view reuseIdentifier) const;
-    Ref<UICollectionViewCell> cellUnder(const UITouch& touch, std::size_t& item) const;
+    /// The visible item that the view is the cell of, or a part of; null for none.
+    const ShownItem* itemOf(const UIView* view) const;
+    bool selectItem(std::size_t item);
     void setPressed(const Ref<UICollectionViewCell>& cell);
 
     UICollectionViewLayout layout_;

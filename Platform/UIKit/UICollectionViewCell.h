@@ -17,8 +17,15 @@ public:
     bool isHighlighted() const { return highlighted_; }
     /// The default dims the cell.
     virtual void setHighlighted(bool highlighted);
+    UIAccessibilityTraits accessibilityTraits() const override;
+    /// Selects the item.
+    bool accessibilityActivate() override;
+    bool canBecomeFocused() const override { return true; }
     /// The cell is about to show another item.
     virtual void prepareForReuse() {}
+
+protected:
+    bool isElementByNature() const override { return true; }
 
 private:
     friend class UICollectionView;

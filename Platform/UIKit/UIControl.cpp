@@ -85,6 +85,17 @@ void UIControl::sendActions(UIControlEvents events) {
     }
 }
 
+UIAccessibilityTraits UIControl::accessibilityTraits() const {
+    using enum UIAccessibilityTraits;
+    return UIView::accessibilityTraits() | (enabled_ ? None : NotEnabled) | (selected_ ? Selected : None);
+}
+
+bool UIControl::accessibilityActivate() {
+    if (!enabled_) return false;
+    sendActions(UIControlEvents::TouchUpInside);
+    return true;
+}
+
 bool UIControl::pointInside(CGPoint point) const {
     const CGRect area = bounds();
     const auto missing = [this](CGFloat side) { return std::max(0.0, minimumHitSize_ - side) / 2; };

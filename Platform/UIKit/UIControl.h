@@ -71,6 +71,11 @@ public:
     CGFloat minimumHitSize() const { return minimumHitSize_; }
     void setMinimumHitSize(CGFloat size) { minimumHitSize_ = size; }
 
+    /// Disabled, selected, and what was set.
+    UIAccessibilityTraits accessibilityTraits() const override;
+    /// Presses an enabled control.
+    bool accessibilityActivate() override;
+    bool canBecomeFocused() const override { return enabled_; }
     bool pointInside(CGPoint point) const override;
     void touchesBegan(UITouch& touch) override;
     void touchesMoved(UITouch& touch) override;
@@ -82,6 +87,7 @@ public:
 protected:
     /// After any part of the state changed. The default asks for a redraw.
     virtual void stateChanged();
+    bool isElementByNature() const override { return true; }
 
 private:
     struct Registration {

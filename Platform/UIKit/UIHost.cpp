@@ -7,12 +7,16 @@
 #include <UIKit/TouchDispatcher.h>
 #include <UIKit/UIApplication.h>
 #include <UIKit/UIDevice.h>
+#include <UIKit/UIFocusSystem.h>
 #include <UIKit/UIHost.h>
 #include <UIKit/UIScreen.h>
 #include <UIKit/UIWindow.h>
 #include <UIKit/ViewAnimations.h>
 
+#include <algorithm>
 #include <atomic>
+#include <cmath>
+#include <optional>
 #include <utility>
 
 namespace flarebox {
@@ -28,6 +32,42 @@ UIDeviceOrientation orientationAfter(UIDeviceOrientation previous, CGSize size) 
     using enum UIDeviceOrientation;
     if (size.width >= size.height) return previous == LandscapeLeft ? LandscapeRight : LandscapeLeft;
     return previous == Portrait ? PortraitUpsideDown : Portrait;
+}
+
+constexpr CGFloat largestInterfaceScale = 3;
+
+std::optional<UIPressType> pressNamed(std::string_view key) {
+    using enum UIPressType;
+    static constexpr std::pair<std::string_view, UIPressType> presses[] = {
+        {"up", UpArrow},    {"down", DownArrow},      {"left", LeftArrow}, {"right", RightArrow},
+        {"return", Select}, {"keypad enter", Select}, {"space", Select},   {"escape", Menu},
+        {"pageup", PageUp}, {"pagedown", PageDown},
+    };
+    const auto found = std::ranges::find(presses, key, &std::pair<std::string_view, UIPressType>::first);
+    return found == std::end(presses) ? std::nullopt : std::optional(found->second);
+}
+
+InputResult resultOf(bool isUsed) {
+    return isUsed ? InputResult::Consumed : InputResult::Ignored;
+}
+
+/// Gives a key to whoever it is for.
+InputResult resultOfKey(UIWindow& window, std::string_view name) {
+    UIFocusSystem& focus = window.focusSystem();
+    const auto press = pressNamed(name);
+    // What a controller does with a key of its own counts as long as nobody sees a ring.
+    if (press && focus.showsRing()) return resultOf(focus.press(*press));
+    if (window.keyDown(name)) return InputResult::Consumed;
+    if (press) return resultOf(focus.press(*press));
+    const bool isBackwards = name == "backtab";
+    if (isBackwards || name == "tab") return resultOf(focus.focusNext(isBackwards));
+    return resultOf(!window.presentedViewControllers().empty());
+}
+
+void tellSafeAreaChanged(UIView& view) {
+    view.safeAreaInsetsDidChange();
+    const std::vector<Ref<UIView>> below(view.subviews().begin(), view.subviews().end());
+    for (const auto& subview : below) tellSafeAreaChanged(*subview);
 }
 
 }  // namespace
@@ -46,6 +86,10 @@ struct UIHost::State : UIApplicationDelegate {
     LayerRenderer renderer{*mainWindow};
     TouchDispatcher touches{*mainWindow};
     std::function<void(const InputEvent&, InputResult)> observeInput;
+    // As the host counts.
+    CGSize screenSize;
+    CGFloat screenScale = 1;
+    UIEdgeInsets safeAreaInsets;
     /// Calls under way, one inside the other.
     int depth = 0;
     /// Owns itself once the host is gone, until the outermost call ends.
@@ -107,6 +151,10 @@ UIHost::~UIHost() {
     UIApplication& application = UIApplication::sharedApplication();
     if (application.delegate() == state_.get()) application.setDelegate(nullptr);
     UIDevice::currentDevice().orientation_ = UIDeviceOrientation::Unknown;
+    UIScreen& screen = UIScreen::mainScreen();
+    screen.interfaceScale_ = 1;
+    screen.safeAreaInsets_ = {};
+    UIAccessibilitySetReduceMotion(false);
     currentHost = nullptr;
     State& state = *state_;
     if (state.depth > 0) state.own = std::move(state_);
@@ -115,10 +163,49 @@ UIHost::~UIHost() {
 void UIHost::setScreen(CGSize size, CGFloat scale) {
     const Call call(*this, "UIHost::setScreen", "input");
     if (!call) return;
+    call->screenSize = size;
+    call->screenScale = scale > 0 ? scale : 1;
+    applyScreen();
+}
+
+void UIHost::applyScreen() {
     UIScreen& screen = UIScreen::mainScreen();
-    screen.bounds_ = {{}, size};
-    screen.scale_ = scale > 0 ? scale : 1;
-    call->mainWindow->setFrame(screen.bounds_);
+    const CGFloat larger = screen.interfaceScale_;
+    const CGSize size = state_->screenSize;
+    screen.bounds_ = {{}, {size.width / larger, size.height / larger}};
+    screen.scale_ = state_->screenScale * larger;
+    const auto inset = [larger](CGFloat own) { return std::max(0.0, own / larger); };
+    const UIEdgeInsets& own = state_->safeAreaInsets;
+    screen.safeAreaInsets_ = {inset(own.top), inset(own.left), inset(own.bottom), inset(own.right)};
+    state_->mainWindow->setFrame(screen.bounds_);
+}
+
+CGPoint UIHost::scaled(CGPoint point) {
+    const CGFloat larger = UIScreen::mainScreen().interfaceScale();
+    return {point.x / larger, point.y / larger};
+}
+
+void UIHost::setInterfaceScale(CGFloat scale) {
+    const Call call(*this, "UIHost::setInterfaceScale", "input");
+    if (!call) return;
+    CGFloat& current = UIScreen::mainScreen().interfaceScale_;
+    const CGFloat wanted = scale > 1 ? std::min(scale, largestInterfaceScale) : 1;
+    if (std::exchange(current, wanted) == wanted) return;
+    applyScreen();
+    tellSafeAreaChanged(*call->mainWindow);
+}
+
+void UIHost::setSafeAreaInsets(const UIEdgeInsets& insets) {
+    const Call call(*this, "UIHost::setSafeAreaInsets", "input");
+    const bool isFinite = std::isfinite(insets.top + insets.left + insets.bottom + insets.right);
+    if (!call || !isFinite || std::exchange(call->safeAreaInsets, insets) == insets) return;
+    applyScreen();
+    tellSafeAreaChanged(*call->mainWindow);
+}
+
+void UIHost::setReduceMotion(bool reduce) {
+    const Call call(*this, "UIHost::setReduceMotion", "input");
+    if (call) UIAccessibilitySetReduceMotion(reduce);
 }
 
 void UIHost::setOrientation(UIDeviceOrientation orientation) {
@@ -129,10 +216,9 @@ void UIHost::setOrientation(UIDeviceOrientation orientation) {
 void UIHost::resize(CGSize size, CGFloat scale) {
     const Call call(*this, "UIHost::resize", "input");
     if (!call) return;
-    const UIScreen& screen = UIScreen::mainScreen();
     UIDevice& device = UIDevice::currentDevice();
     const UIDeviceOrientation former = device.orientation();
-    const bool isSame = screen.bounds().size == size && screen.scale() == scale;
+    const bool isSame = call->screenSize == size && call->screenScale == scale;
     if (isSame && former != UIDeviceOrientation::Unknown) return;
     setScreen(size, scale);
     device.setOrientation(orientationAfter(former, size));
@@ -141,17 +227,21 @@ void UIHost::resize(CGSize size, CGFloat scale) {
 InputResult UIHost::pointerDown(int pointer, CGPoint point) {
     const Call call(*this, "UIHost::pointerDown", "input");
     if (!call) return InputResult::Ignored;
-    return call.tell({InputEvent::Kind::PointerDown, pointer, point}, call->touches.down(pointer, point));
+    UIFocusSystem& focus = call->mainWindow->focusSystem();
+    focus.hideRing();
+    const InputResult result = call->touches.down(pointer, scaled(point));
+    if (result == InputResult::Ignored) focus.giveBack();
+    return call.tell({InputEvent::Kind::PointerDown, pointer, point}, result);
 }
 InputResult UIHost::pointerMoved(int pointer, CGPoint point) {
     const Call call(*this, "UIHost::pointerMoved", "input");
     if (!call) return InputResult::Ignored;
-    return call.tell({InputEvent::Kind::PointerMoved, pointer, point}, call->touches.moved(pointer, point));
+    return call.tell({InputEvent::Kind::PointerMoved, pointer, point}, call->touches.moved(pointer, scaled(point)));
 }
 InputResult UIHost::pointerUp(int pointer, CGPoint point) {
     const Call call(*this, "UIHost::pointerUp", "input");
     if (!call) return InputResult::Ignored;
-    return call.tell({InputEvent::Kind::PointerUp, pointer, point}, call->touches.up(pointer, point));
+    return call.tell({InputEvent::Kind::PointerUp, pointer, point}, call->touches.up(pointer, scaled(point)));
 }
 void UIHost::pointerCancelled(int pointer) {
     const Call call(*this, "UIHost::pointerCancelled", "input");
@@ -161,7 +251,9 @@ void UIHost::pointerCancelled(int pointer) {
 }
 InputResult UIHost::pointerHovered(CGPoint point) {
     const Call call(*this, "UIHost::pointerHovered", "input");
-    return call ? call->touches.hovered(point) : InputResult::Ignored;
+    if (!call) return InputResult::Ignored;
+    call->mainWindow->focusSystem().hideRing();
+    return call->touches.hovered(scaled(point));
 }
 void UIHost::pointerLeft() {
     const Call call(*this, "UIHost::pointerLeft", "input");
@@ -170,17 +262,58 @@ void UIHost::pointerLeft() {
 InputResult UIHost::scrolled(CGPoint point, CGFloat dx, CGFloat dy) {
     const Call call(*this, "UIHost::scrolled", "input");
     if (!call) return InputResult::Ignored;
-    return call.tell({InputEvent::Kind::Scrolled, 0, point, dx, dy}, call->touches.scrolled(point, dx, dy));
+    call->mainWindow->focusSystem().hideRing();
+    const CGPoint way = scaled({dx, dy});
+    return call.tell({InputEvent::Kind::Scrolled, 0, point, dx, dy},
+                     call->touches.scrolled(scaled(point), way.x, way.y));
 }
 InputResult UIHost::keyDown(std::string_view name) {
     const Call call(*this, "UIHost::keyDown", "input");
     if (!call) return InputResult::Ignored;
-    const auto result = call->mainWindow->keyDown(name) ? InputResult::Consumed : InputResult::Ignored;
-    return call.tell({.kind = InputEvent::Kind::KeyDown, .key = name}, result);
+    return call.tell({.kind = InputEvent::Kind::KeyDown, .key = name}, resultOfKey(*call->mainWindow, name));
 }
 void UIHost::setInputObserver(std::function<void(const InputEvent&, InputResult)> observe) {
     const Call call(*this, "UIHost::setInputObserver", nullptr);
     if (call) call->observeInput = std::move(observe);
+}
+
+void UIHost::takeFocus() {
+    const Call call(*this, "UIHost::takeFocus", "input");
+    if (call) call->mainWindow->focusSystem().take();
+}
+void UIHost::giveBackFocus() {
+    const Call call(*this, "UIHost::giveBackFocus", "input");
+    if (call) call->mainWindow->focusSystem().giveBack();
+}
+bool UIHost::hasFocus() const {
+    const Call call(*this, "UIHost::hasFocus", nullptr);
+    return call && call->mainWindow->focusSystem().takesPresses();
+}
+InputResult UIHost::press(UIPressType type) {
+    const Call call(*this, "UIHost::press", "input");
+    return resultOf(call && call->mainWindow->focusSystem().press(type));
+}
+InputResult UIHost::stickMoved(CGPoint deflection) {
+    const Call call(*this, "UIHost::stickMoved", "input");
+    return resultOf(call && call->mainWindow->focusSystem().stickMoved(deflection));
+}
+
+std::vector<UIAccessibilityElement> UIHost::accessibilityElements() {
+    const Call call(*this, "UIHost::accessibilityElements", "input");
+    return call ? accessibilityElementsOf(*call->mainWindow) : std::vector<UIAccessibilityElement>();
+}
+
+bool UIHost::accessibilityActivate(UIView& element) {
+    const Call call(*this, "UIHost::accessibilityActivate", "input");
+    const Ref<UIView> kept(&element);
+    const auto point = call && element.window() == call->mainWindow.get() ? uncoveredPointOf(element) : std::nullopt;
+    if (!point) return false;
+    if (element.accessibilityActivate()) return true;
+    // A finger of its own, which the game has not.
+    constexpr int finger = -1;
+    if (call->touches.down(finger, *point) == InputResult::Ignored) return false;
+    call->touches.up(finger, *point);
+    return true;
 }
 
 void UIHost::update(double budget) {
@@ -200,6 +333,10 @@ void UIHost::update(double budget) {
         TurnMeter::Part part("layout");
         call->mainWindow->raisePresented();
         call->mainWindow->layoutIfNeeded();
+    }
+    if (call) {
+        TurnMeter::Part part("focus");
+        call->mainWindow->focusSystem().update(now);
     }
     // What is under a still pointer changes only together with the picture.
     TurnMeter::Part part("hovering");

@@ -4,11 +4,14 @@
 #include <Foundation/TurnMeter.h>
 #include <UIKit/Compositor.h>
 #include <UIKit/Geometry.h>
+#include <UIKit/UIAccessibility.h>
+#include <UIKit/UIPress.h>
 
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <string_view>
+#include <vector>
 
 namespace flarebox {
 
@@ -85,11 +88,40 @@ public:
     /// Wheel or two-finger scrolling: points by which the content is to move on, to its right end and to its bottom
     /// where positive.
     InputResult scrolled(CGPoint point, CGFloat dx, CGFloat dy);
-    /// A key by its name: "escape", "return", "space", "left", ….
+
+    // Keys and game controllers. They are the game's until it gives them to the panel; while the panel shows an alert
+    // or a video over everything, they are the panel's anyway. Closing the tab, and a touch on the game's own picture,
+    // give them back.
+    /// Gives keys and game controllers to the panel, which shows a ring around what they speak to: to be called with
+    /// the key that the game has for it, after opening the tab for example.
+    void takeFocus();
+    void giveBackFocus();
+    /// Whether they are the panel's now.
+    bool hasFocus() const;
+    InputResult press(UIPressType type);
+    /// A key by its name, in lower case. The arrows "left", "right", "up" and "down", "return", "space", "escape",
+    /// "pageup" and "pagedown" are presses; "tab" and "backtab" go on to the next and the previous element. A video has
+    /// a few of its own.
     InputResult keyDown(std::string_view name);
     /// Tells `observe` of all input from now on, each time after the kit has dealt with it, and with what it answered;
     /// null: nobody. Movements without a button are left out.
     void setInputObserver(std::function<void(const InputEvent& event, InputResult result)> observe);
+    /// Where the right stick is, from -1 to 1 to the right and down, whenever it moves: it turns models and scrolls.
+    InputResult stickMoved(CGPoint deflection);
+
+    // What the player's system or the game's settings say.
+    /// How many times as large as on a phone everything is to be shown, 1 to 3, for a television at the other end of
+    /// the room. Others count as the nearest. The panel grows until it fills the height of the screen.
+    void setInterfaceScale(CGFloat scale);
+    /// What a notch or a television's edge covers, in points: text and controls keep away from it. Less than 0 counts
+    /// as 0.
+    void setSafeAreaInsets(const UIEdgeInsets& insets);
+    /// Nothing slides, fades or turns by itself any more: what would be shown over time is shown at once.
+    void setReduceMotion(bool reduce);
+    /// What can be told of the panel at this moment, in reading order.
+    std::vector<UIAccessibilityElement> accessibilityElements();
+    /// Does with an element what a tap on it does. False where nothing can be done with it.
+    bool accessibilityActivate(UIView& element);
 
     /// The one call a frame: runs what is due on the main queue within `budget` seconds, advances animations, lays out,
     /// and finds again what lies under a still pointer.
@@ -112,6 +144,9 @@ public:
 private:
     struct State;
     class Call;
+    /// From the host's points to those of the screen.
+    static CGPoint scaled(CGPoint point);
+    void applyScreen();
     /// Null in a host that was made beside another one.
     std::unique_ptr<State> state_;
 };

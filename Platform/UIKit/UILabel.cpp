@@ -120,6 +120,15 @@ CGSize UILabel::sizeThatFits(CGFloat width) const {
     return size;
 }
 
+NSString UILabel::accessibilityLabel() const {
+    const NSString label = UIView::accessibilityLabel();
+    return label ? label : text_;
+}
+
+UIAccessibilityTraits UILabel::accessibilityTraits() const {
+    return UIView::accessibilityTraits() | UIAccessibilityTraits::StaticText;
+}
+
 CGSize UILabel::intrinsicContentSize() const {
     const CGSize unbroken = sizeThatFits(unlimited);
     const CGFloat width = preferredMaxLayoutWidth_ > 0 ? preferredMaxLayoutWidth_ : bounds().width();

@@ -52,6 +52,10 @@ public:
     const VectorIcon* icon() const { return icon_; }
     void setIcon(const VectorIcon* icon);
 
+    /// The text, unless another was set.
+    NSString accessibilityLabel() const override;
+    UIAccessibilityTraits accessibilityTraits() const override;
+
     /// As wide as the text without line breaks (but those within it), as high as it is when broken at the label's
     /// width.
     CGSize intrinsicContentSize() const override;
@@ -67,6 +71,7 @@ public:
 protected:
     /// After text, font or anything else that is drawn changed; `sizeChanged` when it may take another room.
     virtual void contentChanged(bool sizeChanged);
+    bool isElementByNature() const override { return !accessibilityLabel().text().empty(); }
 
 private:
     template <class T>

@@ -19,6 +19,11 @@ public:
     const CGRect& bounds() const { return bounds_; }
     /// Pixels per point; 1 until a host says otherwise.
     CGFloat scale() const { return scale_; }
+    /// How many of the host's points make one here: how much larger everything is to be shown. 1 unless a host says
+    /// otherwise.
+    CGFloat interfaceScale() const { return interfaceScale_; }
+    /// What a notch or a television's edge covers, in points; none unless a host says otherwise.
+    const UIEdgeInsets& safeAreaInsets() const { return safeAreaInsets_; }
 
 private:
     friend class UIHost;
@@ -27,7 +32,8 @@ private:
     ~UIScreen() = default;
 
     CGRect bounds_{{0, 0}, {1024, 768}};
-    CGFloat scale_ = 1;
+    CGFloat scale_ = 1, interfaceScale_ = 1;
+    UIEdgeInsets safeAreaInsets_;
 };
 
 }  // namespace flarebox

@@ -1,8 +1,10 @@
 #include <Foundation/Clock.h>
+#include <UIKit/UIAccessibility.h>
 #include <UIKit/UIGestureRecognizer.h>
 #include <UIKit/UIScrollView.h>
 #include <UIKit/UITouch.h>
 
+#include <algorithm>
 #include <cmath>
 #include <deque>
 #include <utility>
@@ -18,6 +20,8 @@ constexpr double velocityWindow = 0.1;
 constexpr CGFloat throwThreshold = 40;
 constexpr CGFloat fastestThrow = 8000;
 constexpr double animationDuration = 0.3;
+/// Points a second by which a stick at its end moves the content.
+constexpr CGFloat stickSpeed = 500;
 
 /// The last moments of a finger's way.
 class VelocityMeter {
@@ -130,7 +134,7 @@ void UIScrollView::moveTo(CGPoint offset) {
 void UIScrollView::setContentOffset(CGPoint offset, bool animated) {
     const Ref<UIScrollView> self(this);
     endMoving();
-    if (!animated) return moveTo(offset);
+    if (!animated || UIAccessibilityIsReduceMotionEnabled()) return moveTo(offset);
     const CGPoint from = contentOffset();
     horizontal_ = ScrollMotion::eased(from.x, offset.x, animationDuration);
     vertical_ = ScrollMotion::eased(from.y, offset.y, animationDuration);
@@ -189,6 +193,15 @@ bool UIScrollView::scrollWheel(CGPoint, CGFloat dx, CGFloat dy) {
     start(Moving::ByWheel);
     // What is shown stems from the last frame: a wheel that turns a little before every one would hold it still.
     if (follows) motionStart_ = movedAt_ = shownAt;
+    return true;
+}
+
+bool UIScrollView::scrollByStick(CGPoint deflection, double seconds) {
+    const CGPoint end = maximumContentOffset(), from = contentOffset();
+    const CGPoint to{std::clamp(from.x + deflection.x * stickSpeed * seconds, 0.0, end.x),
+                     std::clamp(from.y + deflection.y * stickSpeed * seconds, 0.0, end.y)};
+    if (to == from) return false;
+    setContentOffset(to);
     return true;
 }
 

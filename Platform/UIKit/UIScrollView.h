@@ -57,6 +57,8 @@ public:
     void setDelegate(UIScrollViewDelegate* delegate) { delegate_ = delegate; }
 
     bool scrollWheel(CGPoint point, CGFloat dx, CGFloat dy) override;
+    /// Moves the content by what a stick held for so long comes to; false where it goes no further.
+    bool scrollByStick(CGPoint deflection, double seconds);
 
 protected:
     /// After every change of the offset, before the delegate is told.

@@ -4,6 +4,7 @@
 #include <UIKit/UIGestureRecognizer.h>
 #include <UIKit/UIView.h>
 #include <UIKit/UIViewState.h>
+#include <UIKit/UIWindow.h>
 #include <UIKit/ViewAnimations.h>
 
 #include <algorithm>
@@ -179,6 +180,14 @@ CGRect UIView::presentationRectInRoot() const {
     return rect;
 }
 
+UIEdgeInsets UIView::safeAreaInsets() const {
+    const UIWindow* const window = this->window();
+    if (!window) return {};
+    const CGRect safe = window->safeArea(), own = convertRectToView(bounds(), window);
+    return {std::max(0.0, safe.minY() - own.minY()), std::max(0.0, safe.minX() - own.minX()),
+            std::max(0.0, own.maxY() - safe.maxY()), std::max(0.0, own.maxX() - safe.maxX())};
+}
+
 // Look.
 
 void UIView::setHidden(bool hidden) {
@@ -247,6 +256,9 @@ void UIView::paletteDidChange() {
 }
 void UIView::didMoveToSuperview() {}
 void UIView::didMoveToWindow() {}
+void UIView::safeAreaInsetsDidChange() {
+    setNeedsLayout();
+}
 
 // Input.
 

@@ -2,10 +2,13 @@
 
 #include <Foundation/Export.h>
 #include <Foundation/NSObject.h>
+#include <Foundation/Values.h>
 #include <UIKit/CALayer.h>
 #include <UIKit/Canvas.h>
 #include <UIKit/Geometry.h>
 #include <UIKit/NSLayoutConstraint.h>
+#include <UIKit/UIAccessibilityTraits.h>
+#include <UIKit/UIPress.h>
 #include <UIKit/UIViewContentMode.h>
 
 #include <cstdint>
@@ -88,6 +91,30 @@ public:
     const std::string& accessibilityIdentifier() const { return identifier_; }
     void setAccessibilityIdentifier(std::string identifier) { identifier_ = std::move(identifier); }
 
+    // Accessibility.
+    /// Whether the view is told of as one thing; what lies inside it then is not. Unless set, each control and label is
+    /// one, and whatever was given a label.
+    bool isAccessibilityElement() const;
+    void setIsAccessibilityElement(bool isElement);
+    /// The name for people, in their language. Absent unless set; controls and labels have that of their text.
+    virtual NSString accessibilityLabel() const;
+    void setAccessibilityLabel(const NSString& label);
+    /// What the view stands at, where it is something that changes; absent unless set.
+    virtual NSString accessibilityValue() const;
+    void setAccessibilityValue(const NSString& value);
+    /// Those that were set; classes add what they are by nature.
+    virtual UIAccessibilityTraits accessibilityTraits() const;
+    void setAccessibilityTraits(UIAccessibilityTraits traits);
+    /// None unless set.
+    UIAccessibilityContainerType accessibilityContainerType() const;
+    void setAccessibilityContainerType(UIAccessibilityContainerType type);
+    /// A number of this view alone, above 0, as long as it lives.
+    std::uint64_t accessibilityNumber() const;
+    /// Does what a tap does. False where only a touch can.
+    virtual bool accessibilityActivate();
+    /// Moves what the view stands at by steps, back where negative. False where there is nothing to move.
+    virtual bool accessibilityAdjust(int steps);
+
     // Constraints.
     /// While true the frame is the view's layout; while false the constraints are. True for a new view.
     bool translatesAutoresizingMaskIntoConstraints() const { return translatesMask_; }
@@ -137,14 +164,19 @@ public:
     /// the next call.
     virtual PixelBuffer pixelBuffer() { return {}; }
 
+    /// How far the edges of the screen that are not to be used reach into the view, in points.
+    UIEdgeInsets safeAreaInsets() const;
+
     // Hooks.
     /// After a layout file made the view and bound all its outlets.
     virtual void awakeFromNib();
-    /// For the root of what a layout file made: another palette is in force, and the attributes that follow it have been
-    /// set anew. Lays out again.
+    /// For the root of what a layout file made: another palette is in force, and the attributes that follow it have
+    /// been set anew. Lays out again.
     virtual void paletteDidChange();
     virtual void didMoveToSuperview();
     virtual void didMoveToWindow();
+    /// Another part of the screen is not to be used. The default lays out anew.
+    virtual void safeAreaInsetsDidChange();
 
     /// Kept alive as long as the view: what works on its behalf. May be null.
     void setCompanion(Ref<NSObject> companion) { companion_ = std::move(companion); }
@@ -169,6 +201,26 @@ public:
     virtual void pointerExited() {}
     /// The pointer moved over the view or one below it, with no button pressed.
     virtual void pointerMoved() {}
+    // Keys and game controllers; see UIFocusSystem.
+    /// Whether the view can have the focus, as long as it is in sight. False unless overridden.
+    virtual bool canBecomeFocused() const { return false; }
+    /// Where below this view the focus goes first; null for what is first in reading order.
+    virtual UIView* preferredFocusedView() { return nullptr; }
+    /// Where the focus goes from a view below this one, by one of the arrows; null for what lies nearest.
+    virtual UIView* viewToFocusAfter(UIView& /*focused*/, UIPressType /*arrow*/) { return nullptr; }
+    /// A view below this one got the focus: it has to be brought into sight.
+    virtual void revealFocused(UIView& /*focused*/) {}
+    /// The radius of the ring around the focused view, in points; that of its own corners unless overridden.
+    virtual CGFloat focusRingRadius() const;
+    /// Something was pressed while the focus was here or below. Returns whether it was used; the default asks the next
+    /// responder.
+    virtual bool pressBegan(UIPressType type);
+    /// A stick is held off its middle, from -1 to 1 to the right and down, for that many seconds more. As above.
+    virtual bool stickHeld(CGPoint deflection, double seconds);
+    /// Who is asked next; the superview unless another was set. Not owned.
+    UIView* nextResponder() const;
+    void setNextResponder(UIView* responder);
+
     void addGestureRecognizer(const Ref<UIGestureRecognizer>& recognizer);
     std::span<const Ref<UIGestureRecognizer>> gestureRecognizers() const { return gestureRecognizers_; }
 
@@ -183,6 +235,8 @@ public:
 
 protected:
     void dealloc() const override;
+    /// What `isAccessibilityElement` answers unless it was set.
+    virtual bool isElementByNature() const;
 
 private:
     friend class CALayer;
@@ -194,7 +248,9 @@ private:
     struct LayoutState;
     struct RenderState;
     struct AnimationState;
+    struct Accessibility;
 
+    Accessibility& makeAccessibility() const;
     UIView& root();
     void attach(UIView& view, std::size_t index);
     void detach();
@@ -234,6 +290,7 @@ private:
     std::unique_ptr<LayoutState> layoutState_;
     std::unique_ptr<RenderState> renderState_;
     std::unique_ptr<AnimationState> animationState_;
+    mutable std::unique_ptr<Accessibility> accessibility_;
 };
 
 }  // namespace flarebox

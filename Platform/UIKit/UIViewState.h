@@ -71,6 +71,17 @@ private:
     std::array<std::uint64_t, 2> carriesInList_{};
 };
 
+/// What assistive technology, and keys in its place, are told beyond what the view's class knows.
+struct UIView::Accessibility {
+    NSString label, value;
+    UIAccessibilityTraits traits = UIAccessibilityTraits::None;
+    std::optional<bool> isElement;
+    UIAccessibilityContainerType containerType = UIAccessibilityContainerType::None;
+    /// 0 until asked for.
+    std::uint64_t number = 0;
+    Weak<UIView> nextResponder;
+};
+
 /// What is on screen while it differs from what is set.
 struct UIView::AnimationState {
     std::optional<CGRect> frame;

@@ -1,4 +1,6 @@
 #include <UIKit/UIControl.h>
+#include <UIKit/UIFocusSystem.h>
+#include <UIKit/UIScreen.h>
 #include <UIKit/UITouch.h>
 #include <UIKit/UIWindow.h>
 
@@ -21,7 +23,7 @@ const ClassInfo& UIWindow::staticClass() {
     return info;
 }
 
-UIWindow::UIWindow() = default;
+UIWindow::UIWindow() : focusSystem_(std::make_unique<UIFocusSystem>(*this)) {}
 
 UIWindow::~UIWindow() {
     // The root controller, when it goes, takes what it presents off the window.
@@ -64,8 +66,7 @@ void UIWindow::removePresented(UIViewController& controller) {
 bool UIWindow::keyDown(std::string_view name) {
     if (presented_.empty()) return false;
     const Ref<UIViewController> topmost = presented_.back();
-    if (!topmost->isBeingDismissed()) topmost->keyDown(name);
-    return true;
+    return !topmost->isBeingDismissed() && topmost->keyDown(name);
 }
 
 void UIWindow::layoutSubviews() {
@@ -75,9 +76,27 @@ void UIWindow::layoutSubviews() {
     for (const auto& controller : presented_) controller->view().setFrame(whole);
 }
 
+CGRect UIWindow::safeArea() const {
+    const UIEdgeInsets& insets = UIScreen::mainScreen().safeAreaInsets();
+    const CGSize size = bounds().size;
+    return CGRectMake(insets.left, insets.top, std::max(0.0, size.width - insets.left - insets.right),
+                      std::max(0.0, size.height - insets.top - insets.bottom));
+}
+
 void UIWindow::raisePresented() {
-    if (presented_.empty() || subviews().back().get() == &presented_.back()->view()) return;
+    const std::size_t overlays = overlay_ ? 1 : 0;
+    const auto topmost = [&](std::size_t below) { return subviews()[subviews().size() - 1 - below].get(); };
+    const bool isOnTop = presented_.empty() || topmost(overlays) == &presented_.back()->view();
+    if (isOnTop && (!overlay_ || topmost(0) == overlay_.get())) return;
     for (const auto& controller : presented_) bringSubviewToFront(controller->view());
+    if (overlay_) bringSubviewToFront(*overlay_);
+}
+
+void UIWindow::setOverlay(const Ref<UIView>& overlay) {
+    if (overlay_ == overlay) return;
+    if (overlay_) overlay_->removeFromSuperview();
+    overlay_ = overlay;
+    if (overlay_) addSubview(*overlay_);
 }
 
 UIView* UIWindow::hitTest(CGPoint point) {

@@ -3,11 +3,14 @@
 #include <UIKit/UIView.h>
 #include <UIKit/UIViewController.h>
 
+#include <memory>
 #include <span>
 #include <string_view>
 #include <vector>
 
 namespace flarebox {
+
+class UIFocusSystem;
 
 /// The root of a view tree: transparent, as large as the screen, lying over the game's picture. It takes no touch
 /// itself, and neither do sub-views that show nothing: those belong to the game. Main thread.
@@ -23,10 +26,18 @@ public:
 
     /// The controllers presented over the window, the topmost last.
     std::span<const Ref<UIViewController>> presentedViewControllers() const { return presented_; }
-    /// Whether a presented controller took the key, or kept it from the game.
+    /// Whether the topmost presented controller used the key.
     bool keyDown(std::string_view name);
-    /// Brings what is presented above whatever was added to the window since. The host adapter calls it once a frame.
+    /// Brings what is presented above whatever was added to the window since, and the overlay above all. The host
+    /// adapter calls it once a frame.
     void raisePresented();
+    /// What is drawn over everything else and takes no touches; null for nothing.
+    void setOverlay(const Ref<UIView>& overlay);
+    /// Which view keys and game controllers speak to.
+    UIFocusSystem& focusSystem() { return *focusSystem_; }
+
+    /// The part of the window that is fit for text and controls, in its own coordinates.
+    CGRect safeArea() const;
 
     UIWindow* window() const override;
     void layoutSubviews() override;
@@ -40,6 +51,8 @@ private:
 
     Ref<UIViewController> rootViewController_;
     std::vector<Ref<UIViewController>> presented_;
+    Ref<UIView> overlay_;
+    std::unique_ptr<UIFocusSystem> focusSystem_;
 };
 
 }  // namespace flarebox

@@ -1,6 +1,7 @@
 #include <Foundation/Clock.h>
 #include <Foundation/Immortal.h>
 #include <Foundation/MainQueue.h>
+#include <UIKit/UIAccessibility.h>
 #include <UIKit/UIViewState.h>
 #include <UIKit/ViewAnimations.h>
 
@@ -118,7 +119,8 @@ bool ViewAnimations::isAnimating() {
 template <class Movement, class Property>
 void ViewAnimations::move(std::vector<Movement>& movements, Property property, double now) {
     std::erase_if(movements, [&](const Movement& movement) {
-        const double progress = easeInOut((now - movement.group->start) / movement.group->duration);
+        const bool isAtOnce = UIAccessibilityIsReduceMotionEnabled();
+        const double progress = isAtOnce ? 1 : easeInOut((now - movement.group->start) / movement.group->duration);
         auto& shown = movement.view->animationState_.get()->*property;
         if (progress >= 1) {
             shown.reset();
@@ -162,7 +164,8 @@ void ViewAnimations::run(double duration, const std::function<void()>& animation
     group->start = Clock::current().uptime();
     group->duration = duration;
     group->completion = std::move(completion);
-    const GroupScope scope(duration > 0 ? group : nullptr);
+    const bool isShownOverTime = duration > 0 && !UIAccessibilityIsReduceMotionEnabled();
+    const GroupScope scope(isShownOverTime ? group : nullptr);
     if (animations) animations();
 }
 

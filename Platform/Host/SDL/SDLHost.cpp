@@ -5,6 +5,8 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cmath>
+#include <optional>
 #include <string>
 
 namespace flarebox {
@@ -56,7 +58,40 @@ std::string keyName(SDL_Keycode key) {
 
 /// Whether holding the key down does something again and again.
 bool repeats(std::string_view key) {
-    return key == "left" || key == "right";
+    return key == "left" || key == "right" || key == "up" || key == "down";
+}
+
+/// How far a stick counts as pressed in a direction, and as let go again.
+constexpr double stickPressed = 0.6, stickReleased = 0.35;
+
+std::optional<UIPressType> pressOf(Uint8 button) {
+    using enum UIPressType;
+    switch (button) {
+        case SDL_CONTROLLER_BUTTON_DPAD_UP:
+            return UpArrow;
+        case SDL_CONTROLLER_BUTTON_DPAD_DOWN:
+            return DownArrow;
+        case SDL_CONTROLLER_BUTTON_DPAD_LEFT:
+            return LeftArrow;
+        case SDL_CONTROLLER_BUTTON_DPAD_RIGHT:
+            return RightArrow;
+        case SDL_CONTROLLER_BUTTON_A:
+            return Select;
+        case SDL_CONTROLLER_BUTTON_B:
+            return Menu;
+        case SDL_CONTROLLER_BUTTON_X:
+            return PlayPause;
+        case SDL_CONTROLLER_BUTTON_LEFTSHOULDER:
+            return PageUp;
+        case SDL_CONTROLLER_BUTTON_RIGHTSHOULDER:
+            return PageDown;
+        default:
+            return std::nullopt;
+    }
+}
+
+double deflectionOf(Sint16 value) {
+    return std::max(-1.0, value / 32767.0);
 }
 
 }  // namespace
@@ -93,6 +128,11 @@ InputResult SDLHost::handleEvent(const SDL_Event& event) {
         case SDL_KEYDOWN:
         case SDL_KEYUP:
             return handleKey(event);
+        case SDL_CONTROLLERBUTTONDOWN:
+        case SDL_CONTROLLERBUTTONUP:
+            return handleControllerButton(event);
+        case SDL_CONTROLLERAXISMOTION:
+            return handleControllerAxis(event);
         case SDL_WINDOWEVENT:
             handleWindow(event);
             return InputResult::Ignored;
@@ -175,7 +215,8 @@ InputResult SDLHost::handleFinger(const SDL_Event& event) {
 InputResult SDLHost::handleKey(const SDL_Event& event) {
     const int key = event.key.keysym.scancode;
     if (event.type == SDL_KEYUP) return panelKeys_.erase(key) > 0 ? InputResult::Consumed : InputResult::Ignored;
-    const std::string name = keyName(event.key.keysym.sym);
+    std::string name = keyName(event.key.keysym.sym);
+    if (name == "tab" && (event.key.keysym.mod & KMOD_SHIFT) != 0) name = "backtab";
     if (event.key.repeat) {
         // A key that is held belongs to whom its press went, whatever has come up or gone meanwhile.
         if (!panelKeys_.contains(key)) return InputResult::Ignored;
@@ -185,6 +226,46 @@ InputResult SDLHost::handleKey(const SDL_Event& event) {
     const InputResult result = keyDown(name);
     if (result == InputResult::Consumed) panelKeys_.insert(key);
     return result;
+}
+
+InputResult SDLHost::handleControllerButton(const SDL_Event& event) {
+    const int button = event.cbutton.button;
+    if (event.type == SDL_CONTROLLERBUTTONUP)
+        return panelControllerButtons_.erase(button) > 0 ? InputResult::Consumed : InputResult::Ignored;
+    const auto type = pressOf(event.cbutton.button);
+    const InputResult result = type ? UIHost::press(*type) : InputResult::Ignored;
+    if (result == InputResult::Consumed) panelControllerButtons_.insert(button);
+    return result;
+}
+
+InputResult SDLHost::handleControllerAxis(const SDL_Event& event) {
+    const double deflection = deflectionOf(event.caxis.value);
+    switch (event.caxis.axis) {
+        case SDL_CONTROLLER_AXIS_LEFTX:
+            return leftStickMoved(0, deflection);
+        case SDL_CONTROLLER_AXIS_LEFTY:
+            return leftStickMoved(1, deflection);
+        case SDL_CONTROLLER_AXIS_RIGHTX:
+            rightStick_.x = deflection;
+            return stickMoved(rightStick_);
+        case SDL_CONTROLLER_AXIS_RIGHTY:
+            rightStick_.y = deflection;
+            return stickMoved(rightStick_);
+        default:
+            return InputResult::Ignored;
+    }
+}
+
+InputResult SDLHost::leftStickMoved(int axis, double deflection) {
+    using enum UIPressType;
+    bool& isHeld = isStickHeld_[axis];
+    const bool isPress = !isHeld && std::abs(deflection) > stickPressed;
+    if (std::abs(deflection) < stickReleased) isHeld = false;
+    if (!isPress) return hasFocus() ? InputResult::Consumed : InputResult::Ignored;
+    isHeld = true;
+    const bool isForwards = deflection > 0;
+    if (axis == 0) return UIHost::press(isForwards ? RightArrow : LeftArrow);
+    return UIHost::press(isForwards ? DownArrow : UpArrow);
 }
 
 void SDLHost::handleWindow(const SDL_Event& event) {

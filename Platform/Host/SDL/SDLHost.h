@@ -31,8 +31,12 @@ public:
     SDLHost(SDL_Window* window, SDL_Renderer* renderer);
     ~SDLHost() override;
 
-    /// Takes mouse, touch, wheel, keys, and what concerns the window, whose events are never consumed. Handles a
-    /// renderer's lost device. A game that sets a logical size may go on doing so.
+    /// Takes mouse, touch, wheel, keys, game controllers, and what concerns the window, whose events are never
+    /// consumed. Handles a renderer's lost device. A game that sets a logical size may go on doing so.
+    ///
+    /// Keys and controllers are the game's until it calls `takeFocus`. Then the cross and the left stick go about, the
+    /// button at the bottom activates, the one at the right goes back, the shoulder buttons change modes, the right
+    /// stick turns models. SDL reports controllers that the game has opened.
     InputResult handleEvent(const SDL_Event& event);
 
     using UIHost::draw;
@@ -46,6 +50,9 @@ private:
     InputResult handleWheel(const SDL_Event& event);
     InputResult handleFinger(const SDL_Event& event);
     InputResult handleKey(const SDL_Event& event);
+    InputResult handleControllerButton(const SDL_Event& event);
+    InputResult handleControllerAxis(const SDL_Event& event);
+    InputResult leftStickMoved(int axis, double deflection);
     void handleWindow(const SDL_Event& event);
     bool isForeign(const SDL_Event& event) const;
 
@@ -69,7 +76,10 @@ private:
     bool isMouseFromTouch_ = false;
     InputResult mouseResult_ = InputResult::Ignored;
     /// Buttons beside the left one, and keys, that went down on the panel: their end belongs to the panel as well.
-    std::set<int> panelButtons_, panelKeys_;
+    std::set<int> panelButtons_, panelKeys_, panelControllerButtons_;
+    CGPoint rightStick_;
+    /// Of the left stick, sideways and down: held off its middle, which counts as one press.
+    bool isStickHeld_[2] = {};
 };
 
 }  // namespace flarebox

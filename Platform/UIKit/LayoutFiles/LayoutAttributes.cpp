@@ -158,6 +158,8 @@ constexpr Entry viewAttributes[] = {
     attribute<contentMode, [](UIView& view, UIViewContentMode value) { view.setContentMode(value); }>("contentMode"),
     attribute<text, [](UIView& view, const std::string& value) { view.setAccessibilityIdentifier(value); }>(
         "identifier"),
+    attribute<text, [](UIView& view, const std::string& value) { view.setAccessibilityLabel(value); }>(
+        "accessibilityLabel"),
     attribute<rect, [](UIView& view, const CGRect& value) { view.setFrame(value); }>("frame"),
     attribute<priorities,
               [](UIView& view, const std::array<UILayoutPriority, 2>& value) {
@@ -194,6 +196,9 @@ constexpr Entry controlAttributes[] = {
 };
 
 constexpr Entry buttonAttributes[] = {
+    attributeByState<text, [](UIButton& button, const std::string& value,
+                              UIControlState state) { button.setAccessibilityLabel(value, state); }>(
+        "accessibilityLabel"),
     attributeByState<text, [](UIButton& button, const std::string& value,
                               UIControlState state) { button.setTitle(value, state); }>("title"),
     attributeByState<namedColor, [](UIButton& button, const UIColor& value,
