@@ -56,7 +56,7 @@ NSString textOrNull(const std::optional<std::string>& text) {
 }  // namespace
 
 Game::Game(const Options& options, Surroundings& surroundings, Screen& screen)
-    : options_(options), surroundings_(surroundings), screen_(screen) {}
+    : options_(options), surroundings_(surroundings), screen_(screen), tools_(options) {}
 
 Game::~Game() {
     for (const Ref<FlareboxView>& tab : tabs_) tab->removeFromSuperview();
@@ -67,12 +67,7 @@ std::string Game::start() {
     config.configFlareboxWithUserSession(options_.hasSession ? samplePlayer() : nullptr, textOrNull(options_.gameUID),
                                          textOrNull(options_.gameVersion), options_.logs, options_.logLevel);
     if (options_.refresh) config.setTimeRefresh(*options_.refresh);
-    if (options_.theme) {
-        Ref<NSError> error;
-        const Ref<Theme> theme = Theme::themeWithFile(*options_.theme, &error);
-        if (!theme) return error->localizedDescription();
-        config.setTheme(theme);
-    }
+    if (std::string problem = applyTheme(options_); !problem.empty()) return problem;
     if (!makeTab()) return "the kit's resources are missing";
     tab().showAtWindow();
 
@@ -81,6 +76,7 @@ std::string Game::start() {
     // Once the tab is in the window its last step, which closes it, is due at the next turn of the main queue.
     if (!await([this] { return tab().window() != nullptr; }, attachPatience))
         return isClosed_ ? "" : "the tab was not attached";
+    if (window()) tools_.start(*window());
     frame();
     return {};
 }
@@ -150,7 +146,13 @@ void Game::play() {
 // Where nobody watches, the game moves only while a script lets time pass and not while it waits for something of
 // unknown length, so that the same script always ends with the same picture.
 void Game::runFrame(Moving moving) {
+    const double start = realNow();
     if (!screen_.handleInput(world_)) isClosed_ = true;
+    if (screen_.takeDeveloperKey()) tools_.toggle();
+    tools_.setPointer(screen_.pointer());
+    if (!tabs_.empty()) {
+        if (const Ref<FlareboxView> fresh = tools_.followFiles(tab())) tabs_.back() = fresh;
+    }
     if (!screen_.isWatched()) {
         if (moving == Moving::Yes) world_.step();
     } else if (!surroundings_.virtualClock() || moving == Moving::Yes) {
@@ -162,12 +164,17 @@ void Game::runFrame(Moving moving) {
         }
         if (steps == mostSteps) lastStep_ = now;
     }
+    const double updating = realNow();
     screen_.host().update(screen_.isWatched() ? watchedBudget : unwatchedBudget);
+    double kit = realNow() - updating;
     if (isClosed_) return;
-    if (screen_.isWatched())
-        screen_.draw(world_);
-    else if (moving == Moving::Yes && window() && showsContent(*window()))
+    if (screen_.isWatched()) {
+        kit += screen_.draw(world_);
+    } else if (moving == Moving::Yes && window() && showsContent(*window())) {
         screen_.drawPanel();
+        kit = realNow() - updating;
+    }
+    tools_.frameEnded(realNow() - start, kit);
 }
 
 void Game::keepPace() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "DeveloperTools.h"
 #include "Screen.h"
 #include "Surroundings.h"
 
@@ -26,6 +27,7 @@ public:
     Screen& screen() { return screen_; }
     Surroundings& surroundings() { return surroundings_; }
     World& world() { return world_; }
+    DeveloperTools& tools() { return tools_; }
     /// The tab made last.
     FlareboxView& tab() { return *tabs_.back(); }
     /// The application's window, or null.
@@ -56,6 +58,7 @@ private:
     Screen& screen_;
     World world_;
     std::vector<Ref<FlareboxView>> tabs_;
+    DeveloperTools tools_;
     bool isClosed_ = false;
     /// Real moments: of the next frame, and of the world's last step.
     double nextFrame_ = 0, lastStep_ = 0;

@@ -1,6 +1,7 @@
 #include "Scene/CanvasPainter.h"
 #include "Screen.h"
 
+#include <Foundation/Clock.h>
 #include <Host/Headless/HeadlessHost.h>
 #include <UIKit/BitmapCanvas.h>
 #include <UIKit/Canvas.h>
@@ -24,7 +25,8 @@ public:
         host_.setScreen(size, scale_);
     }
 
-    void draw(const World& world) override {
+    double draw(const World& world) override {
+        const double start = Clock::real().uptime();
         host_.setBackground([&](SoftwareCompositor& picture) {
             picture.clear(opaqueBlack);
             const auto canvas =
@@ -33,6 +35,7 @@ public:
         });
         host_.drawFrame();
         host_.setBackground(nullptr);
+        return Clock::real().uptime() - start;
     }
 
     void drawPanel() override {

@@ -31,6 +31,7 @@ struct Options {
     std::optional<bool> isTrackingEnabled;
     std::optional<std::string> advertisingIdentifier;
     bool hasVirtualClock = false;
+    bool watchesFiles = false, inspects = false, showsFrameTimes = false;
     std::vector<std::string> schemes;
     std::optional<std::string> theme, screenshot, script, record;
 };

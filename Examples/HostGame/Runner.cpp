@@ -265,6 +265,11 @@ Failure Runner::pinchOn(const Words& words) {
 }
 
 Failure Runner::pressKey(const Words& words) {
+    if (words[1] == "f12") {
+        game_.tools().toggle();
+        game_.frame();
+        return std::nullopt;
+    }
     const bool isTaken = game_.screen().host().keyDown(words[1]) == InputResult::Consumed;
     game_.frame();
     return unless(isTaken, "nothing of the panel takes the key");

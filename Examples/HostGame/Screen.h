@@ -6,6 +6,7 @@
 #include <UIKit/UIHost.h>
 
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace flarebox::hostgame {
@@ -24,8 +25,12 @@ public:
     virtual bool handleInput(World& world) = 0;
     /// Whether each frame is drawn and real time passes while it is seen.
     virtual bool isWatched() const = 0;
-    /// Draws the game, and the panel over it.
-    virtual void draw(const World& world) = 0;
+    /// Where the mouse is, or a finger touched last, in points; nothing beside the window.
+    virtual std::optional<CGPoint> pointer() const { return std::nullopt; }
+    /// Whether F12 was pressed since the last call.
+    virtual bool takeDeveloperKey() { return false; }
+    /// Draws the game, and the panel over it; answers the seconds that the panel took.
+    virtual double draw(const World& world) = 0;
     /// Draws the panel alone, unseen, as what it shows may go on only while it is looked at.
     virtual void drawPanel() = 0;
     /// Draws, and writes what is seen as a PNG file; false when that fails.

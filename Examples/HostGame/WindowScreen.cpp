@@ -1,10 +1,13 @@
 #include "Scene/SDLPainter.h"
 #include "Screen.h"
 
+#include <Foundation/Clock.h>
 #include <Host/SDL/SDLHost.h>
 
 #include <SDL.h>
 #include <SDL_image.h>
+
+#include <utility>
 
 namespace flarebox::hostgame {
 namespace {
@@ -64,15 +67,20 @@ public:
         SDL_Event event;
         while (SDL_PollEvent(&event)) {
             if (event.type == SDL_QUIT) return false;
+            notice(event);
             if (host_->handleEvent(event) == InputResult::Ignored) play(world, event);
         }
         return true;
     }
 
-    void draw(const World& world) override {
-        drawFrame(world);
+    double draw(const World& world) override {
+        const double panel = drawFrame(world);
         SDL_RenderPresent(renderer_.get());
+        return panel;
     }
+
+    std::optional<CGPoint> pointer() const override { return pointer_; }
+    bool takeDeveloperKey() override { return std::exchange(developerKey_, false); }
 
     void drawPanel() override {}
 
@@ -89,9 +97,20 @@ public:
     }
 
 private:
-    void drawFrame(const World& world) {
+    /// Answers the seconds that the panel took.
+    double drawFrame(const World& world) {
         paint(pictureOf(world, size()), *renderer_);
+        const double start = Clock::real().uptime();
         host_->draw();
+        return Clock::real().uptime() - start;
+    }
+
+    void notice(const SDL_Event& event) {
+        if (event.type == SDL_KEYDOWN && event.key.keysym.sym == SDLK_F12 && event.key.repeat == 0)
+            developerKey_ = true;
+        if (event.type == SDL_MOUSEMOTION)
+            pointer_ = {static_cast<CGFloat>(event.motion.x), static_cast<CGFloat>(event.motion.y)};
+        if (event.type == SDL_WINDOWEVENT && event.window.event == SDL_WINDOWEVENT_LEAVE) pointer_.reset();
     }
 
     void play(World& world, const SDL_Event& event) {
@@ -133,6 +152,8 @@ private:
     Owned<SDL_Window> window_;
     Owned<SDL_Renderer> renderer_;
     std::unique_ptr<SDLHost> host_;
+    std::optional<CGPoint> pointer_;
+    bool developerKey_ = false;
 };
 
 }  // namespace

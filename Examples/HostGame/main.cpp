@@ -7,6 +7,7 @@
 #include "Surroundings.h"
 
 #include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <optional>
 #include <sstream>
@@ -57,6 +58,8 @@ int play(Game& game, const Options& options, const Script* script) {
 int run(const Options& options) {
     std::optional<Script> script;
     if (options.script && !(script = readScript(*options.script))) return failed;
+    // Files that are part of the program cannot be followed. One that the user names counts.
+    if (options.watchesFiles) setenv("FLAREBOX_RESOURCES", KIT_RESOURCES, 0);
     Surroundings surroundings;
     if (std::string error = surroundings.prepare(options); !error.empty()) return fail(failed, error);
     std::string error;

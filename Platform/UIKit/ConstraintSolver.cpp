@@ -28,6 +28,20 @@ double ConstraintSolver::value(Variable variable) const {
     return row >= 0 ? rows_[static_cast<std::size_t>(row)].constant : 0;
 }
 
+bool ConstraintSolver::isAmbiguous(Variable variable) const {
+    const int row = symbols_[variable].row;
+    return row < 0 || std::ranges::any_of(rows_[static_cast<std::size_t>(row)].terms,
+                                          [this](const Term& term) { return mayMoveFreely(term.variable); });
+}
+
+/// Whether the parametric symbol could have another value than 0 at no cost.
+bool ConstraintSolver::mayMoveFreely(SymbolId symbol) const {
+    if (symbols_[symbol].kind == Kind::External) return true;
+    return symbols_[symbol].kind == Kind::Slack && std::ranges::all_of(objectives_, [symbol](const Objective& each) {
+               return std::abs(coefficient(each.terms, symbol)) < nothing;
+           });
+}
+
 ConstraintSolver::ConstraintId ConstraintSolver::add(std::span<const Term> terms, double constant, Cost cost) {
     ConstraintId id = static_cast<ConstraintId>(constraints_.size());
     if (unusedConstraints_.empty()) {

@@ -44,6 +44,9 @@ public:
     double value(Variable variable) const;
     bool isDetermined(Variable variable) const { return symbols_[variable].row >= 0; }
 
+    /// Whether the constraints would hold as well with another value. Of the last `solve`.
+    bool isAmbiguous(Variable variable) const;
+
     /// Takes effect at the next `solve`. Each variable may stand in `terms` once.
     ConstraintId add(std::span<const Term> terms, double constant, Cost cost);
     void remove(ConstraintId constraint);
@@ -131,6 +134,7 @@ private:
     void freeSymbol(SymbolId symbol);
     int newRow();
     void setRowConstant(int row, double constant);
+    bool mayMoveFreely(SymbolId symbol) const;
     static double coefficient(const Terms& terms, SymbolId symbol);
     void listAsChanged(SymbolId symbol);
 

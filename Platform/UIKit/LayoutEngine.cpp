@@ -111,6 +111,14 @@ bool LayoutEngine::speaksOf(const UIView& top) const {
     return std::ranges::any_of(top.subviews_, [this](const Ref<UIView>& view) { return speaksOf(*view); });
 }
 
+bool LayoutEngine::isAmbiguous(const UIView& view) const {
+    if (isHeld(view)) return false;
+    if (!view.layoutState_ || !view.layoutState_->isRegistered) return true;
+    return std::ranges::any_of(view.layoutState_->variables, [this](ConstraintSolver::Variable variable) {
+        return !variable || solver_.isAmbiguous(variable);
+    });
+}
+
 /// Says `first - multiplier * second - constant` to the solver.
 void LayoutEngine::insert(NSLayoutConstraint& constraint) {
     UIView &first = *constraint.heldFirst_, *second = constraint.heldSecond_;

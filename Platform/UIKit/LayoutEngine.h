@@ -38,6 +38,9 @@ public:
     /// False only where no constraint names the view or one below it.
     bool speaksOf(const UIView& top) const;
 
+    /// Whether a view that is laid out by constraints could as well lie elsewhere, or be of another size.
+    bool isAmbiguous(const UIView& view) const;
+
     bool needsSolving() const { return needsSolving_; }
     /// Brings the frames of all views of the tree up to date. Constraints that contradict others are left out until
     /// they no longer do, and are named in the log.

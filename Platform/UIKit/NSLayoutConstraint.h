@@ -55,6 +55,8 @@ public:
     void setConstant(CGFloat constant);
     UILayoutPriority priority() const { return priority_; }
     void setPriority(UILayoutPriority priority);
+    /// Whether it is left out at present because it contradicts others, which the log says.
+    bool isBroken() const { return isBroken_; }
     /// Names both views, the relation and the constant, for messages.
     std::string description() const override;
 

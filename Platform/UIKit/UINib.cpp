@@ -5,6 +5,7 @@
 #include <UIKit/UINib.h>
 
 #include <fstream>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -31,6 +32,8 @@ std::optional<std::string> contents(const std::string& path) {
 /// A file and what became of it. Shared by all layouts of the same file.
 struct UINib::File {
     std::string name;
+    /// Tells whether the text has changed; 0 for no file.
+    std::size_t textHash = 0;
     std::optional<LayoutElement> content;
     LayoutProblem problem;
     // Made at the first use that succeeds: the classes named in the file may become known later than the file.
@@ -40,6 +43,7 @@ struct UINib::File {
     static std::shared_ptr<const File> make(std::string name, const std::optional<std::string>& text) {
         auto file = std::make_shared<File>();
         file->name = std::move(name);
+        file->textHash = hashOf(text);
         if (text)
             file->content = readLayoutFile(*text, file->problem);
         else
@@ -47,13 +51,22 @@ struct UINib::File {
         return file;
     }
 
+    static std::size_t hashOf(const std::optional<std::string>& text) {
+        return text ? std::hash<std::string>()(*text) : 0;
+    }
+
+    /// By path; those that are part of the program by bundle and name, with a line feed between.
+    static std::map<std::string, std::shared_ptr<const File>>& files() {
+        static std::map<std::string, std::shared_ptr<const File>> files;
+        return files;
+    }
+
     static std::shared_ptr<const File> ofBundle(const NSBundle& bundle, std::string_view name) {
         const NSString path = bundle.pathForResource(name, "xml");
         const NSString builtIn = path ? NSString() : bundle.builtInResource(name, "xml");
         const std::string fileName = std::string(name) + ".xml";
         if (!path && !builtIn) return make(fileName, std::nullopt);
-        static std::map<std::string, std::shared_ptr<const File>> files;
-        auto& file = files[path ? path.string() : bundle.bundlePath() + "\n" + fileName];
+        auto& file = files()[path ? path.string() : bundle.bundlePath() + "\n" + fileName];
         if (!file) file = make(fileName, path ? contents(path.string()) : builtIn.string());
         return file;
     }
@@ -62,6 +75,11 @@ struct UINib::File {
         std::string text = name;
         if (what.line > 0) text += ":" + std::to_string(what.line);
         return NSError::errorWithDomain(UINibErrorDomain, errorCode, text + ": " + what.text);
+    }
+
+    void tell(const LayoutProblem& what) const {
+        if (std::exchange(isReported, true)) return;
+        LogSink::write(LogLevelError, "UINib: " + error(what)->localizedDescription());
     }
 
     const layout::LayoutBlueprint* prepared(LayoutProblem& what) const {
@@ -86,6 +104,24 @@ Ref<UINib> UINib::nibWithNibName(std::string_view name, NSBundle& bundle) {
     return nib;
 }
 
+bool UINib::readChangedFiles() {
+    bool hasChanged = false;
+    for (auto& [path, file] : File::files()) {
+        if (path.find('\n') != path.npos) continue;
+        const auto text = contents(path);
+        if (File::hashOf(text) == file->textHash) continue;
+        const std::shared_ptr<const File> changed = File::make(file->name, text);
+        LayoutProblem problem;
+        if (changed->prepared(problem)) {
+            file = changed;
+            hasChanged = true;
+        } else {
+            changed->tell(problem);
+        }
+    }
+    return hasChanged;
+}
+
 Ref<UINib> UINib::nibWithText(std::string_view text, std::string_view name) {
     auto nib = make<UINib>();
     nib->file_ = File::make(std::string(name), std::string(text));
@@ -98,12 +134,10 @@ std::vector<Ref<NSObject>> UINib::instantiateWithOwner(NSObject* owner, Ref<NSEr
         layout::LayoutInstance instance(*blueprint, owner, problem);
         if (instance.make()) return instance.topLevelObjects();
     }
-    const Ref<NSError> failure = file_->error(problem);
-    if (error) {
-        *error = failure;
-    } else if (!std::exchange(file_->isReported, true)) {
-        LogSink::write(LogLevelError, "UINib: " + failure->localizedDescription());
-    }
+    if (error)
+        *error = file_->error(problem);
+    else
+        file_->tell(problem);
     return {};
 }
 

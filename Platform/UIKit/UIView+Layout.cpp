@@ -96,6 +96,14 @@ LayoutEngine* UIView::treeEngine() {
     return top.layoutState_ ? top.layoutState_->ownEngine.get() : nullptr;
 }
 
+bool UIView::hasAmbiguousLayout() const {
+    if (translatesMask_) return false;
+    const UIView* top = this;
+    while (top->superview_) top = top->superview_;
+    const LayoutEngine* engine = top->layoutState_ ? top->layoutState_->ownEngine.get() : nullptr;
+    return !engine || engine->isAmbiguous(*this);
+}
+
 LayoutEngine& UIView::makeTreeEngine() {
     if (LayoutEngine* engine = treeEngine()) return *engine;
     UIView& top = root();

@@ -126,6 +126,9 @@ public:
     void addConstraints(std::span<const Ref<NSLayoutConstraint>> constraints);
     void removeConstraint(NSLayoutConstraint& constraint);
     void removeConstraints(std::span<const Ref<NSLayoutConstraint>> constraints);
+    /// Whether the constraints leave open where the view lies or how large it is, as of the last layout. False for a
+    /// view that is laid out by its frame.
+    bool hasAmbiguousLayout() const;
     /// The size that the content asks for, UIViewNoIntrinsicMetric where it asks for none.
     virtual CGSize intrinsicContentSize() const;
     void invalidateIntrinsicContentSize();

@@ -1,5 +1,6 @@
 #include <UIKit/LayoutFiles/ConstraintExpression.h>
 #include <UIKit/LayoutFiles/LayoutValues.h>
+#include <UIKit/LayoutFiles/Suggestion.h>
 
 #include <cctype>
 #include <utility>
@@ -22,6 +23,9 @@ Kind kindOf(NSLayoutAttribute attribute) {
             return Kind::Horizontal;
     }
 }
+
+constexpr std::string_view attributeNames[] = {"left",     "right", "top",    "bottom",  "leading",
+                                               "trailing", "width", "height", "centerX", "centerY"};
 
 std::optional<NSLayoutAttribute> attributeNamed(std::string_view name) {
     using enum NSLayoutAttribute;
@@ -73,8 +77,9 @@ private:
         const std::string_view name = dot == std::string_view::npos ? token_ : token_.substr(dot + 1);
         const auto attribute = attributeNamed(name);
         if (!attribute) {
-            fail(token_.empty() ? "the constraint ends too early"
-                                : "\"" + std::string(token_) + "\" names no attribute of a view");
+            fail(token_.empty()
+                     ? "the constraint ends too early; write it as in \"top == parent.top + 8\""
+                     : inQuotes(token_) + " names no attribute of a view" + suggestionFor(name, attributeNames));
             return false;
         }
         result = {std::string(dot == std::string_view::npos ? std::string_view() : token_.substr(0, dot)), *attribute};
@@ -89,7 +94,7 @@ private:
             {">=", NSLayoutRelation::GreaterThanOrEqual}};
         const auto found = choice(token_, relations);
         if (!found) {
-            fail("expected ==, <= or >=");
+            fail("expected ==, <= or >=, instead of " + inQuotes(token_));
             return false;
         }
         result = *found;
@@ -117,7 +122,7 @@ private:
     bool constant(CGFloat& result, CGFloat sign) {
         const auto value = number(token_);
         if (!value) {
-            fail("expected a number");
+            fail("expected a number, instead of " + inQuotes(token_));
             return false;
         }
         result = sign * *value;
@@ -128,9 +133,11 @@ private:
     std::optional<ConstraintExpression> checked(const ConstraintExpression& expression) {
         const Kind kind = kindOf(expression.first.attribute);
         if (expression.second.attribute == NSLayoutAttribute::NotAnAttribute) {
-            if (kind != Kind::Size) return fail("only a width or a height is compared with a number alone");
+            if (kind != Kind::Size)
+                return fail(
+                    "only a width or a height is compared with a number alone; write it as in \"parent.top + 8\"");
         } else if (kind != kindOf(expression.second.attribute)) {
-            return fail("the two sides cannot be compared");
+            return fail("the two sides cannot be compared; take two sizes, two horizontal or two vertical places");
         }
         return expression;
     }
@@ -170,7 +177,8 @@ std::optional<std::vector<ConstraintExpression>> parsePin(std::string_view text,
         else if (const auto attribute = attributeNamed(name); attribute && kindOf(*attribute) != Kind::Size)
             attributes = {*attribute};
         if (attributes.empty() || !inset) {
-            problem = "\"" + std::string(word) + "\" pins nothing";
+            problem =
+                inQuotes(word) + " pins nothing; write edges, center, or places with an inset, as in \"top:8 leading\"";
             return std::nullopt;
         }
         for (const NSLayoutAttribute attribute : attributes) result.push_back(pinned(attribute, *inset));

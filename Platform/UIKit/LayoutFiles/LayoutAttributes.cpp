@@ -23,6 +23,8 @@ using ParseForState = ApplyAttribute (*)(std::string_view value, UIControlState 
 struct Entry {
     std::string_view name;
     Parse parse;
+    /// What the values look like.
+    std::string_view form;
     /// For attributes that may differ by state, as in `titleColor.disabled`; null for the others.
     ParseForState parseForState = nullptr;
 };
@@ -61,18 +63,6 @@ ApplyAttribute applying(void (*set)(View&, Argument, UIControlState), const std:
     if (!value) return {};
     return {[set, value = *value, state](UIView& view) { set(static_cast<View&>(view), valueOf(value), state); },
             followsPalette(*value)};
-}
-
-/// An attribute whose text `Read` turns into the value that `Set` gives to the view.
-template <auto Read, auto Set>
-constexpr Entry attribute(std::string_view name) {
-    return {name, [](std::string_view text) { return applying(+Set, Read(text)); }};
-}
-
-template <auto Read, auto Set>
-constexpr Entry attributeByState(std::string_view name) {
-    return {name, [](std::string_view text) { return applying(+Set, Read(text), UIControlState::Normal); },
-            [](std::string_view text, UIControlState state) { return applying(+Set, Read(text), state); }};
 }
 
 // Values that only one kind of attribute has.
@@ -135,6 +125,60 @@ std::optional<UIButtonBarEdge> barEdge(std::string_view value) {
     static constexpr std::pair<std::string_view, UIButtonBarEdge> edges[] = {
         {"none", None}, {"top", Top}, {"left", Left}, {"bottom", Bottom}, {"right", Right}};
     return choice(value, edges);
+}
+
+/// What the texts look like that a function reads.
+template <auto Read>
+constexpr std::string_view formOf = "";
+template <>
+constexpr std::string_view formOf<boolean> = "\"true\" or \"false\"";
+template <>
+constexpr std::string_view formOf<length> = "points, 0 or more";
+template <>
+constexpr std::string_view formOf<share> = "a number from 0 to 1";
+template <>
+constexpr std::string_view formOf<wholeNumber> = "a whole number, 0 or more";
+template <>
+constexpr std::string_view formOf<rect> = "\"x y width height\"";
+template <>
+constexpr std::string_view formOf<insets> = "\"top left bottom right\"";
+template <>
+constexpr std::string_view formOf<namedColor> =
+    "\"#RRGGBB\", \"#RRGGBBAA\" or a colour of the theme, as in \"panel 60%\"";
+template <>
+constexpr std::string_view formOf<namedRadius> = "points, or a radius of the theme, as in \"panel\"";
+template <>
+constexpr std::string_view formOf<namedRadii> = "four radii, as in \"0 panel panel 0\"";
+template <>
+constexpr std::string_view formOf<namedFont> = "\"system 16\" or \"title semibold 16\"";
+template <>
+constexpr std::string_view formOf<icon> = "the name of a sign, as in \"play\"";
+template <>
+constexpr std::string_view formOf<shadow> = "\"radius offsetX offsetY colour\"";
+template <>
+constexpr std::string_view formOf<priorities> = "\"required\", \"high\", \"low\" or 1 to 1000";
+template <>
+constexpr std::string_view formOf<contentMode> = "\"scaleToFill\", \"scaleAspectFit\" or \"scaleAspectFill\"";
+template <>
+constexpr std::string_view formOf<alignment> = "\"left\", \"center\", \"right\" or \"natural\"";
+template <>
+constexpr std::string_view formOf<lineBreakMode> = "\"wordWrap\" or \"truncateTail\"";
+template <>
+constexpr std::string_view formOf<iconPlacement> = "\"leading\" or \"above\"";
+template <>
+constexpr std::string_view formOf<barEdge> = "\"none\", \"top\", \"left\", \"bottom\" or \"right\"";
+
+/// An attribute whose text `Read` turns into the value that `Set` gives to the view.
+template <auto Read, auto Set>
+constexpr Entry attribute(std::string_view name) {
+    return {name, [](std::string_view text) { return applying(+Set, Read(text)); }, formOf<Read>};
+}
+
+template <auto Read, auto Set>
+constexpr Entry attributeByState(std::string_view name) {
+    return {name, [](std::string_view text) { return applying(+Set, Read(text), UIControlState::Normal); },
+            formOf<Read>,
+            [](std::string_view text, UIControlState state) { return applying(+Set, Read(text), state); }};
 }
 
 // One table a class.
@@ -325,6 +369,21 @@ AttributeProblem parseAttribute(const ClassInfo& viewClass, std::string_view nam
     }
     const Property* property = viewClass.property(name);
     return property && property->set ? parseProperty(*property, value, result) : AttributeProblem::Unknown;
+}
+
+std::vector<std::string_view> attributeNames(const ClassInfo& viewClass) {
+    std::vector<std::string_view> names = {"id", "outlet", "pin", "width", "height"};
+    if (viewClass.isSubclassOf(UIControl::staticClass())) names.push_back("action");
+    for (Class each = &viewClass; each; each = each->superclass()) {
+        for (const Entry& entry : attributesOf(*each)) names.push_back(entry.name);
+        for (const Property& property : each->tables().properties) names.push_back(property.name);
+    }
+    return names;
+}
+
+std::string_view formOfValue(const ClassInfo& viewClass, std::string_view name) {
+    const Entry* entry = entryNamed(viewClass, name.substr(0, name.find('.')));
+    return entry ? entry->form : std::string_view();
 }
 
 void registerViewClasses() {

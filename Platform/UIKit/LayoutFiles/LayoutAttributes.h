@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <string_view>
+#include <vector>
 
 namespace flarebox {
 class UIView;
@@ -27,6 +28,12 @@ enum class AttributeProblem { None, Unknown, BadValue };
 /// other class are its properties.
 AttributeProblem parseAttribute(const ClassInfo& viewClass, std::string_view name, std::string_view value,
                                 ApplyAttribute& result);
+
+/// The attributes that such views may have, for messages; those that differ by state without their states.
+std::vector<std::string_view> attributeNames(const ClassInfo& viewClass);
+/// What a value of the attribute looks like, for messages: "true" or "false", points, …. Empty where there is no
+/// saying.
+std::string_view formOfValue(const ClassInfo& viewClass, std::string_view name);
 
 /// Makes the names of the toolkit's own views known, so that layout files find them.
 void registerViewClasses();

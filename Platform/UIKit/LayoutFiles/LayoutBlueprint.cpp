@@ -8,6 +8,15 @@
 namespace flarebox::layout {
 namespace {
 
+constexpr std::string_view viewNames[] = {
+    "UIView",     "UILabel", "UIButton", "UIImageView", "UIScrollView", "UICollectionView", "UIActivityIndicatorView",
+    "constraint", "layout"};
+constexpr std::string_view constraintAttributes[] = {"id", "outlet", "priority"};
+
+std::string written(std::string_view form) {
+    return form.empty() ? "" : "; write " + std::string(form);
+}
+
 class Builder {
 public:
     explicit Builder(LayoutProblem& problem) : problem_(problem) {}
@@ -41,7 +50,9 @@ private:
         plan.viewClass = classFromName(element.name);
         plan.line = element.line;
         plan.parent = parent;
-        if (!plan.viewClass) return fail(element.line, "unknown element " + inQuotes(element.name));
+        if (!plan.viewClass)
+            return fail(element.line,
+                        "unknown element " + inQuotes(element.name) + suggestionFor(element.name, viewNames));
         if (!plan.viewClass->isSubclassOf(UIView::staticClass()))
             return fail(element.line, inQuotes(element.name) + " is no view");
         if (!element.text.empty()) return fail(element.line, "unexpected text " + inQuotes(element.text));
@@ -72,9 +83,11 @@ private:
                 plan.attributes.push_back(std::move(apply));
                 return true;
             case AttributeProblem::Unknown:
-                return fail(element.line, inQuotes(element.name) + " has no attribute " + inQuotes(name));
+                return fail(element.line, inQuotes(element.name) + " has no attribute " + inQuotes(name) +
+                                              suggestionFor(name, attributeNames(*plan.viewClass)));
             case AttributeProblem::BadValue:
-                return fail(element.line, inQuotes(value) + " is no value for " + inQuotes(name));
+                return fail(element.line, inQuotes(value) + " is no value for " + inQuotes(name) +
+                                              written(formOfValue(*plan.viewClass, name)));
         }
         return false;
     }
@@ -85,14 +98,14 @@ private:
         const auto [place, isNew] = names_.emplace(value, index);
         // A view may use one name both as its id and as its outlet.
         const bool isOwn = index != noView && place->second == index && field.empty();
-        if (!isNew && !isOwn) return fail(line, inQuotes(value) + " is used twice");
+        if (!isNew && !isOwn) return fail(line, inQuotes(value) + " is used twice; give one of the two another name");
         field = value;
         return true;
     }
 
     bool setAction(ViewPlan& plan, const std::string& value) {
         if (!plan.viewClass->isSubclassOf(UIControl::staticClass()))
-            return fail(plan.line, "only controls have an action");
+            return fail(plan.line, "only controls have an action; make the element a UIButton");
         if (value.empty()) return fail(plan.line, "a name is empty");
         plan.action = value;
         return true;
@@ -109,7 +122,7 @@ private:
     bool fixedSize(std::size_t index, NSLayoutAttribute attribute, const std::string& value, int line) {
         ConstraintExpression expression;
         const auto size = length(value);
-        if (!size) return fail(line, inQuotes(value) + " is no length");
+        if (!size) return fail(line, inQuotes(value) + " is no length; write points, 0 or more");
         expression.first.attribute = attribute;
         expression.constant = *size;
         add(expression, index, line);
@@ -139,10 +152,15 @@ private:
                 field = value;
             } else if (name == "priority") {
                 const auto wanted = priority(value);
-                if (!wanted) return fail(element.line, inQuotes(value) + " is no value for \"priority\"");
+                if (!wanted)
+                    return fail(
+                        element.line,
+                        inQuotes(value) +
+                            " is no value for \"priority\"; write \"required\", \"high\", \"low\" or 1 to 1000");
                 plan.priority = *wanted;
             } else {
-                return fail(element.line, "a constraint has no attribute " + inQuotes(name));
+                return fail(element.line, "a constraint has no attribute " + inQuotes(name) +
+                                              suggestionFor(name, constraintAttributes));
             }
         }
         return true;
@@ -170,9 +188,18 @@ private:
             return result != noView || fail(line, "a top-level object has no parent");
         }
         const auto found = names_.find(name);
-        if (found == names_.end() || found->second == noView) return fail(line, "no view is called " + inQuotes(name));
+        if (found == names_.end() || found->second == noView)
+            return fail(line, "no view is called " + inQuotes(name) + suggestionFor(name, viewsCalled()));
         result = found->second;
         return true;
+    }
+
+    std::vector<std::string_view> viewsCalled() const {
+        std::vector<std::string_view> names = {"parent", "self"};
+        for (const auto& [name, index] : names_) {
+            if (index != noView) names.push_back(name);
+        }
+        return names;
     }
 
     bool holds(std::size_t ancestor, std::size_t view) const {

@@ -50,7 +50,7 @@ bool LayoutInstance::bindView(const ViewPlan& plan, UIView& view) {
     if (plan.action.empty()) return true;
     NSObject* target = root().respondsToSelector(plan.action) ? &root() : owner_;
     if (!target || !target->respondsToSelector(plan.action))
-        return fail(plan.line, "unknown action " + inQuotes(plan.action));
+        return fail(plan.line, "unknown action " + inQuotes(plan.action) + suggestionFor(plan.action, actionNames()));
     objectCast<UIControl>(&view)->addTarget(*target, plan.action, UIControlEvents::TouchUpInside);
     return true;
 }
@@ -71,7 +71,7 @@ bool LayoutInstance::bindOutlet(const std::string& name, NSObject& value, int li
         holder = owner_;
         outlet = holder->classInfo().outlet(name);
     }
-    if (!outlet) return fail(line, "unknown outlet " + inQuotes(name));
+    if (!outlet) return fail(line, "unknown outlet " + inQuotes(name) + suggestionFor(name, outletNames()));
     if (!outlet->set(*holder, &value))
         return fail(line, "outlet " + inQuotes(name) + " takes no " + std::string(value.classInfo().name()));
     if (holder == &root()) bound_.insert(name);
@@ -82,10 +82,28 @@ bool LayoutInstance::requireOutlets() {
     for (Class each = &root().classInfo(); each; each = each->superclass()) {
         for (const Outlet& outlet : each->tables().outlets) {
             if (outlet.source != Outlet::Source::LayoutFile || bound_.contains(outlet.name)) continue;
-            return fail(blueprint_.views.front().line, "outlet " + inQuotes(outlet.name) + " is bound by no element");
+            return fail(blueprint_.views.front().line,
+                        "outlet " + inQuotes(outlet.name) +
+                            " is bound by no element; give one outlet=" + inQuotes(outlet.name));
         }
     }
     return true;
+}
+
+std::vector<std::string_view> LayoutInstance::outletNames() const {
+    std::vector<std::string_view> names;
+    for (Class each = &root().classInfo(); each; each = each->superclass()) {
+        for (const Outlet& outlet : each->tables().outlets) names.push_back(outlet.name);
+    }
+    return names;
+}
+
+std::vector<std::string_view> LayoutInstance::actionNames() const {
+    std::vector<std::string_view> names;
+    for (Class each = &root().classInfo(); each; each = each->superclass()) {
+        for (const Action& action : each->tables().actions) names.push_back(action.name);
+    }
+    return names;
 }
 
 void LayoutInstance::keepLook() {

@@ -5,6 +5,7 @@
 
 #include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace flarebox::layout {
@@ -30,6 +31,9 @@ private:
     bool bindOutlet(const std::string& name, NSObject& value, int line);
     bool requireOutlets();
     void keepLook();
+    // Of the root's class, for messages.
+    std::vector<std::string_view> outletNames() const;
+    std::vector<std::string_view> actionNames() const;
     UIView& root() const { return *views_.front(); }
     UIView* viewAt(std::size_t index) const { return index == noView ? nullptr : views_[index].get(); }
 

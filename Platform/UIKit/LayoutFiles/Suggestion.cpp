@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cctype>
 #include <numeric>
-#include <utility>
 #include <vector>
 
 namespace flarebox::layout {
@@ -16,19 +15,22 @@ bool isSameLetter(char one, char other) {
     return std::tolower(static_cast<unsigned char>(one)) == std::tolower(static_cast<unsigned char>(other));
 }
 
-/// How many letters have to be put in, left out or replaced, whatever their case.
+/// How many letters have to be put in, left out, replaced, or exchanged with their neighbour, whatever their case.
 std::size_t distance(std::string_view one, std::string_view other) {
-    std::vector<std::size_t> row(other.size() + 1);
-    std::iota(row.begin(), row.end(), std::size_t{0});
+    std::vector<std::size_t> beforeLast, last(other.size() + 1), row(other.size() + 1);
+    std::iota(last.begin(), last.end(), std::size_t{0});
     for (std::size_t i = 0; i < one.size(); ++i) {
-        std::size_t diagonal = std::exchange(row[0], i + 1);
+        row[0] = i + 1;
         for (std::size_t j = 0; j < other.size(); ++j) {
-            const std::size_t replaced = diagonal + (isSameLetter(one[i], other[j]) ? 0 : 1);
-            diagonal = row[j + 1];
-            row[j + 1] = std::min({replaced, row[j] + 1, row[j + 1] + 1});
+            row[j + 1] = std::min({last[j] + !isSameLetter(one[i], other[j]), last[j + 1] + 1, row[j] + 1});
+            const bool isExchanged =
+                i > 0 && j > 0 && isSameLetter(one[i], other[j - 1]) && isSameLetter(one[i - 1], other[j]);
+            if (isExchanged) row[j + 1] = std::min(row[j + 1], beforeLast[j - 1] + 1);
         }
+        beforeLast = last;
+        last = row;
     }
-    return row.back();
+    return last.back();
 }
 
 }  // namespace
