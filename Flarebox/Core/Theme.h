@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Foundation/Export.h>
 #include <Foundation/NSError.h>
 #include <Foundation/NSObject.h>
 #include <Foundation/Values.h>
@@ -18,7 +19,7 @@ inline constexpr const char* ThemeErrorDomain = "ThemeErrorDomain";
 
 /// How a brand wants the kit to look: colours, corner radii, typefaces, and what stands on the open button and in the
 /// top bar. Handed over with FlareboxConfig::setTheme. Docs/theming.md describes the file. Main thread.
-class Theme : public NSObject {
+class FLAREBOX_EXPORT Theme : public NSObject {
     FLAREBOX_CLASS(Theme)
 public:
     /// A mark of the brand: a picture of any shape in its own colours, or one of the kit's signs in the theme's.

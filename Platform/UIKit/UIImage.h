@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Foundation/Export.h>
 #include <Foundation/NSError.h>
 #include <Foundation/NSObject.h>
 #include <Foundation/Values.h>
@@ -16,7 +17,7 @@ namespace flarebox {
 
 /// A picture in memory, in as many pixels as are needed of it. Immutable and shared; may be made, read and released on
 /// any thread.
-class UIImage : public NSObject {
+class FLAREBOX_EXPORT UIImage : public NSObject {
     FLAREBOX_CLASS(UIImage)
 public:
     /// Largest encoded picture in bytes and largest decoded one in pixels; beyond them a picture is refused unread.

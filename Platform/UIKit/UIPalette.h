@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Foundation/Export.h>
 #include <UIKit/Geometry.h>
 #include <UIKit/UIFont.h>
 
@@ -13,7 +14,7 @@ namespace flarebox {
 
 /// The colours, corner radii and typefaces that layout files and the platform's own controls call by name, so that all
 /// of a brand's look is in one place. A plain value; one is in force at a time. Main thread.
-class UIPalette {
+class FLAREBOX_EXPORT UIPalette {
 public:
     enum class Shade : std::uint8_t {
         Panel,           ///< behind everything

@@ -25,7 +25,7 @@ class Sources:
     def __init__(self):
         scripts = [path for path in tracked("*", "scripts/*") if path.is_file() and path.suffix in ("", ".sh", ".py")]
         self.scripts = "\n".join(path.read_text() for path in scripts)
-        self.cmake = "\n".join(path.read_text() for path in tracked("CMakeLists.txt", "*/CMakeLists.txt", "*/*/CMakeLists.txt", "cmake/*"))
+        self.cmake = "\n".join(path.read_text() for path in tracked("CMakeLists.txt", "*/CMakeLists.txt", "*/*/CMakeLists.txt", "cmake/**/*.*"))
         self.presets = (REPOSITORY / "CMakePresets.json").read_text()
         self.packages = set("\n".join(path.read_text() for path in tracked("scripts/packages*.txt")).split())
         self.examples = "\n".join(path.read_text() for path in tracked("Examples/**/*.cpp", "Examples/**/*.c", "Examples/**/*.py"))

@@ -9,9 +9,11 @@ export HOME=$work/home XDG_CONFIG_HOME=$work/home/config XDG_DATA_HOME=$work/hom
 mkdir -p "$HOME"
 
 fail() { echo "$*" >&2; exit 1; }
+# The commands of Docs/shipping.md that begin with a word, down to the end of their block.
+commands_of_page() { sed -n "/^$1 /,/^\`\`\`/p" "$source/Docs/shipping.md" | grep -v '^```'; }
 fresh() { rm -rf "$1" && mkdir -p "$1"; }
 quietly() { "$@" >"$work/log" 2>&1 || { cat "$work/log" >&2; fail "failed: $*"; }; }
-play() { timeout 60 "$@" | grep -qx 'The tab is open.' || fail "$1 did not get its tab"; }
+play() { timeout 300 "$@" | grep -qx 'The tab is open.' || fail "$1 did not get its tab"; }
 
 case $step in
 install)
@@ -28,6 +30,11 @@ symbols)
         objdump -p "$library" | grep -q "SONAME.*$(basename "$library")$" || fail "$library has another SONAME"
     done
     inside=$(nm -DC --defined-only "$prefix"/lib*/libFlarebox.so | grep -cE 'flarebox::(layout|LayerRenderer|CurlTransfer|Transport)' || true)
+    fresh "$work/symbols"
+    cp -L "$build/libFlarebox.so" "$work/symbols/libFlarebox.so.0.1.0"
+    cd "$work/symbols"
+    quietly bash -ec "$(commands_of_page objcopy)"
+    [ "$(stat -c %s libFlarebox.so.0.1.0)" -lt "$(stat -c %s libFlarebox.so.0.1.0.debug)" ] || fail "stripping took nothing away"
     [ "$inside" = 0 ] || fail "libFlarebox.so shows $inside of its inner functions"
     ;;
 find_package)
@@ -35,7 +42,7 @@ find_package)
     quietly cmake -S "$here/FindPackage" -B "$work/find_package" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" -DGAME="$here/Game" \
         -DEXAMPLES="$source/Examples"
     quietly cmake --build "$work/find_package"
-    play "$work/find_package/game"
+    play "$work/find_package/headless-game"
     ;;
 pkg-config)
     fresh "$work/pkg-config"
@@ -52,6 +59,8 @@ pkg-config)
     # shellcheck disable=SC2046
     gcc -std=c99 -Wpedantic -Werror version.c -o version $(pkg-config --cflags --libs flarebox) -Wl,-rpath,'$ORIGIN'
     ./version
+    cp "$source/Examples/HostGame/Integration.cpp" game.cpp
+    quietly bash -ec "$(commands_of_page g++)"
     ;;
 FetchContent)
     # Compiling the whole kit once more takes minutes: unless FLAREBOX_PACKAGE_FULL is set, only the game is compiled with what the fetched
