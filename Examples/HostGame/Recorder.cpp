@@ -132,7 +132,7 @@ void Recorder::follow(const InputEvent& event) {
 }
 
 void Recorder::end() {
-    const Gesture gesture = *gesture_;
+    const RecordedGesture gesture = *gesture_;
     gesture_.reset();
     writePause(gesture.start, gesture.isRested);
     const CGFloat way = distance(gesture.from, gesture.to);
@@ -163,7 +163,7 @@ void Recorder::addScrolling(const InputEvent& event) {
 
 void Recorder::endScrolling() {
     if (!scrolling_) return;
-    const Scrolling scrolling = *scrolling_;
+    const RecordedScrolling scrolling = *scrolling_;
     scrolling_.reset();
     write("scroll " + pointText(scrolling.point) + " " + number(scrolling.dx) + " " + number(scrolling.dy));
     lastEnd_ = scrolling.last;

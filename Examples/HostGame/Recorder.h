@@ -9,6 +9,24 @@
 
 namespace flarebox::hostgame {
 
+/// Of the player's, from the first finger's touch to its end.
+struct RecordedGesture {
+    double start = 0;
+    /// Nothing was under way by then: what the player waited for had come.
+    bool isRested = false;
+    CGPoint from, to;
+    /// What was touched, as a script names it: a control or an item to tap, a field to swipe over. Empty for none.
+    std::string target, field;
+    /// The distance of a second finger, when it came and now.
+    std::optional<CGFloat> firstSpread, spread;
+};
+/// Turns of the wheel that follow each other.
+struct RecordedScrolling {
+    CGPoint point;
+    CGFloat dx = 0, dy = 0;
+    double last = 0;
+};
+
 /// Writes what the player does to the panel as commands of a script, each as soon as it is over. What the game gets is
 /// left out. Main thread.
 class Recorder {
@@ -20,23 +38,6 @@ public:
     Recorder& operator=(const Recorder&) = delete;
 
 private:
-    /// From the first finger's touch to its end.
-    struct Gesture {
-        double start = 0;
-        /// Nothing was under way by then: what the player waited for had come.
-        bool isRested = false;
-        CGPoint from, to;
-        /// What was touched, as a script names it: a control or an item to tap, a field to swipe over. Empty for none.
-        std::string target, field;
-        /// The distance of a second finger, when it came and now.
-        std::optional<CGFloat> firstSpread, spread;
-    };
-    /// Turns of the wheel that follow each other.
-    struct Scrolling {
-        CGPoint point;
-        CGFloat dx = 0, dy = 0;
-        double last = 0;
-    };
     struct Close {
         void operator()(std::FILE* file) const { std::fclose(file); }
     };
@@ -55,8 +56,8 @@ private:
 
     Game& game_;
     File file_;
-    std::optional<Gesture> gesture_;
-    std::optional<Scrolling> scrolling_;
+    std::optional<RecordedGesture> gesture_;
+    std::optional<RecordedScrolling> scrolling_;
     /// When the last command was over.
     double lastEnd_;
 };

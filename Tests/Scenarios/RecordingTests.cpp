@@ -16,6 +16,14 @@ constexpr const char* session =
 /// A shot in the game is no command of the panel, and neither is the time after the last one.
 constexpr const char* afterwards = "wait 0.8\nawait idle 60\ntap 900 300\n";
 
+/// Without the lines that let everything come to rest: whether something is under way at a touch depends on the
+/// machine.
+std::string withoutRests(std::string script) {
+    constexpr std::string_view rest = "await idle 60\n";
+    for (std::size_t at = 0; (at = script.find(rest)) != script.npos;) script.erase(at, rest.size());
+    return script;
+}
+
 std::string play(const TemporaryDirectory& folder, const std::string& script, const std::string& name) {
     folder.write(name + ".script", script + "dump " + name + ".json\n");
     const GameResult result = runGame(
@@ -26,9 +34,11 @@ std::string play(const TemporaryDirectory& folder, const std::string& script, co
 
 TEST(RecordingTest, IsTheSessionAgain) {
     const TemporaryDirectory folder;
-    ASSERT_EQ(play(folder, session + std::string(afterwards), "played"), session);
-    ASSERT_EQ(play(folder, session + std::string("swipe contentView left\nwait 0.5\n"), "closed"),
-              session + std::string("swipe assetView left\n"));
+    const std::string recorded = play(folder, session + std::string(afterwards), "played");
+    ASSERT_EQ(withoutRests(recorded), withoutRests(session));
+    EXPECT_THAT(recorded, ::testing::StartsWith("await idle 60\ntap btnOpen\n"));
+    ASSERT_EQ(withoutRests(play(folder, recorded + "swipe contentView left\nwait 0.5\n", "closed")),
+              withoutRests(recorded) + "swipe assetView left\n");
     EXPECT_EQ(State(folder, "played.json").json("isOpened"), "true");
     EXPECT_EQ(State(folder, "closed.json").json("isOpened"), "false");
 }
