@@ -12,4 +12,4 @@ case "${1:-}" in
     *) mapfile -t sources < <(git ls-files "$@" | grep '\.cpp$') ;;
 esac
 [ ${#sources[@]} = 0 ] && exit
-printf '%s\n' "${sources[@]}" | nice -n 19 xargs -P "$(nproc)" -n 4 clang-tidy -p build/debug --quiet --warnings-as-errors='*' 2> >(grep -v 'warnings generated' >&2)
+printf '%s\n' "${sources[@]}" | nice -n 19 xargs -P "$(nproc)" -n 4 clang-tidy-16 -p build/debug --quiet --warnings-as-errors='*' 2> >(grep -v 'warnings generated' >&2)
