@@ -144,7 +144,8 @@ def check_span(place, span, runner):
 
 
 #: Of programs that are not ours.
-FOREIGN_OPTIONS = {"--preset", "--target", "--build", "--install", "--prefix", "--cflags", "--libs", "--static", "--component", "--config"}
+FOREIGN_OPTIONS = {"--preset", "--target", "--build", "--install", "--prefix", "--cflags", "--libs", "--static", "--component", "--config",
+                   "--strip", "--enable-gpl"}
 
 
 def check_prose(page, runner):

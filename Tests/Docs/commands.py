@@ -4,6 +4,7 @@ import os
 import pathlib
 import re
 import shlex
+import shutil
 import signal
 import subprocess
 import time
@@ -25,7 +26,7 @@ class Sources:
     def __init__(self):
         scripts = [path for path in tracked("*", "scripts/*") if path.is_file() and path.suffix in ("", ".sh", ".py")]
         self.scripts = "\n".join(path.read_text() for path in scripts)
-        self.cmake = "\n".join(path.read_text() for path in tracked("CMakeLists.txt", "*/CMakeLists.txt", "*/*/CMakeLists.txt", "cmake/**/*.*"))
+        self.cmake = "\n".join(path.read_text() for path in tracked("CMakeLists.txt", "*/CMakeLists.txt", "*/*/CMakeLists.txt", "*/*/*/CMakeLists.txt", "cmake/**/*.*"))
         self.presets = (REPOSITORY / "CMakePresets.json").read_text()
         self.packages = set("\n".join(path.read_text() for path in tracked("scripts/packages*.txt")).split())
         self.examples = "\n".join(path.read_text() for path in tracked("Examples/**/*.cpp", "Examples/**/*.c", "Examples/**/*.py"))
@@ -95,7 +96,7 @@ class Runner:
             words.pop(0)
         if not words:
             return None
-        known = {"apt-get": self.apt, "git": self.git, "cd": self.cd, "cmake": self.cmake, "ctest": self.ctest, "mkdir": self.run,
+        known = {"apt-get": self.apt, "cpack": self.cmake, "g++": self.compiler, "objcopy": self.installed, "strip": self.installed, "git": self.git, "cd": self.cd, "cmake": self.cmake, "ctest": self.ctest, "mkdir": self.run,
                  "export": lambda words: self.perform(" ".join(words[1:]))}
         if words[0] in known:
             return known[words[0]](words)
@@ -107,6 +108,15 @@ class Runner:
         packages = [word for word in words[1:] if not word.startswith("-") and word not in ("install", "update")]
         unknown = [word for word in packages if not word.startswith(("./", "build/")) and word not in self.sources.packages | {"git"}]
         return f"not in scripts/packages.txt: {' '.join(unknown)}" if unknown else None
+
+    def compiler(self, words):
+        """What pkg-config is asked for is one of the kit's modules."""
+        modules = [word.strip("$()") for word in words if word.startswith("flarebox")]
+        unknown = [word for word in modules if word.removeprefix("flarebox-") not in ("flarebox", "sdl", "opengl", "headless")]
+        return f"no module {' '.join(unknown)}" if unknown else None
+
+    def installed(self, words):
+        return None if shutil.which(words[0]) else f"{words[0]} is not installed"
 
     def git(self, words):
         if words[1] in ("clone", "config", "add", "commit"):
