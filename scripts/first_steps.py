@@ -20,6 +20,7 @@ PATIENCE = 60
 
 PLAY = f"""until (: >/dev/tcp/127.0.0.1/8080) 2>/dev/null; do sleep 0.1; done
 step playing
+times | tail -n 1 >/processor
 {GAME} 2>&1 | tee /game.log & sleep 0.1
 until [ -e /seen ]; do sleep 0.1; done
 kill -TERM $(pidof my-game)
@@ -117,7 +118,8 @@ def report(room, ended):
         if moment > before:
             print(f"{name:>10}: {moment - before:6.1f} s")
         before = moment
-    print(f"From nothing to the tab: {(ended - times['begun']) / 60:.1f} minutes; the pictures are in {OUT}")
+    processor = (room / "processor").read_text().strip()
+    print(f"From nothing to the tab: {(ended - times['begun']) / 60:.1f} minutes, of the processors (program, system) {processor}; pictures in {OUT}")
 
 
 if __name__ == "__main__":
