@@ -3,6 +3,7 @@
 #include <Flarebox/C/flarebox.h>
 #include <Flarebox/Core/FlareboxConfig.h>
 #include <Foundation/MainQueue.h>
+#include <Tests/Support/Pump.h>
 
 #include <gtest/gtest.h>
 
@@ -156,6 +157,63 @@ TEST_F(ContractTest, ConfigurationsOfNewerCallersAreTakenAsFarAsTheyAreKnown) {
     EXPECT_EQ(config.getTimeRefresh(), 77);
     EXPECT_EQ(config.sessionEdit()->age().integerValue(), 30);
     EXPECT_FALSE(config.sessionEdit()->deviceId());
+}
+
+TEST_F(ContractTest, ElementsAreToldOfAndActivated) {
+    makeHost();
+    flarebox_tab* const tab = flarebox_tab_create();
+    ASSERT_TRUE(tab) << flarebox_last_error();
+    flarebox_tab_show(tab);
+    ASSERT_TRUE(pumpUntil(
+        [&] { return flarebox_host_update(host_, 1), flarebox_host_visit_elements(host_, nullptr, nullptr) > 0; }));
+    struct Known {
+        std::uint64_t id;
+        std::string told;
+        flarebox_rect frame;
+    };
+    const auto first = [this] {
+        Known known{};
+        const auto visit = [](void* context, const flarebox_element* element) {
+            auto& found = *static_cast<Known*>(context);
+            EXPECT_EQ(element->struct_size, sizeof(flarebox_element));
+            if (found.id != 0) return;
+            found = {element->id,
+                     std::to_string(element->role) + " " + element->name + "/" + element->value + " " +
+                         std::to_string(element->state),
+                     element->frame};
+        };
+        flarebox_host_visit_elements(host_, visit, &known);
+        return known;
+    };
+    const Known button = first();
+    EXPECT_EQ(button.told, "2 Open Flarebox/ 0");
+    EXPECT_EQ(flarebox_host_set_interface_scale(host_, 2), FLAREBOX_OK);
+    flarebox_host_update(host_, 1);
+    EXPECT_NEAR(first().frame.width, button.frame.width, 1) << "fits no larger panel beside it";
+    EXPECT_EQ(flarebox_host_set_interface_scale(host_, 1), FLAREBOX_OK);
+    EXPECT_EQ(flarebox_host_set_safe_area(host_, 0, 50, 0, 0), FLAREBOX_OK);
+    EXPECT_EQ(flarebox_host_set_reduce_motion(host_, true), FLAREBOX_OK);
+    flarebox_host_update(host_, 1);
+    EXPECT_EQ(first().frame.x, 50);
+
+    EXPECT_FALSE(flarebox_host_press(host_, FLAREBOX_PRESS_SELECT));
+    EXPECT_EQ(flarebox_host_take_focus(host_), FLAREBOX_OK);
+    EXPECT_FALSE(flarebox_host_press(host_, 99));
+    EXPECT_TRUE(flarebox_host_has_focus(host_));
+    EXPECT_TRUE(flarebox_host_press(host_, FLAREBOX_PRESS_DOWN));
+    EXPECT_EQ(first().told, "2 Open Flarebox/ 4") << "focused";
+    EXPECT_FALSE(flarebox_host_adjust_element(host_, button.id, 1));
+    EXPECT_FALSE(flarebox_host_activate_element(host_, button.id + 100000));
+    EXPECT_TRUE(flarebox_host_activate_element(host_, button.id));
+    EXPECT_TRUE(flarebox_tab_is_open(tab));
+    EXPECT_TRUE(flarebox_host_press(host_, FLAREBOX_PRESS_BACK));
+    EXPECT_FALSE(flarebox_tab_is_open(tab));
+    EXPECT_FALSE(flarebox_host_has_focus(host_));
+
+    EXPECT_EQ(flarebox_host_set_interface_scale(host_, NAN), FLAREBOX_INVALID_ARGUMENT);
+    EXPECT_EQ(flarebox_host_set_safe_area(host_, 0, -1, 0, 0), FLAREBOX_INVALID_ARGUMENT);
+    EXPECT_EQ(flarebox_host_visit_elements(nullptr, nullptr, nullptr), 0U);
+    EXPECT_EQ(flarebox_tab_destroy(tab), FLAREBOX_OK);
 }
 
 }  // namespace

@@ -321,6 +321,47 @@ TEST_F(SDLInputTest, HeldKeysStayWithWhoGotThePress) {
     EXPECT_EQ(key(SDL_KEYUP, SDL_SCANCODE_W), ignored);
 }
 
+TEST_F(SDLInputTest, ControllersAreTheGamesUntilThePanelHasTheFocus) {
+    const auto pad = [this](Uint32 type, SDL_GameControllerButton button) {
+        SDL_Event e = event(type);
+        e.cbutton.button = static_cast<Uint8>(button);
+        return host_->handleEvent(e);
+    };
+    const auto stick = [this](SDL_GameControllerAxis axis, double deflection) {
+        SDL_Event e = event(SDL_CONTROLLERAXISMOTION);
+        e.caxis.axis = static_cast<Uint8>(axis);
+        e.caxis.value = static_cast<Sint16>(deflection * 32767);
+        return host_->handleEvent(e);
+    };
+    const auto other = make<UIControl>();
+    other->setFrame(CGRectMake(200, 0, 100, 300));
+    int otherPresses = 0;
+    other->addAction([&] { ++otherPresses; }, UIControlEvents::TouchUpInside);
+    UIApplication::sharedApplication().keyWindow()->addSubview(*other);
+
+    EXPECT_EQ(pad(SDL_CONTROLLERBUTTONDOWN, SDL_CONTROLLER_BUTTON_A), ignored);
+    EXPECT_EQ(stick(SDL_CONTROLLER_AXIS_LEFTX, 1), ignored);
+    EXPECT_EQ(stick(SDL_CONTROLLER_AXIS_LEFTX, 0), ignored);
+    host_->takeFocus();
+    EXPECT_EQ(pad(SDL_CONTROLLERBUTTONUP, SDL_CONTROLLER_BUTTON_A), ignored) << "went down in the game";
+    EXPECT_EQ(pad(SDL_CONTROLLERBUTTONDOWN, SDL_CONTROLLER_BUTTON_A), consumed);
+    EXPECT_EQ(presses_, 1);
+    EXPECT_EQ(pad(SDL_CONTROLLERBUTTONDOWN, SDL_CONTROLLER_BUTTON_START), ignored);
+    // A stick that trembles beyond its middle is pressed once.
+    for (const double deflection : {0.3, 0.7, 0.9, 0.5, 0.9})
+        EXPECT_EQ(stick(SDL_CONTROLLER_AXIS_LEFTX, deflection), consumed);
+    pad(SDL_CONTROLLERBUTTONDOWN, SDL_CONTROLLER_BUTTON_A);
+    EXPECT_EQ(otherPresses, 1);
+    stick(SDL_CONTROLLER_AXIS_LEFTX, 0);
+    stick(SDL_CONTROLLER_AXIS_LEFTX, -1);
+    pad(SDL_CONTROLLERBUTTONDOWN, SDL_CONTROLLER_BUTTON_A);
+    EXPECT_EQ(presses_, 2);
+    host_->giveBackFocus();
+    EXPECT_EQ(pad(SDL_CONTROLLERBUTTONUP, SDL_CONTROLLER_BUTTON_A), consumed) << "went down in the panel";
+    EXPECT_EQ(pad(SDL_CONTROLLERBUTTONDOWN, SDL_CONTROLLER_BUTTON_DPAD_LEFT), ignored);
+    other->removeFromSuperview();
+}
+
 TEST_F(SDLInputTest, FingersTouchOnceEvenWhenSDLReportsThemAsAMouseToo) {
     EXPECT_EQ(finger(SDL_FINGERDOWN, 7, 0.1F, 0.5F), consumed);
     EXPECT_EQ(finger(SDL_FINGERDOWN, 8, 0.9F, 0.5F), ignored);

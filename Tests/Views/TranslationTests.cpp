@@ -50,7 +50,7 @@ TEST_F(TranslationTest, EveryTextOfTheLayoutFilesIsListed) {
         return std::string((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
     };
     const std::string table = read(resources + "/en.lproj/Flarebox.strings");
-    const std::regex text(R"re(\s(?:text|title)(?:\.\w+)?="([^"]+)")re");
+    const std::regex text(R"re(\s(?:text|title|accessibilityLabel)(?:\.\w+)?="([^"]+)")re");
     int count = 0;
     for (const auto& entry : std::filesystem::directory_iterator(resources)) {
         if (entry.path().extension() != ".xml") continue;
