@@ -110,6 +110,10 @@ void CouponView::show(State state, const NSString& message) {
     if (window) window->focusSystem().requestFocus(*btnClose_);
 }
 
+UIView* CouponView::preferredFocusedView() {
+    return btnClose_->isHidden() ? nullptr : btnClose_.get();
+}
+
 void CouponView::goBack() {
     if (!btnClose_->isHidden()) pressCloseButton();
 }

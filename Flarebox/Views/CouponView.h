@@ -46,6 +46,8 @@ public:
     void saveCoupon(const Ref<FXAssetInfo>& asset);
 
     void awakeFromNib() override;
+    /// Its close button, once it can be left.
+    UIView* preferredFocusedView() override;
     void layoutSubviews() override;
 
 private:

@@ -6,6 +6,7 @@ namespace flarebox {
 
 UIView* FlareboxView::preferredFocusedView() {
     if (!isOpened() || !assestsList_) return nullptr;
+    if (couponView_ && !couponView_->isHidden()) return couponView_->preferredFocusedView();
     for (const NSIndexPath& path : collectionView_->indexPathsForVisibleItems()) {
         const bool isCurrent = path.row < assestsList_->size() && isCurrentAsset(*(*assestsList_)[path.row]);
         if (isCurrent) return collectionView_->cellForItemAtIndexPath(path).get();
