@@ -194,6 +194,8 @@ bool UIFocusSystem::findFocus(bool now) {
 bool UIFocusSystem::press(UIPressType type) {
     if (!takesPresses()) return false;
     const bool isModal = !window_.presentedViewControllers().empty();
+    // What fades out takes no more presses, and leaves none to others.
+    if (isModal && window_.presentedViewControllers().back()->isBeingDismissed()) return true;
     const bool wasHidden = !std::exchange(showsRing_, true);
     const bool hasFocus = findFocus(true);
     if (isArrow(type) || type == UIPressType::Select) {
@@ -268,7 +270,9 @@ bool UIFocusSystem::stickMoved(CGPoint deflection) {
 
 void UIFocusSystem::update(double now) {
     const double step = std::clamp(now - std::exchange(lastUpdate_, now), 0.0, longestStep);
-    if (takesPresses() && showsRing_) {
+    // What took presses of its own accord may have gone.
+    if (!takesPresses()) showsRing_ = false;
+    if (showsRing_) {
         Level& level = this->level();
         if (level.lostSince < 0) level.lostSince = now;
         const bool isLate = now - level.lostSince >= graceTime && !ViewAnimations::isAnimating();
