@@ -201,9 +201,13 @@ typedef enum flarebox_press {
     FLAREBOX_PRESS_PAGE_UP = 30,   /* the left shoulder: the previous mode */
     FLAREBOX_PRESS_PAGE_DOWN = 31  /* the right shoulder */
 } flarebox_press;
+/* Gives them to the panel: with the key that the game has for it, after opening the tab for example. */
 FLAREBOX_API flarebox_result flarebox_host_take_focus(flarebox_host* host);
+/* They are the game's again, and the ring goes. */
 FLAREBOX_API flarebox_result flarebox_host_give_back_focus(flarebox_host* host);
+/* Whether they are the panel's now. */
 FLAREBOX_API bool flarebox_host_has_focus(flarebox_host* host);
+/* A button of a game controller, a flarebox_press. */
 FLAREBOX_API bool flarebox_host_press(flarebox_host* host, int32_t press);
 /* In lower case: "left", "right", "up", "down", "return", "space", "escape", "pageup" and "pagedown" are presses; "tab"
  * and "backtab" go on to the next and the previous element. */
@@ -236,14 +240,15 @@ enum { FLAREBOX_STATE_DISABLED = 1, FLAREBOX_STATE_SELECTED = 2, FLAREBOX_STATE_
 
 /* Later versions add fields at the end; struct_size says how much of it this version fills. */
 typedef struct flarebox_element {
-    size_t struct_size;
+    size_t struct_size; /* of what the library has filled */
     uint64_t id;       /* of no other element; kept as long as it is there */
     const char* name;  /* for people, in their language */
     const char* value; /* what it stands at; "" for nothing */
     int32_t role;      /* flarebox_role; take those that you do not know for text */
     uint32_t state;    /* FLAREBOX_STATE_..., in bits */
-    flarebox_rect frame;
+    flarebox_rect frame; /* in points of the host, not in pixels */
 } flarebox_element;
+/* The element and its texts are gone after the call. */
 typedef void (*flarebox_element_visitor)(void* context, const flarebox_element* element);
 /* Tells of everything that is in sight, in reading order, frames in points of the host. Returns how many; the visitor
  * may be null. */

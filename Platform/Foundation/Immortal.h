@@ -13,7 +13,7 @@ public:
     explicit Immortal(Arguments&&... arguments) {
         ::new (static_cast<void*>(&value_)) T(std::forward<Arguments>(arguments)...);
     }
-    ~Immortal() {}
+    ~Immortal() {}  // NOLINT(modernize-use-equals-default): the union has none by itself
     Immortal(const Immortal&) = delete;
     Immortal& operator=(const Immortal&) = delete;
 

@@ -95,9 +95,10 @@ public:
     /// Gives keys and game controllers to the panel, which shows a ring around what they speak to: to be called with
     /// the key that the game has for it, after opening the tab for example.
     void takeFocus();
-    void giveBackFocus();
+    void giveBackFocus();  ///< they are the game's again, and the ring goes
     /// Whether they are the panel's now.
     bool hasFocus() const;
+    /// A button of a game controller.
     InputResult press(UIPressType type);
     /// A key by its name, in lower case. The arrows "left", "right", "up" and "down", "return", "space", "escape",
     /// "pageup" and "pagedown" are presses; "tab" and "backtab" go on to the next and the previous element. A video has

@@ -24,7 +24,7 @@ public:
     /// Twice the sharpest screen each way, and what that takes well packed: several pictures arrive at the same time,
     /// and the one that is being decoded takes up to nine bytes a pixel.
     static constexpr std::size_t maximumDataLength = std::size_t{8} << 20;
-    static constexpr std::int64_t maximumPixelCount = 4096 * 4096;
+    static constexpr std::int64_t maximumPixelCount = std::int64_t{4096} * 4096;
 
     using PixelSize = flarebox::PixelSize;
     using Room = PictureRoom;

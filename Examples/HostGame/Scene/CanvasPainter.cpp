@@ -18,9 +18,10 @@ constexpr int glowSide = 160;
 /// A canvas has no radial fill.
 Ref<UIImage> pictureOf(const Glow& glow) {
     std::vector<std::uint32_t> pixels;
-    pixels.reserve(glowSide * glowSide);
+    pixels.reserve(std::size_t{glowSide} * glowSide);
     for (int i = 0; i < glowSide * glowSide; ++i) {
-        const double x = (i % glowSide + 0.5) / glowSide * 2 - 1, y = (i / glowSide + 0.5) / glowSide * 2 - 1;
+        const int column = i % glowSide, row = i / glowSide;
+        const double x = (column + 0.5) / glowSide * 2 - 1, y = (row + 0.5) / glowSide * 2 - 1;
         const float alpha = glow.at(std::min(std::hypot(x, y), 1.0)).alpha;
         const auto channel = [alpha](float value) {
             return static_cast<std::uint32_t>(std::lround(value * alpha * 255));

@@ -48,6 +48,7 @@ public:
     void operator()(const Disc& disc) {
         std::vector<CGPoint> corners;
         const int count = cornersOfCircle(disc.radius);
+        corners.reserve(static_cast<std::size_t>(count));
         for (int i = 0; i < count; ++i) corners.push_back(onCircle(disc.center, disc.radius, i, count));
         addConvex(corners, disc.color);
     }
