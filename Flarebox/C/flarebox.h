@@ -102,6 +102,44 @@ FLAREBOX_API flarebox_result flarebox_set_theme(const char* file);
 /* The switch for the sound of all videos. */
 FLAREBOX_API flarebox_result flarebox_set_muted(bool muted);
 
+/* --- What the game has itself ------------------------------------------------------------------------------------- */
+
+/* The picture of an address, decoded by the game: it is shown wherever a product names the address, and nothing is
+ * downloaded. Pixels are 0xAARRGGBB in the machine's byte order, the colour multiplied by the alpha, in rows of
+ * `stride` pixels from the top; both sides from 1 to 4096. They are copied, and kept until the host goes. Null pixels:
+ * taken back. */
+FLAREBOX_API flarebox_result flarebox_set_picture(const char* address, int32_t width, int32_t height, int32_t stride,
+                                                  const uint32_t* pixels);
+
+/* The game's own time for timers, animations and dates: it may stand still in a pause, or be moved by a test. Both are
+ * called on any thread, also several at once. The budget of an update is real time nevertheless. */
+typedef struct flarebox_clock {
+    size_t struct_size;                       /* set by FLAREBOX_CLOCK */
+    void* context;                            /* handed to both */
+    double (*uptime)(void* context);          /* seconds since any moment; never goes back */
+    double (*time_since_1970)(void* context); /* seconds since 1970-01-01 00:00:00 UTC */
+} flarebox_clock;
+
+/* Starting values; both functions are needed. */
+#define FLAREBOX_CLOCK \
+    { sizeof(flarebox_clock), 0, 0, 0 }
+
+/* Null: the machine's own clock. What waits keeps the time that it has left. */
+FLAREBOX_API flarebox_result flarebox_set_clock(const flarebox_clock* clock);
+
+/* How the network can be reached. */
+typedef enum flarebox_network {
+    FLAREBOX_NETWORK_SYSTEM = -2,  /* what the machine says */
+    FLAREBOX_NETWORK_UNKNOWN = -1, /* not known yet: nothing is asked either */
+    FLAREBOX_NETWORK_NONE = 0,     /* nothing is asked of the service */
+    FLAREBOX_NETWORK_MOBILE = 1,   /* through a modem */
+    FLAREBOX_NETWORK_WIFI = 2      /* or a cable */
+} flarebox_network;
+
+/* The network's state as the game knows it, in place of the kit's own look; again with each change. Lasts until the
+ * host goes. */
+FLAREBOX_API flarebox_result flarebox_set_network(int32_t network);
+
 /* --- Host: screen, input, frames ---------------------------------------------------------------------------------- */
 
 /* The game, as the kit sees it: one at a time. */

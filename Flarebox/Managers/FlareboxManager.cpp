@@ -1,6 +1,8 @@
 #include <Flarebox/Core/FlareboxBundle.h>
 #include <Flarebox/Managers/FlareboxManager.h>
+#include <Foundation/MainQueue.h>
 #include <Foundation/NSUserDefaults.h>
+#include <Networking/AFImageDownloader.h>
 #include <Networking/AFJSONRequestSerializer.h>
 #include <Networking/AFJSONResponseSerializer.h>
 
@@ -10,6 +12,7 @@ namespace {
 /// Of an answer, in bytes. A list of twenty assets has some twenty thousand; decoding takes up to twenty times the
 /// length of the text in memory.
 constexpr std::uint64_t longestAnswer = std::uint64_t{4} << 20;
+constexpr int largestPictureSide = 4096, pictureErrorCode = 2;
 
 }  // namespace
 
@@ -31,6 +34,23 @@ FlareboxManager::FlareboxManager(const NSURL& baseURL) : AFHTTPSessionManager(ba
     setRequestSerializer(AFJSONRequestSerializer::serializer());
     setResponseSerializer(AFJSONResponseSerializer::serializer());
     setMaximumResponseLength(longestAnswer);
+}
+
+bool FlareboxManager::setPicture(const NSURL& address, int width, int height, std::vector<std::uint32_t> pixels,
+                                 Ref<NSError>* error) {
+    const auto refused = [error](const char* reason) {
+        if (error) *error = NSError::errorWithDomain(kApiErrorDomain, pictureErrorCode, reason);
+        return false;
+    };
+    if (!requireMainThread("FlareboxManager::setPicture")) return refused("called on another thread than the main one");
+    if (!address) return refused("the picture's address is none");
+    const bool isTakenBack = width == 0 && height == 0 && pixels.empty();
+    if (width > largestPictureSide || height > largestPictureSide)
+        return refused("the picture is larger than 4096 x 4096 pixels");
+    const Ref<UIImage> picture = UIImage::imageWithPixels(width, height, std::move(pixels));
+    if (!picture && !isTakenBack) return refused("the picture's sizes do not match the number of its pixels");
+    AFImageDownloader::defaultInstance().setImage(picture, address);
+    return true;
 }
 
 Ref<NSMutableURLRequest> FlareboxManager::requestWithMethod(const NSString& method, const NSString& path,

@@ -56,18 +56,14 @@ void AFImageDownloader::downloadImageForURLRequest(const Ref<NSURLRequest>& requ
                                                    Failure failure) {
     const Room allowed = bounded(room);
     const std::string address = request ? request->URL().absoluteString() : std::string();
-    if (const auto image = cache_.imageWithIdentifier(address); image && image->canBeSizedFor(allowed)) {
+    if (const auto image = imageAtHand(address); image && image->canBeSizedFor(allowed)) {
         if (!success) return;
         if (isLargeEnough(*image, allowed)) return success(request, nullptr, image);
         return resizeImage(image, allowed, [request, success = std::move(success)](const Ref<UIImage>& resized) {
             success(request, nullptr, resized);
         });
     }
-    if (!std::exchange(endsAtShutdown_, true)) {
-        Shutdown::addHandler([self = Weak<AFImageDownloader>(this)] {
-            if (auto downloader = self.lock()) downloader->forgetEverything();
-        });
-    }
+    endAtShutdown();
     std::vector<Waiter>& waiters = loads_[address];
     waiters.push_back({request, allowed, std::move(success), std::move(failure)});
     if (waiters.size() > 1) return;
@@ -78,6 +74,27 @@ void AFImageDownloader::downloadImageForURLRequest(const Ref<NSURLRequest>& requ
             self->arrived(address, response, object, error);
         });
     task->resume();
+}
+
+void AFImageDownloader::setImage(const Ref<UIImage>& image, const NSURL& address) {
+    if (!image) {
+        given_.erase(address.absoluteString());
+        return;
+    }
+    endAtShutdown();
+    given_[address.absoluteString()] = image;
+}
+
+Ref<UIImage> AFImageDownloader::imageAtHand(const std::string& address) {
+    const auto given = given_.find(address);
+    return given == given_.end() ? cache_.imageWithIdentifier(address) : given->second;
+}
+
+void AFImageDownloader::endAtShutdown() {
+    if (std::exchange(endsAtShutdown_, true)) return;
+    Shutdown::addHandler([self = Weak<AFImageDownloader>(this)] {
+        if (auto downloader = self.lock()) downloader->forgetEverything();
+    });
 }
 
 void AFImageDownloader::resizeImage(const Ref<UIImage>& image, const Room& room,
@@ -121,6 +138,7 @@ void AFImageDownloader::arrived(const std::string& address, const Ref<NSHTTPURLR
 void AFImageDownloader::forgetEverything() {
     endsAtShutdown_ = false;
     cache_.removeAllImages();
+    given_.clear();
     auto dropped = std::exchange(loads_, {});
 }
 

@@ -14,8 +14,8 @@
 namespace flarebox {
 
 /// Loads pictures: from the cache, or by one transfer for an address at a time, however many ask for it.
-/// Pictures are decoded off the main thread, those above 4096 x 4096 pixels or 8 MiB refused, and made no larger than they
-/// are shown. Main thread only.
+/// Pictures are decoded off the main thread, those above 4096 x 4096 pixels or 8 MiB refused, and made no larger than
+/// they are shown. Main thread only.
 class AFImageDownloader : public NSObject {
     FLAREBOX_CLASS(AFImageDownloader)
 public:
@@ -45,6 +45,10 @@ public:
     /// Where it is larger than the one at hand it takes its place.
     void resizeImage(const Ref<UIImage>& image, const Room& room, std::function<void(const Ref<UIImage>&)> completion);
 
+    /// The picture of an address, which is not downloaded from now on. It stays, beside the cache, until it is taken
+    /// back with a null picture; a shutdown forgets it.
+    void setImage(const Ref<UIImage>& image, const NSURL& address);
+
     AFAutoPurgingImageCache& imageCache() { return cache_; }
     /// For the address of a service's own certificates and the like.
     AFURLSessionManager& sessionManager() { return *manager_; }
@@ -58,10 +62,14 @@ private:
     };
     void arrived(const std::string& address, const Ref<NSHTTPURLResponse>& response, const Value& object,
                  const Ref<NSError>& error);
+    Ref<UIImage> imageAtHand(const std::string& address);
+    void endAtShutdown();
     void forgetEverything();
 
     Ref<AFURLSessionManager> manager_;
     AFAutoPurgingImageCache cache_;
+    /// By address: pictures that are never downloaded.
+    std::unordered_map<std::string, Ref<UIImage>> given_;
     /// By address: those who wait for the transfer.
     std::unordered_map<std::string, std::vector<Waiter>> loads_;
     bool endsAtShutdown_ = false;

@@ -124,8 +124,9 @@ public:
     /// Does with an element what a tap on it does. False where nothing can be done with it.
     bool accessibilityActivate(UIView& element);
 
-    /// The one call a frame: runs what is due on the main queue within `budget` seconds, advances animations, lays out,
-    /// and finds again what lies under a still pointer.
+    /// The one call a frame: runs what is due on the main queue within `budget` seconds of real time, advances
+    /// animations, lays out, and finds again what lies under a still pointer. What the budget has no room for is left
+    /// to the next frame, in order; one piece of work runs in every frame, however small the budget.
     void update(double budget = 0.004);
     /// Whether the picture differs from the one last drawn.
     bool needsDisplay() const;
