@@ -29,7 +29,8 @@ function(flarebox_ship name component)
     # Wherever the libraries are put, beside the game for one, they find each other.
     set_target_properties(${name} PROPERTIES INSTALL_RPATH "$ORIGIN")
     set(symbols "${PROJECT_SOURCE_DIR}/cmake/Flarebox.map")
-    target_link_options(${name} PRIVATE "LINKER:--version-script=${symbols}" "LINKER:--exclude-libs,ALL" "LINKER:--no-undefined")
+    target_link_options(${name} PRIVATE "LINKER:--version-script=${symbols}" "LINKER:--exclude-libs,ALL" "LINKER:--no-undefined"
+      "LINKER:--gc-sections" "LINKER:-Bsymbolic-functions")
     set_property(TARGET ${name} APPEND PROPERTY LINK_DEPENDS "${symbols}")
   endif()
 endfunction()

@@ -21,7 +21,7 @@ bytes() { stat -Lc %s build/sizes-"$1"/stripped/lib/lib"$2".so.?; }
 needs() {
     objdump -p build/sizes-"$1"/stripped/lib/lib"$2".so.? | awk '/NEEDED/ { print $2 }' |
         grep -vE '^(libc|libm|libstdc\+\+|libgcc_s|ld-linux.*|libFlarebox)\.so' | sed -E 's/^lib|\.so.*$//g; s/-[0-9.]+$//' | sort |
-        awk '{ printf "%s%s", NR > 1 ? ", " : "", $0 }'
+        paste -sd, | sed "s/,/, /g"
 }
 row() { printf '| %s | %d | %s |\n' "$1" $((($2 + 500) / 1000)) "$3"; }
 
