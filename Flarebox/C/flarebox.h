@@ -64,10 +64,10 @@ typedef struct flarebox_configuration {
     size_t struct_size;       /* set by FLAREBOX_CONFIGURATION */
     const char* game_uid;     /* names the game to the service; without it nothing is loaded */
     const char* game_version; /* the same */
-    const char*
-        api_url; /* the service's address; null: that of the resources' Info.plist. Fixed by the first request */
-    const char*
-        resources; /* folder of files in place of the kit's own; null: see FlareboxBundle.h. Fixed by the first tab */
+    /* The service's address; null: that of the resources' Info.plist. Fixed by the first request. */
+    const char* api_url;
+    /* Folder of files in place of the kit's own; null: see FlareboxBundle.h. Fixed by the first tab. */
+    const char* resources;
     const char* documents;   /* folder for models, the kit's alone; null: the application's documents folder */
     const char* device_id;   /* advertising identifier; null: the kit makes one where the player allows it */
     const char* first_name;  /* of the player, as far as the game knows and may tell; so are those that follow */
@@ -278,12 +278,12 @@ enum { FLAREBOX_STATE_DISABLED = 1, FLAREBOX_STATE_SELECTED = 2, FLAREBOX_STATE_
 
 /* Later versions add fields at the end; struct_size says how much of it this version fills. */
 typedef struct flarebox_element {
-    size_t struct_size; /* of what the library has filled */
-    uint64_t id;       /* of no other element; kept as long as it is there */
-    const char* name;  /* for people, in their language */
-    const char* value; /* what it stands at; "" for nothing */
-    int32_t role;      /* flarebox_role; take those that you do not know for text */
-    uint32_t state;    /* FLAREBOX_STATE_..., in bits */
+    size_t struct_size;  /* of what the library has filled */
+    uint64_t id;         /* of no other element; kept as long as it is there */
+    const char* name;    /* for people, in their language */
+    const char* value;   /* what it stands at; "" for nothing */
+    int32_t role;        /* flarebox_role; take those that you do not know for text */
+    uint32_t state;      /* FLAREBOX_STATE_..., in bits */
     flarebox_rect frame; /* in points of the host, not in pixels */
 } flarebox_element;
 /* The element and its texts are gone after the call. */
