@@ -5,6 +5,7 @@
 #include <Foundation/Clock.h>
 #include <Foundation/LogSink.h>
 #include <UIKit/UINib.h>
+#include <UIKit/UIWindow.h>
 
 #include <cstdio>
 #include <utility>
@@ -60,8 +61,8 @@ DeveloperTools::~DeveloperTools() {
     show({});
 }
 
-void DeveloperTools::start(UIView& window) {
-    window_ = Weak<UIView>(&window);
+void DeveloperTools::start(UIWindow& window) {
+    window_ = Weak<UIWindow>(&window);
     inspect(options_.inspects);
     showFrameTimes(options_.showsFrameTimes);
     if (!options_.watchesFiles) return;
@@ -87,14 +88,14 @@ void DeveloperTools::setPointer(std::optional<CGPoint> point) {
 void DeveloperTools::inspect(bool isOn) {
     if (inspector_) inspector_->removeFromSuperview();
     inspector_ = isOn ? make<ViewInspector>() : nullptr;
-    const Ref<UIView> window = window_.lock();
+    const Ref<UIWindow> window = window_.lock();
     if (inspector_ && window) inspector_->showInWindow(*window);
 }
 
 void DeveloperTools::showFrameTimes(bool isOn) {
     if (graph_) graph_->removeFromSuperview();
     graph_ = isOn ? make<FrameTimeGraph>() : nullptr;
-    const Ref<UIView> window = window_.lock();
+    const Ref<UIWindow> window = window_.lock();
     if (graph_ && window) graph_->showInWindow(*window);
 }
 
@@ -117,7 +118,7 @@ Ref<FlareboxView> DeveloperTools::readFiles(FlareboxView& tab) {
 void DeveloperTools::show(const std::vector<std::string>& problems) {
     if (strip_) strip_->removeFromSuperview();
     strip_ = nullptr;
-    const Ref<UIView> window = window_.lock();
+    const Ref<UIWindow> window = window_.lock();
     if (problems.empty() || !window) return;
     std::string text;
     for (const std::string& problem : problems) text += (text.empty() ? "" : "\n") + problem;

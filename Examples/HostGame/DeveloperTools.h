@@ -26,7 +26,7 @@ public:
     DeveloperTools& operator=(const DeveloperTools&) = delete;
 
     /// Shows what the options ask for over the window, which the tab has been attached to.
-    void start(UIView& window);
+    void start(UIWindow& window);
     /// After each frame, with the seconds that it took and those of the kit.
     void frameEnded(double whole, double kit);
     /// Inspector and frame times: there, or gone.
@@ -44,7 +44,7 @@ private:
     void show(const std::vector<std::string>& problems);
 
     const Options& options_;
-    Weak<UIView> window_;
+    Weak<UIWindow> window_;
     Ref<ViewInspector> inspector_;
     Ref<FrameTimeGraph> graph_;
     /// The strip with what is wrong; in the window while there is something.

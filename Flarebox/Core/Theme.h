@@ -33,7 +33,7 @@ public:
     /// The kit's own look.
     Theme();
 
-    /// The theme of an XML file of at most 64 KiB; fonts and pictures that it names lie in its folder or below.
+    /// The theme of an XML file of at most 64 KiB; fonts and pictures that it names are looked for from its folder.
     /// What cannot be used of it is left out, and a warning in the log names file, line and the fix, as it does for
     /// texts that cannot be read well on their background. Null when the file cannot be read at all, with the reason in
     /// `error`, or in the log when that is null. Fonts stay known to the process.

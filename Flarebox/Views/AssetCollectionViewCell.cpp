@@ -4,6 +4,7 @@
 #include <Networking/UIImageView+AFNetworking.h>
 #include <UIKit/UIActivityIndicatorView.h>
 #include <UIKit/UIImageView.h>
+#include <UIKit/UIPalette.h>
 
 namespace flarebox {
 
@@ -24,6 +25,7 @@ void AssetCollectionViewCell::awakeFromNib() {
 void AssetCollectionViewCell::loadCellData(const Ref<FXAssetInfo>& asset, bool selected) {
     if (!asset) return;
     asset_ = asset;
+    imgAsset_->layer().setBorderColor(UIPalette::current().color(UIPalette::Shade::Ring));
     imgAsset_->layer().setCornerRadius(bounds().width() / 2);
     focusCell(selected);
     setAccessibilityLabel(spokenTitle(*asset));

@@ -11,6 +11,7 @@
 #include <UIKit/UIImageView.h>
 #include <UIKit/UILabel.h>
 #include <UIKit/UINib.h>
+#include <UIKit/UIPalette.h>
 #include <UIKit/UIWindow.h>
 
 #include <vector>
@@ -62,6 +63,8 @@ void CouponView::awakeFromNib() {
     setTranslatesAutoresizingMaskIntoConstraints(false);
     translateTexts(*this);
     setAccessibilityContainerType(UIAccessibilityContainerType::SemanticGroup);
+    for (const auto& button : {btnClose_, btnKestrinApp_})
+        button->layer().setBorderColor(UIPalette::current().color(UIPalette::Shade::ButtonText));
 }
 
 void CouponView::layoutSubviews() {

@@ -157,7 +157,7 @@ void FlareboxView::layoutView() {
         label.setFont(label.font().fontWithSize(points * unit));
     };
 
-    contentLeading_->setConstant(UIScreen::mainScreen().safeAreaInsets().left);
+    if (contentLeading_) contentLeading_->setConstant(UIScreen::mainScreen().safeAreaInsets().left);
     preventerMenuWidth_->setConstant(35 * (size.width / designWidth));
     scaleFont(*lbEmptyAssets_, 25);
     scaleFont(*lbEmptyAssetsDetail_, 16);

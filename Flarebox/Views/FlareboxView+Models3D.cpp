@@ -8,6 +8,7 @@
 #include <SceneKit/ZorbRenderer.h>
 #include <SceneKit/ZorbRendererUtils.h>
 #include <UIKit/UIApplication.h>
+#include <UIKit/UIPalette.h>
 #include <UIKit/UIWindow.h>
 
 #include <algorithm>
@@ -43,6 +44,7 @@ void FlareboxView::setup3DView() {
     if (!scnContent_) return;
     scnContent_->setDelegate(this);
     addToParent(*scnContent_, *scnContainer_);
+    scnContent_->scnView().setBackgroundColor(UIPalette::current().color(UIPalette::Shade::Content));
     ZorbRendererUtils::loadDefaultSceneForView(scnContent_->scnView());
     sizeFullScreenButton();
 }

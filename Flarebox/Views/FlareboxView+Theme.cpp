@@ -20,6 +20,7 @@ void FlareboxView::paletteDidChange() {
     UIView::paletteDidChange();
     showTheme();
     layoutView();
+    placeOpenButton(isOpened());
 }
 
 void FlareboxView::showTheme() {

@@ -66,7 +66,7 @@ const ClassInfo& FlareboxView::staticClass() {
         outlet<&FlareboxView::logoTopContraint_>("logoTopContraint"),
         outlet<&FlareboxView::assetLogoPadding_>("assetLogoPadding"),
         outlet<&FlareboxView::preventerMenuWidth_>("preventerMenuWidth"),
-        outlet<&FlareboxView::contentLeading_>("contentLeading"),
+        outlet<&FlareboxView::contentLeading_>("contentLeading", Code),
         outlet<&FlareboxView::preventerMenuView_>("preventerMenuView"),
         outlet<&FlareboxView::panelShadow_>("panelShadow"),
         outlet<&FlareboxView::imgLogo_>("imgLogo", Code),
@@ -160,8 +160,11 @@ void FlareboxView::showAtView(UIView& parent) {
     parent.addSubview(*this);
     // A view inside the tab cannot hold it.
     if (superview() != &parent) return;
+    // The host may have changed the screen since the tab was made.
+    layoutView();
     loadLayoutConstrains();
     attachOpenButton(parent);
+    sizeOpenButton();
     dispatch_async_main([self = Ref<FlareboxView>(this)] { self->toggleFlarebox(false, false); });
 }
 
@@ -266,6 +269,8 @@ void FlareboxView::didMoveToWindow() {
 
 void FlareboxView::removeFromSuperview() {
     if (!requireMainThread("FlareboxView::removeFromSuperview")) return;
+    // Keys and controllers that it had are the game's again.
+    if (UIWindow* window = this->window()) window->focusSystem().giveBack();
     if (btnOpen_) btnOpen_->removeFromSuperview();
     UIView::removeFromSuperview();
 }

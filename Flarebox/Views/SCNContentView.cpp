@@ -33,8 +33,8 @@ const ClassInfo& SCNContentView::staticClass() {
         outlet<&SCNContentView::lbMessage_>("lbMessage"),
         outlet<&SCNContentView::indicator_>("indicator"),
         outlet<&SCNContentView::btn3DModeWidthContraint_>("btn3DModeWidthContraint"),
-        outlet<&SCNContentView::btn3DModeTrailing_>("btn3DModeTrailing"),
-        outlet<&SCNContentView::btn3DModeBottom_>("btn3DModeBottom"),
+        outlet<&SCNContentView::btn3DModeTrailing_>("btn3DModeTrailing", Code),
+        outlet<&SCNContentView::btn3DModeBottom_>("btn3DModeBottom", Code),
     };
     static const Action actions[] = {action<&SCNContentView::press3DFullButton>("press3DFullButton")};
     static const ClassInfo info("SCNContentView", &UIView::staticClass(), createObject<SCNContentView>,
@@ -70,8 +70,8 @@ void SCNContentView::layoutSubviews() {
     lbMessage_->setFont(
         lbMessage_->font().fontWithSize(12 * std::min(bounds().height(), bounds().width()) / designHeight));
     const UIEdgeInsets safe = safeAreaInsets();
-    btn3DModeTrailing_->setConstant(-buttonMargin - safe.right);
-    btn3DModeBottom_->setConstant(-buttonMargin - safe.bottom);
+    if (btn3DModeTrailing_) btn3DModeTrailing_->setConstant(-buttonMargin - safe.right);
+    if (btn3DModeBottom_) btn3DModeBottom_->setConstant(-buttonMargin - safe.bottom);
 }
 
 bool SCNContentView::pressBegan(UIPressType type) {

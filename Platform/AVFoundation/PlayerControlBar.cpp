@@ -12,7 +12,6 @@
 namespace flarebox {
 namespace {
 
-constexpr UIColor disabledColor = UIColor::rgb(0x6B727D);
 constexpr float barStrength = 0.82F, hairlineStrength = 0.08F;
 constexpr CGFloat margin = 8, buttonWidth = 40, spacing = 8, textSize = 13, iconSize = 20;
 /// Longer ones are not told apart any more.
@@ -24,7 +23,8 @@ const UIColor& textColor() {
 }
 
 TextStyle timeStyle() {
-    return {.font = UIFont::systemFontOfSize(textSize, UIFontWeight::Medium), .color = textColor()};
+    return {.font = UIPalette::current().font(UIPalette::Typeface::Text, textSize, UIFontWeight::Medium),
+            .color = textColor()};
 }
 
 CGFloat widthOf(const std::string& time) {
@@ -82,7 +82,7 @@ Ref<UIButton> PlayerControlBar::makeButton(const char* name, const char* icon, c
     button->setAccessibilityLabel(selectedLabel, UIControlState::Selected);
     button->setIconSize(iconSize);
     button->setTintColor(textColor());
-    button->setTintColor(disabledColor, UIControlState::Disabled);
+    button->setTintColor(UIPalette::current().color(UIPalette::Shade::DisabledSign), UIControlState::Disabled);
     button->layer().setCornerRadius(8);
     addSubview(*button);
     return button;

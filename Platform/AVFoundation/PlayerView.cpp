@@ -87,7 +87,7 @@ void PlayerView::addControls() {
 void PlayerView::addMessage() {
     const auto makeLabel = [this](CGFloat size, UIFontWeight weight, const UIColor& color) {
         auto label = make<UILabel>();
-        label->setFont(UIFont::systemFontOfSize(size, weight));
+        label->setFont(UIPalette::current().font(UIPalette::Typeface::Text, size, weight));
         label->setTextColor(color);
         label->setTextAlignment(NSTextAlignment::Center);
         label->setNumberOfLines(0);

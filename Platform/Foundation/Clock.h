@@ -19,7 +19,8 @@ public:
     /// The clock in force; the machine's own until another is installed.
     static Clock& current();
     /// Installs a clock, or with null the machine's own again. The clock must outlive its use.
-    /// Work already waiting on the main queue keeps the delay that it has left.
+    /// Work already waiting on the main queue keeps the delay that it has left; animations under way keep the start
+    /// that they had on the former clock, so it is to be installed before the first tab, or while nothing moves.
     static void setCurrent(Clock* clock);
     static Clock& real();  ///< the machine's own, whatever is installed
 };

@@ -1,4 +1,5 @@
 #include <UIKit/FrameTimeGraph.h>
+#include <UIKit/UIWindow.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -43,10 +44,14 @@ double FrameTimeGraph::longestShareOfKit() const {
     return std::ranges::max(frames_, {}, &Frame::kit).kit;
 }
 
-void FrameTimeGraph::showInWindow(UIView& window) {
-    window.addSubview(*this);
+void FrameTimeGraph::showInWindow(UIWindow& window) {
+    window.addOverlay(*this);
     const CGSize screen = window.bounds().size;
     setFrame({{screen.width - graphSize.width - margin, screen.height - graphSize.height - margin}, graphSize});
+}
+
+void FrameTimeGraph::removeFromSuperview() {
+    if (UIWindow* window = this->window()) window->removeOverlay(*this);
 }
 
 void FrameTimeGraph::drawRect(Canvas& canvas, const CGRect& bounds) {

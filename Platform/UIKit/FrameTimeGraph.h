@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Foundation/Export.h>
 #include <UIKit/UIView.h>
 
 #include <array>
@@ -7,9 +8,11 @@
 
 namespace flarebox {
 
+class UIWindow;
+
 /// Shows how long the last frames of a game took, and how much of that was the kit's: a bar a frame, and a line at the
 /// sixtieth of a second that a frame has. Takes no input. Main thread.
-class FrameTimeGraph : public UIView {
+class FLAREBOX_EXPORT FrameTimeGraph : public UIView {
     FLAREBOX_CLASS(FrameTimeGraph)
 public:
     static constexpr std::size_t frameCount = 120;
@@ -23,7 +26,8 @@ public:
     double longestShareOfKit() const;
 
     /// In the lower right corner.
-    void showInWindow(UIView& window);
+    void showInWindow(UIWindow& window);
+    void removeFromSuperview() override;
     void drawRect(Canvas& canvas, const CGRect& bounds) override;
     bool drawsContent() const override { return true; }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Foundation/Export.h>
 #include <Foundation/Values.h>
 #include <UIKit/UIAccessibilityTraits.h>
 #include <UIKit/UIView.h>
@@ -28,7 +29,7 @@ enum class UIAccessibilityRole : std::uint8_t {
     Alert
 };
 /// "button", "list item", …; "" for None.
-std::string_view nameOf(UIAccessibilityRole role);
+FLAREBOX_EXPORT std::string_view nameOf(UIAccessibilityRole role);
 
 /// Something in a window that assistive technology tells of, as it is at this moment.
 struct UIAccessibilityElement {
@@ -42,7 +43,7 @@ struct UIAccessibilityElement {
 
 /// What is in sight and not covered, in reading order: row by row from the top, each from the left. What lies in a
 /// container follows it, before everything else. Main thread.
-std::vector<UIAccessibilityElement> accessibilityElementsOf(UIWindow& window);
+FLAREBOX_EXPORT std::vector<UIAccessibilityElement> accessibilityElementsOf(UIWindow& window);
 
 /// Whether the player wants nothing to move by itself; false unless the host says so.
 bool UIAccessibilityIsReduceMotionEnabled();

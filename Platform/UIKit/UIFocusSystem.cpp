@@ -103,9 +103,13 @@ UIFocusSystem::UIFocusSystem(UIWindow& window) : window_(window) {}
 UIFocusSystem::~UIFocusSystem() = default;
 
 UIFocusSystem::Level& UIFocusSystem::level() {
-    const std::size_t depth = window_.presentedViewControllers().size() + 1;
-    if (levels_.size() != depth) levels_.resize(depth);
-    return levels_.back();
+    const auto presented = window_.presentedViewControllers();
+    levels_.resize(presented.size() + 1);
+    UIViewController* const owner = presented.empty() ? nullptr : presented.back().get();
+    Level& level = levels_.back();
+    // Another one may have taken the place of the one that was there.
+    if (level.owner.get() != owner) level = Level(), level.owner = Weak<UIViewController>(owner);
+    return level;
 }
 
 void UIFocusSystem::take() {
@@ -125,7 +129,8 @@ bool UIFocusSystem::takesPresses() const {
 }
 
 UIView* UIFocusSystem::focusedView() const {
-    return levels_.empty() || !takesPresses() ? nullptr : levels_.back().focused.get();
+    const bool isCurrent = levels_.size() == window_.presentedViewControllers().size() + 1;
+    return isCurrent && takesPresses() ? levels_.back().focused.get() : nullptr;
 }
 
 void UIFocusSystem::hideRing() {
@@ -285,6 +290,8 @@ void UIFocusSystem::update(double now) {
 void UIFocusSystem::runStick(double step) {
     const Ref<UIView> focused(focusedView());
     if (focused && focused->stickHeld(stick_, step)) return;
+    // What lies below something presented is out of reach.
+    if (!window_.presentedViewControllers().empty()) return;
     const std::vector<Ref<UIView>> views(window_.subviews().rbegin(), window_.subviews().rend());
     static_cast<void>(
         std::ranges::any_of(views, [&](const Ref<UIView>& view) { return view->stickHeld(stick_, step); }));
@@ -293,11 +300,14 @@ void UIFocusSystem::runStick(double step) {
 void UIFocusSystem::placeRing() {
     UIView* const focused = showsRing_ ? focusedView() : nullptr;
     const CGRect rect = focused ? visibleRectOf(*focused) : CGRect();
-    if (rect.isEmpty()) return window_.setOverlay(nullptr);
+    if (rect.isEmpty()) {
+        if (ring_) window_.removeOverlay(*ring_->view());
+        return;
+    }
     if (!ring_) ring_ = std::make_unique<Ring>();
     level().lastRect = rect;
     ring_->place(rect, focused->focusRingRadius(), {{}, window_.bounds().size});
-    window_.setOverlay(ring_->view());
+    window_.addOverlay(*ring_->view());
 }
 
 }  // namespace flarebox

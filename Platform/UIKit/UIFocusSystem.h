@@ -1,6 +1,7 @@
 #pragma once
 
 #include <UIKit/UIView.h>
+#include <UIKit/UIViewController.h>
 
 #include <memory>
 #include <vector>
@@ -47,6 +48,8 @@ private:
     class Ring;
     /// One for the window, and one for each controller presented over it.
     struct Level {
+        /// Null for the window.
+        Weak<UIViewController> owner;
         Weak<UIView> focused, wanted;
         /// Where the focused view was last seen; empty before the first.
         CGRect lastRect;
@@ -63,7 +66,7 @@ private:
     bool pressFocused(UIPressType type);
     bool pressOthers(UIPressType type);
     void move(UIView& from, UIPressType arrow);
-    void runStick(double now);
+    void runStick(double step);
     void placeRing();
 
     UIWindow& window_;

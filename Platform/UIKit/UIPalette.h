@@ -82,6 +82,6 @@ inline constexpr const char* UIPaletteDidChangeNotification = "UIPaletteDidChang
 
 /// How well a text on a background can be read: from 1, not at all, to 21, black on white. What is beneath a background
 /// that is not opaque is taken to be black.
-double contrastRatio(const UIColor& text, const UIColor& background);
+FLAREBOX_EXPORT double contrastRatio(const UIColor& text, const UIColor& background);
 
 }  // namespace flarebox

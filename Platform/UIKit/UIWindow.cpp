@@ -84,19 +84,26 @@ CGRect UIWindow::safeArea() const {
 }
 
 void UIWindow::raisePresented() {
-    const std::size_t overlays = overlay_ ? 1 : 0;
-    const auto topmost = [&](std::size_t below) { return subviews()[subviews().size() - 1 - below].get(); };
-    const bool isOnTop = presented_.empty() || topmost(overlays) == &presented_.back()->view();
-    if (isOnTop && (!overlay_ || topmost(0) == overlay_.get())) return;
-    for (const auto& controller : presented_) bringSubviewToFront(controller->view());
-    if (overlay_) bringSubviewToFront(*overlay_);
+    std::vector<UIView*> raised;
+    for (const auto& controller : presented_) raised.push_back(&controller->view());
+    for (const auto& overlay : overlays_) raised.push_back(overlay.get());
+    const std::size_t count = std::min(raised.size(), subviews().size());
+    const auto isThere = [](const Ref<UIView>& subview, const UIView* view) { return subview.get() == view; };
+    if (count == raised.size() && std::equal(subviews().end() - static_cast<std::ptrdiff_t>(count), subviews().end(),
+                                             raised.begin(), raised.end(), isThere))
+        return;
+    for (UIView* view : raised) bringSubviewToFront(*view);
 }
 
-void UIWindow::setOverlay(const Ref<UIView>& overlay) {
-    if (overlay_ == overlay) return;
-    if (overlay_) overlay_->removeFromSuperview();
-    overlay_ = overlay;
-    if (overlay_) addSubview(*overlay_);
+void UIWindow::addOverlay(UIView& overlay) {
+    if (std::ranges::find(overlays_, &overlay, &Ref<UIView>::get) != overlays_.end()) return;
+    overlays_.emplace_back(&overlay);
+    addSubview(overlay);
+}
+
+void UIWindow::removeOverlay(UIView& overlay) {
+    const Ref<UIView> kept(&overlay);
+    if (std::erase(overlays_, kept) > 0) overlay.UIView::removeFromSuperview();
 }
 
 UIView* UIWindow::hitTest(CGPoint point) {

@@ -14,7 +14,7 @@ class UIFocusSystem;
 
 /// The root of a view tree: transparent, as large as the screen, lying over the game's picture. It takes no touch
 /// itself, and neither do sub-views that show nothing: those belong to the game. Main thread.
-class UIWindow : public UIView {
+class FLAREBOX_EXPORT UIWindow : public UIView {
     FLAREBOX_CLASS(UIWindow)
 public:
     UIWindow();
@@ -28,11 +28,13 @@ public:
     std::span<const Ref<UIViewController>> presentedViewControllers() const { return presented_; }
     /// Whether the topmost presented controller used the key.
     bool keyDown(std::string_view name);
-    /// Brings what is presented above whatever was added to the window since, and the overlay above all. The host
+    /// Brings what is presented above whatever was added to the window since, and the overlays above all. The host
     /// adapter calls it once a frame.
     void raisePresented();
-    /// What is drawn over everything else and takes no touches; null for nothing.
-    void setOverlay(const Ref<UIView>& overlay);
+    /// What is drawn over everything else, the last one topmost, and takes no touches: a ring, an inspector. Adding one
+    /// that is there, and removing one that is not, does nothing.
+    void addOverlay(UIView& overlay);
+    void removeOverlay(UIView& overlay);
     /// Which view keys and game controllers speak to.
     UIFocusSystem& focusSystem() { return *focusSystem_; }
 
@@ -51,7 +53,7 @@ private:
 
     Ref<UIViewController> rootViewController_;
     std::vector<Ref<UIViewController>> presented_;
-    Ref<UIView> overlay_;
+    std::vector<Ref<UIView>> overlays_;
     std::unique_ptr<UIFocusSystem> focusSystem_;
 };
 

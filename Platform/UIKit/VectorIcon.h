@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Foundation/Export.h>
 #include <UIKit/Canvas.h>
 
 #include <span>
@@ -9,7 +10,7 @@ namespace flarebox {
 
 /// A sign drawn from lines at whatever size is asked for, so that it is sharp at every scale. All signs share one grid
 /// of 24 x 24 units and one line width. The instances live as long as the process.
-class VectorIcon {
+class FLAREBOX_EXPORT VectorIcon {
 public:
     /// Side of the grid that signs are drawn on, and the width of their lines on it; signs larger than 36 points have
     /// finer ones.

@@ -99,21 +99,20 @@ std::string ViewInspector::nameOf(const UIView& view) {
     return identifier.empty() ? className : identifier + " (" + className + ")";
 }
 
-void ViewInspector::showInWindow(UIView& window) {
-    window.addSubview(*this);
+void ViewInspector::showInWindow(UIWindow& window) {
+    window.addOverlay(*this);
     link_ = std::make_unique<CADisplayLink>([this](double) { follow(); });
     follow();
 }
 
 void ViewInspector::removeFromSuperview() {
     link_ = nullptr;
-    UIView::removeFromSuperview();
+    if (UIWindow* window = this->window()) window->removeOverlay(*this);
 }
 
 void ViewInspector::follow() {
     UIView* window = superview();
     if (!window) return;
-    if (window->subviews().back().get() != this) window->bringSubviewToFront(*this);
     setFrame({{}, window->bounds().size});
     Picture now = look();
     if (now == picture_) return;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Foundation/Export.h>
 #include <UIKit/CADisplayLink.h>
 #include <UIKit/UIView.h>
 
@@ -10,10 +11,12 @@
 
 namespace flarebox {
 
+class UIWindow;
+
 /// Draws what a developer wants to see over a window: the borders of all views, those with a problem of their layout in
 /// another colour together with a list of the problems, and the name of the view under the pointer. Takes no input, and
 /// costs time and memory for a picture of the whole window. Main thread.
-class ViewInspector : public UIView {
+class FLAREBOX_EXPORT ViewInspector : public UIView {
     FLAREBOX_CLASS(ViewInspector)
 public:
     ViewInspector();
@@ -32,7 +35,7 @@ public:
     static std::string nameOf(const UIView& view);
 
     /// Covers the window, on top of whatever is added to it, until removed from there.
-    void showInWindow(UIView& window);
+    void showInWindow(UIWindow& window);
     /// Where the mouse is, or where a finger touched last; nothing when it has left.
     void setPointer(std::optional<CGPoint> point) { pointer_ = point; }
 

@@ -171,6 +171,7 @@ TEST_F(FocusTest, TheRingShowsWhereKeysGoAndHidesFromTouch) {
     host_->update();
     EXPECT_EQ(ring(), still);
     tab_->removeFromSuperview();
+    EXPECT_FALSE(host_->hasFocus());
     pass(0.5);
     EXPECT_TRUE(ring().isEmpty());
 }

@@ -4,6 +4,7 @@
 #include <UIKit/UIButton.h>
 #include <UIKit/UIImageView.h>
 #include <UIKit/UILabel.h>
+#include <UIKit/UIPalette.h>
 #include <UIKit/UIScreen.h>
 #include <UIKit/ViewAnimations.h>
 
@@ -55,6 +56,21 @@ TEST_F(ScreenTest, TheInterfaceGrowsUntilItFillsTheScreen) {
     EXPECT_EQ(UIScreen::mainScreen().interfaceScale(), 1);
 }
 
+TEST_F(ScreenTest, WhatIsSetBeforeTheTabIsAttachedCountsToo) {
+    showLoadedTab();
+    const auto fontSize = [this] { return field<UILabel>("lbAssetTitle")->font().pointSize(); };
+    const CGFloat usual = fontSize();
+    tab_->removeFromSuperview();
+    host_->setInterfaceScale(1.25);
+    tab_->showAtWindow();
+    pass(0.5);
+    const CGFloat attached = fontSize();
+    host_->setInterfaceScale(1);
+    host_->setInterfaceScale(1.25);
+    EXPECT_EQ(attached, fontSize());
+    EXPECT_NE(attached, usual);
+}
+
 TEST_F(ScreenTest, NothingToReadOrPressLiesAtAnUnsafeEdge) {
     const UIEdgeInsets edges{20, 44, 16, 30};
     const CGRect safe = CGRectMake(44, 20, 667 - 44 - 30, 375 - 20 - 16);
@@ -102,18 +118,6 @@ TEST_F(ScreenTest, WithoutMotionEverythingIsThereAtOnce) {
     EXPECT_EQ(list->contentOffset().x, 30);
 }
 
-/// How far two colours stand apart, from 1 to 21.
-double contrast(const UIColor& a, const UIColor& b) {
-    const auto luminance = [](const UIColor& color) {
-        const auto linear = [](double part) {
-            return part <= 0.03928 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
-        };
-        return 0.2126 * linear(color.red) + 0.7152 * linear(color.green) + 0.0722 * linear(color.blue);
-    };
-    const auto [darker, lighter] = std::minmax(luminance(a), luminance(b));
-    return (lighter + 0.05) / (darker + 0.05);
-}
-
 class ContrastTest : public ScreenTest {
 protected:
     static constexpr double ofTexts = 4.5, ofSigns = 3;
@@ -142,7 +146,7 @@ protected:
         const auto mixed = [&](float over, float under) { return over * color.alpha + under * (1 - color.alpha); };
         const UIColor shown{mixed(color.red, behind.red), mixed(color.green, behind.green),
                             mixed(color.blue, behind.blue), 1};
-        EXPECT_GE(contrast(shown, behind), least) << what;
+        EXPECT_GE(contrastRatio(shown, behind), least) << what;
     }
     void checkButton(const UIButton& button) {
         const std::string name = button.accessibilityLabel().string();
@@ -192,9 +196,9 @@ TEST_F(ContrastTest, TheRingStandsOutFromEverything) {
     for (int grey = 0; grey < 256; ++grey) {
         const float part = static_cast<float>(grey) / 255;
         const UIColor behind{part, part, part, 1};
-        EXPECT_GE(std::max(contrast(dark, behind), contrast(light, behind)), ofSigns) << grey;
+        EXPECT_GE(std::max(contrastRatio(dark, behind), contrastRatio(light, behind)), ofSigns) << grey;
     }
-    EXPECT_GE(contrast(dark, light), ofSigns);
+    EXPECT_GE(contrastRatio(dark, light), ofSigns);
 }
 
 }  // namespace
