@@ -140,8 +140,7 @@ Value dumpElements(UIWindow* window) {
         if (element.value) entry.setObject(element.value, "value");
         entry.setObject(!contains(element.traits, UIAccessibilityTraits::NotEnabled), "enabled");
         entry.setObject(contains(element.traits, UIAccessibilityTraits::Selected), "selected");
-        const UIFocusSystem& focus = window->focusSystem();
-        entry.setObject(focus.showsRing() && focus.focusedView() == element.view.get(), "focused");
+        entry.setObject(window->focusSystem().hasRing(*element.view), "focused");
         entry.setObject(NSArray{frame.minX(), frame.minY(), frame.width(), frame.height()}, "frame");
         elements.addObject(entry);
     }

@@ -1,6 +1,5 @@
 #include <Flarebox/C/Hosts.h>
 #include <UIKit/UIAccessibility.h>
-#include <UIKit/UIApplication.h>
 #include <UIKit/UIFocusSystem.h>
 #include <UIKit/UIScreen.h>
 #include <UIKit/UIWindow.h>
@@ -16,10 +15,7 @@ static_assert(static_cast<int>(UIAccessibilityRole::Text) == FLAREBOX_ROLE_TEXT)
 static_assert(static_cast<int>(UIAccessibilityRole::Alert) == FLAREBOX_ROLE_ALERT);
 
 std::uint32_t stateOf(const UIAccessibilityElement& element) {
-    const UIWindow* const window = element.view->window();
-    UIFocusSystem& focus = const_cast<UIWindow*>(window)->focusSystem();
-    const bool isFocused = focus.showsRing() && focus.focusedView() == element.view.get();
-    std::uint32_t state = isFocused ? FLAREBOX_STATE_FOCUSED : 0;
+    std::uint32_t state = element.view->window()->focusSystem().hasRing(*element.view) ? FLAREBOX_STATE_FOCUSED : 0;
     if (contains(element.traits, UIAccessibilityTraits::NotEnabled)) state |= FLAREBOX_STATE_DISABLED;
     if (contains(element.traits, UIAccessibilityTraits::Selected)) state |= FLAREBOX_STATE_SELECTED;
     return state;
@@ -56,6 +52,11 @@ bool act(flarebox_host* host, std::uint64_t id, const Action& action) {
 
 }  // namespace
 
+}  // namespace flarebox::c
+
+using namespace flarebox;
+using namespace flarebox::c;
+
 extern "C" {
 
 std::size_t flarebox_host_visit_elements(flarebox_host* host, flarebox_element_visitor visitor, void* context) {
@@ -74,7 +75,7 @@ bool flarebox_host_activate_element(flarebox_host* host, std::uint64_t id) {
 }
 
 bool flarebox_host_adjust_element(flarebox_host* host, std::uint64_t id, std::int32_t steps) {
-    return act(host, id, [&](UIHost&, UIView& view) { return view.accessibilityAdjust(steps); });
+    return act(host, id, [&](UIHost& panel, UIView& view) { return panel.accessibilityAdjust(view, steps); });
 }
 
 flarebox_result flarebox_host_take_focus(flarebox_host* host) {
@@ -116,5 +117,3 @@ flarebox_result flarebox_host_set_reduce_motion(flarebox_host* host, bool reduce
 }
 
 }  // extern "C"
-
-}  // namespace flarebox::c

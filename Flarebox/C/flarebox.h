@@ -124,7 +124,9 @@ typedef struct flarebox_clock {
 #define FLAREBOX_CLOCK \
     { sizeof(flarebox_clock), 0, 0, 0 }
 
-/* Null: the machine's own clock. What waits keeps the time that it has left. */
+/* Null: the machine's own clock. What waits keeps the time that it has left; animations that run keep the moment at
+ * which they began on the former clock, so set it before the first tab. The former clock is not called any more once
+ * this returns. Not inside a function of a clock. */
 FLAREBOX_API flarebox_result flarebox_set_clock(const flarebox_clock* clock);
 
 /* How the network can be reached. */
@@ -136,8 +138,8 @@ typedef enum flarebox_network {
     FLAREBOX_NETWORK_WIFI = 2      /* or a cable */
 } flarebox_network;
 
-/* The network's state as the game knows it, in place of the kit's own look; again with each change. Lasts until the
- * host goes. */
+/* The network's state as the game knows it, in place of the kit's own look; again with each change: saying the same
+ * again does nothing. Lasts until the host goes. */
 FLAREBOX_API flarebox_result flarebox_set_network(int32_t network);
 
 /* --- Host: screen, input, frames ---------------------------------------------------------------------------------- */

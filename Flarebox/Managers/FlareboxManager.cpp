@@ -12,7 +12,7 @@ namespace {
 /// Of an answer, in bytes. A list of twenty assets has some twenty thousand; decoding takes up to twenty times the
 /// length of the text in memory.
 constexpr std::uint64_t longestAnswer = std::uint64_t{4} << 20;
-constexpr int largestPictureSide = 4096, pictureErrorCode = 2;
+constexpr int pictureErrorCode = 2;
 
 }  // namespace
 
@@ -45,8 +45,8 @@ bool FlareboxManager::setPicture(const NSURL& address, int width, int height, st
     if (!requireMainThread("FlareboxManager::setPicture")) return refused("called on another thread than the main one");
     if (!address) return refused("the picture's address is none");
     const bool isTakenBack = width == 0 && height == 0 && pixels.empty();
-    if (width > largestPictureSide || height > largestPictureSide)
-        return refused("the picture is larger than 4096 x 4096 pixels");
+    if (width > maximumPictureSide || height > maximumPictureSide)
+        return refused("a side of the picture is longer than maximumPictureSide");
     const Ref<UIImage> picture = UIImage::imageWithPixels(width, height, std::move(pixels));
     if (!picture && !isTakenBack) return refused("the picture's sizes do not match the number of its pixels");
     AFImageDownloader::defaultInstance().setImage(picture, address);

@@ -39,11 +39,12 @@ public:
     /// Hands in the picture of an address that the game has already, decoded from its own files or cut from an atlas:
     /// wherever an asset names the address, the picture is shown and nothing is downloaded. `width` x `height` pixels,
     /// rows from the top without gaps, each 0xAARRGGBB with the colour multiplied by the alpha; both sides from 1 to
-    /// 4096. The pixels are kept until the host adapter goes or the picture is taken back: without pixels, sizes 0.
-    /// False, with the reason in `error` (may be null), for an address that is none and for sizes that do not match.
-    /// Main thread.
+    /// `maximumPictureSide`. The pixels are kept until the host adapter goes or the picture is taken back: without
+    /// pixels, sizes 0. False, with the reason in `error` (may be null), for an address that is none and for sizes that
+    /// do not match. Main thread.
     static bool setPicture(const NSURL& address, int width, int height, std::vector<std::uint32_t> pixels,
                            Ref<NSError>* error = nullptr);
+    static constexpr int maximumPictureSide = 4096;  ///< in pixels
 
     /// The assets last loaded; null before the first load.
     const std::shared_ptr<AssetList>& gameAssets() const { return gameAssets_; }

@@ -29,6 +29,8 @@ public:
     UIView* focusedView() const;
     /// False while a finger or the mouse was used last.
     bool showsRing() const { return showsRing_; }
+    /// Whether the player sees it as the focused one.
+    bool hasRing(const UIView& view) const { return showsRing_ && focusedView() == &view; }
     /// Moves the focus to a view that can have it, as soon as that is in sight, if keys are in use at all.
     void requestFocus(UIView& view);
 

@@ -316,6 +316,13 @@ bool UIHost::accessibilityActivate(UIView& element) {
     return true;
 }
 
+bool UIHost::accessibilityAdjust(UIView& element, int steps) {
+    const Call call(*this, "UIHost::accessibilityAdjust", "input");
+    const Ref<UIView> kept(&element);
+    const bool isInReach = call && element.window() == call->mainWindow.get() && uncoveredPointOf(element);
+    return isInReach && element.accessibilityAdjust(steps);
+}
+
 void UIHost::update(double budget) {
     const Call call(*this, "UIHost::update", "update");
     if (!call || call.isNested()) return;

@@ -123,6 +123,8 @@ public:
     std::vector<UIAccessibilityElement> accessibilityElements();
     /// Does with an element what a tap on it does. False where nothing can be done with it.
     bool accessibilityActivate(UIView& element);
+    /// Moves what an adjustable element stands at by steps, back where negative. False where nothing can be moved.
+    bool accessibilityAdjust(UIView& element, int steps);
 
     /// The one call a frame: runs what is due on the main queue within `budget` seconds of real time, advances
     /// animations, lays out, and finds again what lies under a still pointer. What the budget has no room for is left

@@ -4,6 +4,9 @@
 #include <Flarebox/Core/FlareboxConfig.h>
 #include <Foundation/MainQueue.h>
 #include <Tests/Support/Pump.h>
+#include <UIKit/UIApplication.h>
+#include <UIKit/UIHost.h>
+#include <UIKit/UIWindow.h>
 
 #include <gtest/gtest.h>
 
@@ -157,6 +160,42 @@ TEST_F(ContractTest, ConfigurationsOfNewerCallersAreTakenAsFarAsTheyAreKnown) {
     EXPECT_EQ(config.getTimeRefresh(), 77);
     EXPECT_EQ(config.sessionEdit()->age().integerValue(), 30);
     EXPECT_FALSE(config.sessionEdit()->deviceId());
+}
+
+/// Fills the window.
+class Dial : public UIView {
+public:
+    explicit Dial(CGRect frame) {
+        setFrame(frame);
+        setIsAccessibilityElement(true);
+        setAccessibilityLabel("Dial");
+    }
+    bool accessibilityAdjust(int steps) override {
+        position += steps;
+        return true;
+    }
+    int position = 0;
+};
+
+TEST_F(ContractTest, OnlyWhatIsInReachIsAdjusted) {
+    makeHost();
+    UIWindow& window = *UIApplication::sharedApplication().delegate()->window();
+    const auto dial = make<Dial>(window.bounds());
+    window.addSubview(dial);
+    const std::uint64_t id = dial->accessibilityNumber();
+    EXPECT_TRUE(flarebox_host_adjust_element(host_, id, 3));
+    EXPECT_TRUE(UIHost::current()->accessibilityAdjust(*dial, -1));
+    EXPECT_EQ(dial->position, 2);
+    const auto cover = make<UIView>();
+    cover->setFrame(window.bounds());
+    window.addSubview(cover);
+    EXPECT_FALSE(UIHost::current()->accessibilityAdjust(*dial, 1)) << "covered";
+    cover->removeFromSuperview();
+    std::thread([&] { EXPECT_FALSE(UIHost::current()->accessibilityAdjust(*dial, 1)); }).join();
+    dial->removeFromSuperview();
+    EXPECT_FALSE(UIHost::current()->accessibilityAdjust(*dial, 1)) << "in no window";
+    EXPECT_FALSE(flarebox_host_adjust_element(host_, id, 1));
+    EXPECT_EQ(dial->position, 2);
 }
 
 TEST_F(ContractTest, ElementsAreToldOfAndActivated) {

@@ -10,8 +10,11 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <chrono>
 #include <optional>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace flarebox::testing {
@@ -92,20 +95,57 @@ TEST_F(EnvironmentTest, TimeIsTheGames) {
     EXPECT_EQ(&Clock::current(), &Clock::real());
 }
 
+TEST_F(EnvironmentTest, AClockThatWasTakenBackIsNotCalledAnyMore) {
+    struct Time {
+        std::atomic<bool> isInside = false, hasLeft = false;
+    } time;
+    flarebox_clock clock = FLAREBOX_CLOCK;
+    clock.context = &time;
+    clock.uptime = [](void* context) {
+        if (isMainThread()) return 1e9;
+        auto& own = *static_cast<Time*>(context);
+        own.isInside = true;
+        while (&Clock::current() != &Clock::real()) std::this_thread::yield();
+        // Time for the main thread to come back too early.
+        std::this_thread::sleep_for(std::chrono::milliseconds(30));
+        own.hasLeft = true;
+        return 1e9;
+    };
+    clock.time_since_1970 = clock.uptime;
+    ASSERT_EQ(flarebox_set_clock(&clock), FLAREBOX_OK);
+    Clock& taken = Clock::current();
+    EXPECT_EQ(taken.uptime(), 1e9);
+    std::jthread worker([&taken] { taken.uptime(); });
+    while (!time.isInside) std::this_thread::yield();
+    EXPECT_EQ(flarebox_set_clock(nullptr), FLAREBOX_OK);
+    EXPECT_TRUE(time.hasLeft) << "the game may let its context go now";
+    EXPECT_LT(taken.uptime(), 1e9) << "a thread that came late";
+}
+
 TEST_F(EnvironmentTest, TheNetworkIsWhatTheGameSays) {
     auto& manager = AFNetworkReachabilityManager::sharedManager();
     const auto status = [&] {
         host_->update();
         return static_cast<int>(manager.networkReachabilityStatus());
     };
+    int reports = 0;
+    manager.setReachabilityStatusChangeBlock([&](auto) { ++reports; });
     EXPECT_EQ(flarebox_set_network(FLAREBOX_NETWORK_NONE), FLAREBOX_OK);
     manager.startMonitoring();
     EXPECT_EQ(status(), 0);
     EXPECT_EQ(flarebox_set_network(FLAREBOX_NETWORK_WIFI), FLAREBOX_OK);
     EXPECT_EQ(status(), 2);
+    EXPECT_EQ(flarebox_set_network(FLAREBOX_NETWORK_WIFI), FLAREBOX_OK);
+    EXPECT_EQ(status(), 2);
+    EXPECT_EQ(reports, 2) << "one for each change";
     EXPECT_EQ(flarebox_set_network(3), FLAREBOX_INVALID_ARGUMENT);
     EXPECT_EQ(flarebox_set_network(-3), FLAREBOX_INVALID_ARGUMENT);
     EXPECT_EQ(status(), 2);
+    host_.reset();
+    host_.emplace(CGSize{100, 100}, 1);
+    manager.startMonitoring();
+    EXPECT_EQ(flarebox_set_network(FLAREBOX_NETWORK_MOBILE), FLAREBOX_OK);
+    EXPECT_EQ(status(), 1) << "the state of the former host has gone with it";
     manager.stopMonitoring();
 }
 

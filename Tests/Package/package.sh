@@ -35,6 +35,10 @@ symbols)
     cd "$work/symbols"
     quietly bash -ec "$(commands_of_page objcopy)"
     [ "$(stat -c %s libFlarebox.so.0.1.0)" -lt "$(stat -c %s libFlarebox.so.0.1.0.debug)" ] || fail "stripping took nothing away"
+    promised=$(sed -nE 's/^FLAREBOX_API [^(]*(flarebox_[a-z0-9_]+)\(.*/\1/p' "$source/Flarebox/C/flarebox.h" | sort)
+    [ "$(wc -l <<<"$promised")" = "$(grep -c '^FLAREBOX_API ' "$source/Flarebox/C/flarebox.h")" ] || fail "flarebox.h cannot be read"
+    missing=$(comm -23 <(cat <<<"$promised") <(nm -D --defined-only "$prefix"/lib*/libFlarebox.so | sed -nE 's/.* (flarebox_[a-z0-9_]+).*/\1/p' | sort))
+    [ -z "$missing" ] || fail "libFlarebox.so does not show what flarebox.h promises: $missing"
     [ "$inside" = 0 ] || fail "libFlarebox.so shows $inside of its inner functions"
     ;;
 find_package)
