@@ -25,6 +25,7 @@ constexpr const char* noModel = "There is no 3D model of this product";
 }  // namespace
 
 const ClassInfo& SCNContentView::staticClass() {
+    using enum Outlet::Source;
     static const Outlet outlets[] = {
         outlet<&SCNContentView::scnView_>("scnView"),
         outlet<&SCNContentView::btn3DMode_>("btn3DMode"),

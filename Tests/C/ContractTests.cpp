@@ -181,14 +181,15 @@ TEST_F(ContractTest, OnlyWhatIsInReachIsAdjusted) {
     makeHost();
     UIWindow& window = *UIApplication::sharedApplication().delegate()->window();
     const auto dial = make<Dial>(window.bounds());
-    window.addSubview(dial);
+    window.addSubview(*dial);
     const std::uint64_t id = dial->accessibilityNumber();
     EXPECT_TRUE(flarebox_host_adjust_element(host_, id, 3));
     EXPECT_TRUE(UIHost::current()->accessibilityAdjust(*dial, -1));
     EXPECT_EQ(dial->position, 2);
     const auto cover = make<UIView>();
     cover->setFrame(window.bounds());
-    window.addSubview(cover);
+    cover->setBackgroundColor(UIColor::blackColor());
+    window.addSubview(*cover);
     EXPECT_FALSE(UIHost::current()->accessibilityAdjust(*dial, 1)) << "covered";
     cover->removeFromSuperview();
     std::thread([&] { EXPECT_FALSE(UIHost::current()->accessibilityAdjust(*dial, 1)); }).join();
