@@ -81,6 +81,9 @@ std::string writePropertyListXML(const Value&, std::string& failure) {
 
 }  // namespace detail
 
+const std::string* LayoutElement::attribute(std::string_view) const {
+    return nullptr;
+}
 std::optional<LayoutElement> readLayoutFile(std::string_view, LayoutProblem& problem) {
     problem = {1, "This machine reads no XML"};
     return std::nullopt;

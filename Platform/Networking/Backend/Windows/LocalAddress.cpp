@@ -1,10 +1,11 @@
-#include <Foundation/Backend/Windows/WideText.h>
-#include <Networking/LocalAddress.h>
-// clang-format off: the library's headers need each other in this order
-#include <iphlpapi.h>
+// clang-format off: the system's headers need each other in this order
 #include <winsock2.h>
 #include <ws2tcpip.h>
+#include <iphlpapi.h>
 // clang-format on
+
+#include <Foundation/Backend/Windows/WideText.h>
+#include <Networking/LocalAddress.h>
 
 namespace flarebox {
 
