@@ -8,9 +8,7 @@ source "$(dirname "$0")/prepare.sh"
 install_packages
 preset=debug runner=()
 export FLAREBOX_ROUNDS=${FLAREBOX_ROUNDS:-1000} FLAREBOX_EXITS=${FLAREBOX_EXITS:-200} FLAREBOX_SLACK=${FLAREBOX_SLACK:-1}
-export ASAN_OPTIONS=detect_leaks=1:detect_stack_use_after_return=1
-export LSAN_OPTIONS=suppressions=$PWD/Tests/lsan.supp:print_suppressions=0
-export TSAN_OPTIONS=suppressions=$PWD/Tests/tsan.supp:halt_on_error=1
+export_sanitizer_options
 case "${1:-}" in
     asan|tsan) preset=$1 ;;
     valgrind)

@@ -1,4 +1,4 @@
-# Sourced by ./run, ./test, ./bench, ./fuzz and ./faults: installs what is missing and builds a preset. Needs bash.
+# Sourced by the commands of this folder and the one above: installs what is missing and builds a preset. Needs bash.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
@@ -36,4 +36,13 @@ build() {
         echo "The build failed; all of its output is in $log" >&2
         return 1
     fi
+}
+
+# export_sanitizer_options: how the presets asan and tsan report. Dynamic thread-local storage is not intercepted: the check for leaks
+# guesses its extent from the bytes before it, and when these bytes mean something else, it reads anywhere and crashes.
+export_sanitizer_options() {
+    export ASAN_OPTIONS=detect_leaks=1:detect_stack_use_after_return=1:intercept_tls_get_addr=0
+    export LSAN_OPTIONS=suppressions=$PWD/Tests/lsan.supp:print_suppressions=0
+    export UBSAN_OPTIONS=print_stacktrace=1
+    export TSAN_OPTIONS=suppressions=$PWD/Tests/tsan.supp:halt_on_error=1
 }
