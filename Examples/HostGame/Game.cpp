@@ -149,6 +149,10 @@ void Game::runFrame(Moving moving) {
     const double start = realNow();
     if (!screen_.handleInput(world_)) isClosed_ = true;
     if (screen_.takeDeveloperKey()) tools_.toggle();
+    if (screen_.takePanelKey() && !tabs_.empty()) {
+        if (!tab().isOpened()) tab().open();
+        screen_.host().takeFocus();
+    }
     tools_.setPointer(screen_.pointer());
     if (!tabs_.empty()) {
         if (const Ref<FlareboxView> fresh = tools_.followFiles(tab())) tabs_.back() = fresh;

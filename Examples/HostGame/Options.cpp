@@ -7,6 +7,7 @@
 #include <cmath>
 #include <iterator>
 #include <limits>
+#include <utility>
 
 namespace flarebox::hostgame {
 namespace {
@@ -138,11 +139,20 @@ A script has one command a line; # starts a comment:
   pinch FIELD FACTOR                      key NAME
   network unknown|none|cellular|wifi      tracking on|off
   call OPERATION [ARGUMENT]               await frame FIELD [SECONDS]
+  press up|down|left|right|select|menu|playpause|pageup|pagedown
   service PATH status N|slow SECONDS|cut|hang|answer FILE|normal          service normal
   screenshot FILE.png                     dump FILE.json
   orientation unknown|portrait|upside-down|landscape-left|landscape-right|face-up|face-down [WxH]
 FIELD is the name of an outlet field of the tab, such as btnOpen.
+
+In the window, Tab or a game controller's Start opens the tab and gives it the keys and the controller.
 )";
+
+constexpr std::pair<std::string_view, UIPressType> presses[] = {
+    {"up", UIPressType::UpArrow},       {"down", UIPressType::DownArrow},    {"left", UIPressType::LeftArrow},
+    {"right", UIPressType::RightArrow}, {"select", UIPressType::Select},     {"menu", UIPressType::Menu},
+    {"pageup", UIPressType::PageUp},    {"pagedown", UIPressType::PageDown}, {"playpause", UIPressType::PlayPause},
+};
 
 template <class Number>
 std::optional<Number> wholeNumber(std::string_view text) {
@@ -216,6 +226,20 @@ std::optional<std::int64_t> parseNetworkStatus(std::string_view text) {
     const auto name = std::find(std::begin(names), std::end(names), text);
     if (name == std::end(names)) return std::nullopt;
     return name - std::begin(names) - 1;
+}
+
+std::optional<UIPressType> parsePress(std::string_view text) {
+    for (const auto& [name, press] : presses) {
+        if (name == text) return press;
+    }
+    return std::nullopt;
+}
+
+std::string_view nameOf(UIPressType press) {
+    for (const auto& [name, each] : presses) {
+        if (each == press) return name;
+    }
+    return {};
 }
 
 }  // namespace flarebox::hostgame

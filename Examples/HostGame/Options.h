@@ -1,6 +1,7 @@
 #pragma once
 
 #include <UIKit/Geometry.h>
+#include <UIKit/UIPress.h>
 
 #include <cstdint>
 #include <optional>
@@ -54,5 +55,9 @@ std::optional<std::int64_t> parseInteger(std::string_view text);
 std::optional<bool> parseSwitch(std::string_view text);
 /// "unknown", "none", "cellular" or "wifi" as the platform's number.
 std::optional<std::int64_t> parseNetworkStatus(std::string_view text);
+/// "up", "down", "left", "right", "select", "menu", "playpause", "pageup" or "pagedown".
+std::optional<UIPressType> parsePress(std::string_view text);
+/// Empty for none of these.
+std::string_view nameOf(UIPressType press);
 
 }  // namespace flarebox::hostgame

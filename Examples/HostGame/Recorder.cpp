@@ -102,9 +102,18 @@ void Recorder::note(const InputEvent& event, InputResult result) {
             if (result == InputResult::Consumed) addScrolling(event);
             break;
         case KeyDown:
-            if (result == InputResult::Ignored) break;
-            writePause(Clock::current().uptime(), false);
-            write("key " + std::string(event.key));
+            if (result == InputResult::Consumed) writeAfterPause("key " + std::string(event.key));
+            break;
+        case Pressed:
+            if (result == InputResult::Consumed) writeAfterPause("press " + std::string(nameOf(event.press)));
+            break;
+        case FocusTaken:
+            // The game may have opened the tab for it; where it was open this does nothing.
+            if (game_.tab().isOpened()) writeAfterPause("call open");
+            writeAfterPause("call takeFocus");
+            break;
+        case FocusGivenBack:
+            writeAfterPause("call giveBackFocus");
             break;
     }
 }
@@ -172,6 +181,11 @@ void Recorder::endScrolling() {
 void Recorder::writePause(double start, bool isRested) {
     if (start - lastEnd_ >= shortestPause) write("wait " + number(start - lastEnd_));
     if (isRested) write("await idle 60");
+}
+
+void Recorder::writeAfterPause(const std::string& command) {
+    writePause(Clock::current().uptime(), false);
+    write(command);
 }
 
 void Recorder::write(const std::string& command) {

@@ -53,6 +53,7 @@ private:
     /// Writes the time since the last command.
     void writePause(double start, bool isRested);
     void write(const std::string& command);
+    void writeAfterPause(const std::string& command);
 
     Game& game_;
     File file_;

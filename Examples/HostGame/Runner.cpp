@@ -83,6 +83,7 @@ const Runner::CommandKind* Runner::kindOf(const Command& command) {
         {"scroll", "X Y DX DY", 4, 4, &Runner::scrollAt},
         {"pinch", "FIELD FACTOR", 2, 2, &Runner::pinchOn},
         {"key", "NAME", 1, 1, &Runner::pressKey},
+        {"press", "up|down|left|right|select|menu|playpause|pageup|pagedown", 1, 1, &Runner::pressButton},
         {"network", "unknown|none|cellular|wifi", 1, 1, &Runner::setNetwork},
         {"tracking", "on|off", 1, 1, &Runner::setTracking},
         {"service", "PATH status N|slow SECONDS|cut|hang|answer FILE|normal, or normal", 1, 3, &Runner::setService},
@@ -273,6 +274,14 @@ Failure Runner::pressKey(const Words& words) {
     const bool isTaken = game_.screen().host().keyDown(words[1]) == InputResult::Consumed;
     game_.frame();
     return unless(isTaken, "nothing of the panel takes the key");
+}
+
+Failure Runner::pressButton(const Words& words) {
+    const auto press = parsePress(words[1]);
+    if (!press) return "";
+    const bool isTaken = game_.screen().host().press(*press) == InputResult::Consumed;
+    game_.frame();
+    return unless(isTaken, "nothing of the panel takes the button");
 }
 
 Failure Runner::setNetwork(const Words& words) {

@@ -38,6 +38,7 @@ private:
     Failure scrollAt(const Words& words);
     Failure pinchOn(const Words& words);
     Failure pressKey(const Words& words);
+    Failure pressButton(const Words& words);
     Failure setNetwork(const Words& words);
     Failure setTracking(const Words& words);
     Failure setService(const Words& words);

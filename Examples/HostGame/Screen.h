@@ -29,6 +29,8 @@ public:
     virtual std::optional<CGPoint> pointer() const { return std::nullopt; }
     /// Whether F12 was pressed since the last call.
     virtual bool takeDeveloperKey() { return false; }
+    /// Whether the key or the button for the panel was pressed since the last call, and the panel left it to the game.
+    virtual bool takePanelKey() { return false; }
     /// Draws the game, and the panel over it; answers the seconds that the panel took.
     virtual double draw(const World& world) = 0;
     /// Draws the panel alone, unseen, as what it shows may go on only while it is looked at.

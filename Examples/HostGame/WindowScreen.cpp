@@ -7,6 +7,7 @@
 #include <SDL.h>
 #include <SDL_image.h>
 
+#include <map>
 #include <utility>
 
 namespace flarebox::hostgame {
@@ -16,13 +17,15 @@ struct Destroy {
     void operator()(SDL_Window* window) const { SDL_DestroyWindow(window); }
     void operator()(SDL_Renderer* renderer) const { SDL_DestroyRenderer(renderer); }
     void operator()(SDL_Surface* surface) const { SDL_FreeSurface(surface); }
+    void operator()(SDL_GameController* controller) const { SDL_GameControllerClose(controller); }
 };
 template <class T>
 using Owned = std::unique_ptr<T, Destroy>;
 
 struct Video {
     bool isReady = SDL_Init(SDL_INIT_VIDEO) == 0;
-    Video() = default;
+    // Without controllers there are still the keys.
+    Video() { SDL_InitSubSystem(SDL_INIT_GAMECONTROLLER); }
     ~Video() { SDL_Quit(); }
     Video(const Video&) = delete;
     Video& operator=(const Video&) = delete;
@@ -81,6 +84,7 @@ public:
 
     std::optional<CGPoint> pointer() const override { return pointer_; }
     bool takeDeveloperKey() override { return std::exchange(developerKey_, false); }
+    bool takePanelKey() override { return std::exchange(panelKey_, false); }
 
     void drawPanel() override {}
 
@@ -108,12 +112,29 @@ private:
     void notice(const SDL_Event& event) {
         if (event.type == SDL_KEYDOWN && event.key.keysym.sym == SDLK_F12 && event.key.repeat == 0)
             developerKey_ = true;
+        if (event.type == SDL_CONTROLLERDEVICEADDED) open(event.cdevice.which);
+        if (event.type == SDL_CONTROLLERDEVICEREMOVED) controllers_.erase(event.cdevice.which);
         if (event.type == SDL_MOUSEMOTION)
             pointer_ = {static_cast<CGFloat>(event.motion.x), static_cast<CGFloat>(event.motion.y)};
         if (event.type == SDL_WINDOWEVENT && event.window.event == SDL_WINDOWEVENT_LEAVE) pointer_.reset();
     }
 
+    /// `device` is its place among the devices; later events tell its identifier.
+    void open(int device) {
+        Owned<SDL_GameController> controller(SDL_GameControllerOpen(device));
+        if (!controller) return;
+        const SDL_JoystickID id = SDL_JoystickInstanceID(SDL_GameControllerGetJoystick(controller.get()));
+        // Told of again, it is the one that is open, and only counted once more.
+        controllers_[id] = std::move(controller);
+    }
+
+    static bool isForPanel(const SDL_Event& event) {
+        if (event.type == SDL_CONTROLLERBUTTONDOWN) return event.cbutton.button == SDL_CONTROLLER_BUTTON_START;
+        return event.type == SDL_KEYDOWN && event.key.keysym.sym == SDLK_TAB && event.key.repeat == 0;
+    }
+
     void play(World& world, const SDL_Event& event) {
+        if (isForPanel(event)) panelKey_ = true;
         switch (event.type) {
             case SDL_MOUSEMOTION:
                 world.steerTowards(event.motion.y / size().height * 100);
@@ -152,8 +173,9 @@ private:
     Owned<SDL_Window> window_;
     Owned<SDL_Renderer> renderer_;
     std::unique_ptr<SDLHost> host_;
+    std::map<SDL_JoystickID, Owned<SDL_GameController>> controllers_;
     std::optional<CGPoint> pointer_;
-    bool developerKey_ = false;
+    bool developerKey_ = false, panelKey_ = false;
 };
 
 }  // namespace

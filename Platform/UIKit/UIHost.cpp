@@ -279,11 +279,15 @@ void UIHost::setInputObserver(std::function<void(const InputEvent&, InputResult)
 
 void UIHost::takeFocus() {
     const Call call(*this, "UIHost::takeFocus", "input");
-    if (call) call->mainWindow->focusSystem().take();
+    if (!call) return;
+    call->mainWindow->focusSystem().take();
+    call.tell({.kind = InputEvent::Kind::FocusTaken}, InputResult::Ignored);
 }
 void UIHost::giveBackFocus() {
     const Call call(*this, "UIHost::giveBackFocus", "input");
-    if (call) call->mainWindow->focusSystem().giveBack();
+    if (!call) return;
+    call->mainWindow->focusSystem().giveBack();
+    call.tell({.kind = InputEvent::Kind::FocusGivenBack}, InputResult::Ignored);
 }
 bool UIHost::hasFocus() const {
     const Call call(*this, "UIHost::hasFocus", nullptr);
@@ -291,7 +295,9 @@ bool UIHost::hasFocus() const {
 }
 InputResult UIHost::press(UIPressType type) {
     const Call call(*this, "UIHost::press", "input");
-    return resultOf(call && call->mainWindow->focusSystem().press(type));
+    if (!call) return InputResult::Ignored;
+    const InputResult result = resultOf(call->mainWindow->focusSystem().press(type));
+    return call.tell({.kind = InputEvent::Kind::Pressed, .press = type}, result);
 }
 InputResult UIHost::stickMoved(CGPoint deflection) {
     const Call call(*this, "UIHost::stickMoved", "input");

@@ -31,7 +31,17 @@ enum class UIDeviceOrientation : std::int64_t {
 /// What the player did, as a host adapter told it to the kit: for those that record it.
 struct InputEvent {
     /// Which of UIHost's functions was called.
-    enum class Kind : std::uint8_t { PointerDown, PointerMoved, PointerUp, PointerCancelled, Scrolled, KeyDown };
+    enum class Kind : std::uint8_t {
+        PointerDown,
+        PointerMoved,
+        PointerUp,
+        PointerCancelled,
+        Scrolled,
+        KeyDown,
+        Pressed,
+        FocusTaken,
+        FocusGivenBack
+    };
     Kind kind;  ///< tells which of the following have a meaning
     /// Of a pointer.
     int pointer = 0;
@@ -41,6 +51,8 @@ struct InputEvent {
     CGFloat dy = 0;  ///< the same, to the bottom
     /// The key's name, for as long as the call lasts.
     std::string_view key = {};
+    /// What was pressed on a game controller.
+    UIPressType press = UIPressType::UpArrow;
 };
 
 /// What a host adapter tells the kit and asks of it: screen, input, the frame tick, drawing. It makes the application's
@@ -105,7 +117,8 @@ public:
     /// a few of its own.
     InputResult keyDown(std::string_view name);
     /// Tells `observe` of all input from now on, each time after the kit has dealt with it, and with what it answered;
-    /// null: nobody. Movements without a button are left out.
+    /// null: nobody. Movements without a button and those of the right stick are left out. Where the focus goes by
+    /// itself, as with a tab that is removed, only what removed it is told.
     void setInputObserver(std::function<void(const InputEvent& event, InputResult result)> observe);
     /// Where the right stick is, from -1 to 1 to the right and down, whenever it moves: it turns models and scrolls.
     InputResult stickMoved(CGPoint deflection);

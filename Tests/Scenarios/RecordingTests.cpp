@@ -12,7 +12,8 @@ namespace {
 constexpr const char* session =
     "await idle 60\ntap btnOpen\nwait 0.5\nawait idle 60\ncell 3\nwait 0.7\nawait idle 60\ntap btnNext\nwait 0.3\n"
     "await idle 60\ncell 9\nwait 0.4\nawait idle 60\nswipe collectionView right\nwait 2\nscroll 150 340 120 0\n"
-    "wait 0.5\nawait idle 60\ndrag 150 340 100 345\n";
+    "wait 0.5\nawait idle 60\ndrag 150 340 100 345\n"
+    "call open\ncall takeFocus\npress right\nwait 0.5\npress down\ncall giveBackFocus\n";
 /// A shot in the game is no command of the panel, and neither is the time after the last one.
 constexpr const char* afterwards = "wait 0.8\nawait idle 60\ntap 900 300\n";
 
