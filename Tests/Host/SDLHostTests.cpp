@@ -3,12 +3,14 @@
 #include <UIKit/UIApplication.h>
 #include <UIKit/UIControl.h>
 #include <UIKit/UIDevice.h>
+#include <UIKit/UIFocusSystem.h>
 #include <UIKit/UIScreen.h>
 #include <UIKit/UIWindow.h>
 
 #include <SDL.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <functional>
 #include <memory>
@@ -234,6 +236,17 @@ protected:
         e.tfinger.y = y;
         return host_->handleEvent(e);
     }
+    InputResult pad(Uint32 type, SDL_GameControllerButton button) {
+        SDL_Event e = event(type);
+        e.cbutton.button = static_cast<Uint8>(button);
+        return host_->handleEvent(e);
+    }
+    InputResult stick(SDL_GameControllerAxis axis, double deflection) {
+        SDL_Event e = event(SDL_CONTROLLERAXISMOTION);
+        e.caxis.axis = static_cast<Uint8>(axis);
+        e.caxis.value = static_cast<Sint16>(deflection * 32767);
+        return host_->handleEvent(e);
+    }
     void windowEvent(Uint8 kind) {
         SDL_Event e = event(SDL_WINDOWEVENT);
         e.window.windowID = SDL_GetWindowID(window_);
@@ -322,17 +335,6 @@ TEST_F(SDLInputTest, HeldKeysStayWithWhoGotThePress) {
 }
 
 TEST_F(SDLInputTest, ControllersAreTheGamesUntilThePanelHasTheFocus) {
-    const auto pad = [this](Uint32 type, SDL_GameControllerButton button) {
-        SDL_Event e = event(type);
-        e.cbutton.button = static_cast<Uint8>(button);
-        return host_->handleEvent(e);
-    };
-    const auto stick = [this](SDL_GameControllerAxis axis, double deflection) {
-        SDL_Event e = event(SDL_CONTROLLERAXISMOTION);
-        e.caxis.axis = static_cast<Uint8>(axis);
-        e.caxis.value = static_cast<Sint16>(deflection * 32767);
-        return host_->handleEvent(e);
-    };
     const auto other = make<UIControl>();
     other->setFrame(CGRectMake(200, 0, 100, 300));
     int otherPresses = 0;
@@ -360,6 +362,55 @@ TEST_F(SDLInputTest, ControllersAreTheGamesUntilThePanelHasTheFocus) {
     EXPECT_EQ(pad(SDL_CONTROLLERBUTTONUP, SDL_CONTROLLER_BUTTON_A), consumed) << "went down in the panel";
     EXPECT_EQ(pad(SDL_CONTROLLERBUTTONDOWN, SDL_CONTROLLER_BUTTON_DPAD_LEFT), ignored);
     other->removeFromSuperview();
+}
+
+TEST_F(SDLInputTest, AHeldDirectionGoesOnUntilItIsLetGo) {
+    UIWindow& window = *UIApplication::sharedApplication().keyWindow();
+    std::vector<Ref<UIControl>> row{control_};
+    for (int i = 1; i < 9; ++i) {
+        row.push_back(make<UIControl>());
+        row.back()->setFrame(CGRectMake(100 + 20 * i, 0, 20, 300));
+        row.back()->addAction([] {}, UIControlEvents::TouchUpInside);
+        window.addSubview(*row.back());
+    }
+    const auto place = [&] {
+        const auto at =
+            std::ranges::find_if(row, [&](auto& each) { return each.get() == window.focusSystem().focusedView(); });
+        return at - row.begin();
+    };
+    const auto wait = [this](double seconds) { MainQueue::advance(clock_, seconds); };
+    host_->takeFocus();
+
+    pad(SDL_CONTROLLERBUTTONDOWN, SDL_CONTROLLER_BUTTON_DPAD_RIGHT);
+    wait(0.4);
+    EXPECT_EQ(place(), 1) << "a short press is one";
+    wait(0.35);
+    EXPECT_EQ(place(), 4);
+    pad(SDL_CONTROLLERBUTTONUP, SDL_CONTROLLER_BUTTON_DPAD_RIGHT);
+    wait(1);
+    EXPECT_EQ(place(), 4);
+
+    // From one side to the other without a report of the middle.
+    stick(SDL_CONTROLLER_AXIS_LEFTX, 1);
+    EXPECT_EQ(place(), 5);
+    stick(SDL_CONTROLLER_AXIS_LEFTX, -1);
+    wait(0.5);
+    EXPECT_EQ(place(), 3);
+    windowEvent(SDL_WINDOWEVENT_FOCUS_LOST);
+    wait(1);
+    EXPECT_EQ(place(), 3);
+    stick(SDL_CONTROLLER_AXIS_LEFTX, 0);
+
+    pad(SDL_CONTROLLERBUTTONDOWN, SDL_CONTROLLER_BUTTON_DPAD_RIGHT);
+    host_->giveBackFocus();
+    wait(1);
+    host_->takeFocus();
+    wait(1);
+    EXPECT_EQ(window.focusSystem().focusedView(), nullptr) << "what the game got is not the panel's again";
+    pad(SDL_CONTROLLERBUTTONUP, SDL_CONTROLLER_BUTTON_DPAD_RIGHT);
+    pad(SDL_CONTROLLERBUTTONDOWN, SDL_CONTROLLER_BUTTON_DPAD_LEFT);
+    host_.reset();
+    wait(1);
 }
 
 TEST_F(SDLInputTest, FingersTouchOnceEvenWhenSDLReportsThemAsAMouseToo) {

@@ -6,8 +6,8 @@
 #include <algorithm>
 #include <cctype>
 #include <cmath>
-#include <optional>
 #include <string>
+#include <utility>
 
 namespace flarebox {
 namespace {
@@ -64,6 +64,13 @@ bool repeats(std::string_view key) {
 /// How far a stick counts as pressed in a direction, and as let go again.
 constexpr double stickPressed = 0.6, stickReleased = 0.35;
 
+/// Seconds from the press of a direction that is held to the second, and between those that follow.
+constexpr double repetitionDelay = 0.45, repetitionInterval = 0.12;
+
+bool isDirection(UIPressType type) {
+    return type <= UIPressType::RightArrow;
+}
+
 std::optional<UIPressType> pressOf(Uint8 button) {
     using enum UIPressType;
     switch (button) {
@@ -104,6 +111,7 @@ SDLHost::SDLHost(SDL_Window* window, SDL_Renderer* renderer)
 }
 
 SDLHost::~SDLHost() {
+    MainQueue::shared().cancel(nextPress_);
     releaseTextures(compositor_);
 }
 
@@ -230,10 +238,13 @@ InputResult SDLHost::handleKey(const SDL_Event& event) {
 
 InputResult SDLHost::handleControllerButton(const SDL_Event& event) {
     const int button = event.cbutton.button;
-    if (event.type == SDL_CONTROLLERBUTTONUP)
-        return panelControllerButtons_.erase(button) > 0 ? InputResult::Consumed : InputResult::Ignored;
     const auto type = pressOf(event.cbutton.button);
-    const InputResult result = type ? UIHost::press(*type) : InputResult::Ignored;
+    if (event.type == SDL_CONTROLLERBUTTONUP) {
+        if (type) letGo(*type);
+        return panelControllerButtons_.erase(button) > 0 ? InputResult::Consumed : InputResult::Ignored;
+    }
+    if (!type) return InputResult::Ignored;
+    const InputResult result = isDirection(*type) ? hold(*type) : UIHost::press(*type);
     if (result == InputResult::Consumed) panelControllerButtons_.insert(button);
     return result;
 }
@@ -258,14 +269,35 @@ InputResult SDLHost::handleControllerAxis(const SDL_Event& event) {
 
 InputResult SDLHost::leftStickMoved(int axis, double deflection) {
     using enum UIPressType;
-    bool& isHeld = isStickHeld_[axis];
-    const bool isPress = !isHeld && std::abs(deflection) > stickPressed;
-    if (std::abs(deflection) < stickReleased) isHeld = false;
-    if (!isPress) return hasFocus() ? InputResult::Consumed : InputResult::Ignored;
-    isHeld = true;
-    const bool isForwards = deflection > 0;
-    if (axis == 0) return UIHost::press(isForwards ? RightArrow : LeftArrow);
-    return UIHost::press(isForwards ? DownArrow : UpArrow);
+    constexpr UIPressType backwards[] = {LeftArrow, UpArrow}, forwards[] = {RightArrow, DownArrow};
+    std::optional<UIPressType>& held = stick_[axis];
+    const UIPressType direction = (deflection > 0 ? forwards : backwards)[axis];
+    if (held && (std::abs(deflection) < stickReleased || held != direction)) letGo(*std::exchange(held, std::nullopt));
+    if (held || std::abs(deflection) <= stickPressed) return hasFocus() ? InputResult::Consumed : InputResult::Ignored;
+    held = direction;
+    return hold(direction);
+}
+
+/// Presses the direction now, and goes on if the panel used it.
+InputResult SDLHost::hold(UIPressType direction) {
+    if (held_) letGo(*held_);
+    const InputResult result = UIHost::press(direction);
+    if (result != InputResult::Consumed) return result;
+    held_ = direction;
+    nextPress_ = MainQueue::shared().after(repetitionDelay, [this] { pressAgain(); });
+    return result;
+}
+
+void SDLHost::letGo(UIPressType direction) {
+    if (held_ != direction) return;
+    held_.reset();
+    MainQueue::shared().cancel(nextPress_);
+}
+
+void SDLHost::pressAgain() {
+    const UIPressType direction = *held_;
+    if (UIHost::press(direction) != InputResult::Consumed) return held_.reset();
+    if (held_ == direction) nextPress_ = MainQueue::shared().after(repetitionInterval, [this] { pressAgain(); });
 }
 
 void SDLHost::handleWindow(const SDL_Event& event) {
@@ -283,6 +315,7 @@ void SDLHost::handleWindow(const SDL_Event& event) {
         case SDL_WINDOWEVENT_HIDDEN:
         case SDL_WINDOWEVENT_MINIMIZED:
             cancelPointers();
+            if (held_) letGo(*held_);
             break;
         default:
             break;

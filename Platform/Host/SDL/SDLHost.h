@@ -1,11 +1,13 @@
 #pragma once
 
 #include <Foundation/Export.h>
+#include <Foundation/MainQueue.h>
 #include <Host/SDL/SDLCompositor.h>
 #include <UIKit/UIHost.h>
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <set>
 
 struct SDL_Window;
@@ -34,9 +36,9 @@ public:
     /// Takes mouse, touch, wheel, keys, game controllers, and what concerns the window, whose events are never
     /// consumed. Handles a renderer's lost device. A game that sets a logical size may go on doing so.
     ///
-    /// Keys and controllers are the game's until it calls `takeFocus`. Then the cross and the left stick go about, the
-    /// button at the bottom activates, the one at the right goes back, the shoulder buttons change modes, the right
-    /// stick turns models. SDL reports controllers that the game has opened.
+    /// Keys and controllers are the game's until it calls `takeFocus`. Then the cross and the left stick go about, on
+    /// and on while they are held, the button at the bottom activates, the one at the right goes back, the shoulder
+    /// buttons change modes, the right stick turns models. SDL reports controllers that the game has opened.
     InputResult handleEvent(const SDL_Event& event);
 
     using UIHost::draw;
@@ -53,6 +55,9 @@ private:
     InputResult handleControllerButton(const SDL_Event& event);
     InputResult handleControllerAxis(const SDL_Event& event);
     InputResult leftStickMoved(int axis, double deflection);
+    InputResult hold(UIPressType direction);
+    void letGo(UIPressType direction);
+    void pressAgain();
     void handleWindow(const SDL_Event& event);
     bool isForeign(const SDL_Event& event) const;
 
@@ -78,8 +83,11 @@ private:
     /// Buttons beside the left one, and keys, that went down on the panel: their end belongs to the panel as well.
     std::set<int> panelButtons_, panelKeys_, panelControllerButtons_;
     CGPoint rightStick_;
-    /// Of the left stick, sideways and down: held off its middle, which counts as one press.
-    bool isStickHeld_[2] = {};
+    /// Of the left stick, sideways and down: which way it is held, if off its middle.
+    std::optional<UIPressType> stick_[2];
+    /// What the panel is to go about by until it is let go, and the next time.
+    std::optional<UIPressType> held_;
+    MainQueue::Token nextPress_ = 0;
 };
 
 }  // namespace flarebox
