@@ -2,6 +2,7 @@
 
 #include <Foundation/NSError.h>
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -30,10 +31,16 @@ public:
     bool commit();
 
 private:
+    /// Keeps the first failure, a number of errno. False.
     bool fail(int number);
-    void openUnnamed();
-    void openHidden();
+
+    // What each system does in its own way.
+    void create();
+    /// How much was written; with a failure 0.
+    std::size_t append(std::string_view bytes);
     bool takePlace();
+    /// Closes it, and removes what has a name still.
+    void discard();
 
     std::string path_;
     /// Where the bytes are meanwhile; empty while they have no name.

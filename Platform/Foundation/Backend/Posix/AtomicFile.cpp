@@ -1,5 +1,4 @@
 #include <Foundation/AtomicFile.h>
-#include <Foundation/FileError.h>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -28,56 +27,26 @@ std::string hiddenPattern(const std::string& path) {
 
 }  // namespace
 
-AtomicFile::AtomicFile(std::string_view path) : path_(path) {
-    while (path_.size() > 1 && path_.back() == '/') path_.pop_back();
-    if (path_.empty() || path_.find('\0') != path_.npos) {
-        failure_ = EINVAL;
-        return;
-    }
-    openUnnamed();
-    if (descriptor_ < 0) openHidden();
-}
-
-AtomicFile::~AtomicFile() {
-    if (descriptor_ >= 0) close(descriptor_);
-    if (!hiddenPath_.empty()) unlink(hiddenPath_.c_str());
-}
-
-Ref<NSError> AtomicFile::error() const {
-    return failure_ == 0 ? nullptr : fileError(failure_, FileAccess::Write, path_);
-}
-
-bool AtomicFile::fail(int number) {
-    if (failure_ == 0) failure_ = number;
-    return false;
-}
-
-void AtomicFile::openUnnamed() {
+void AtomicFile::create() {
     descriptor_ = open(folderOf(path_).c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0600);
-}
-
-void AtomicFile::openHidden() {
+    if (descriptor_ >= 0) return;
     std::string name = hiddenPattern(path_);
     descriptor_ = mkostemp(name.data(), O_CLOEXEC);
     if (descriptor_ < 0)
-        failure_ = errno;
+        fail(errno);
     else
         hiddenPath_ = name;
 }
 
-bool AtomicFile::write(std::string_view bytes) {
-    while (isGood() && !bytes.empty()) {
-        const ssize_t count = ::write(descriptor_, bytes.data(), bytes.size());
-        if (count < 0 && errno != EINTR) return fail(errno);
-        bytes.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
-    }
-    return isGood();
+std::size_t AtomicFile::append(std::string_view bytes) {
+    const ssize_t count = ::write(descriptor_, bytes.data(), bytes.size());
+    if (count < 0 && errno != EINTR) fail(errno);
+    return static_cast<std::size_t>(std::max<ssize_t>(count, 0));
 }
 
-bool AtomicFile::commit() {
-    if (!isGood() || !takePlace()) return false;
-    hiddenPath_.clear();
-    return true;
+void AtomicFile::discard() {
+    if (descriptor_ >= 0) close(descriptor_);
+    if (!hiddenPath_.empty()) unlink(hiddenPath_.c_str());
 }
 
 bool AtomicFile::takePlace() {
