@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Draws every state of the tab on four screens into one sheet, Docs/states.png, and every model of the sample products
-# into another, Docs/models.png. Needs no display. Another folder may be named instead.
+# into another, Docs/models.png, both in 256 colours, which makes them a third as large. Needs no display. Another folder may be named instead.
 source "$(dirname "$0")/prepare.sh"
-install_packages
+install_packages scripts/packages-pictures.txt
 build release flarebox-hostgame flarebox-contactsheet
 examples="$PWD/build/release/Examples"
 scripts="$PWD/Examples/ContactSheet"
@@ -23,3 +23,4 @@ cd "$folder/Models"
 "$examples/HostGame/flarebox-hostgame" --headless --clock virtual --no-logging --size 667x375 --scale 1 --script "$scripts/models.script" >/dev/null
 "$examples/ContactSheet/flarebox-contactsheet" "$out/states.png" "$folder"/{667x375,375x667,1024x768,1366x1024}
 "$examples/ContactSheet/flarebox-contactsheet" "$out/models.png" "$folder/Models"
+pngquant --force --ext .png --nofs --speed 1 256 "$out/states.png" "$out/models.png"
