@@ -117,7 +117,9 @@ public:
 
     /// Passes the result of an event on to who observes the input.
     InputResult tell(const InputEvent& event, InputResult result) const {
-        if (*this && state_->observeInput) state_->observeInput(event, result);
+        // A copy: the observer may take itself off.
+        const auto observe = *this ? state_->observeInput : nullptr;
+        if (observe) observe(event, result);
         return result;
     }
 
@@ -292,6 +294,10 @@ void UIHost::giveBackFocus() {
 bool UIHost::hasFocus() const {
     const Call call(*this, "UIHost::hasFocus", nullptr);
     return call && call->mainWindow->focusSystem().takesPresses();
+}
+bool UIHost::showsFocusRing() const {
+    const Call call(*this, "UIHost::showsFocusRing", nullptr);
+    return call && call->mainWindow->focusSystem().takesPresses() && call->mainWindow->focusSystem().showsRing();
 }
 InputResult UIHost::press(UIPressType type) {
     const Call call(*this, "UIHost::press", "input");

@@ -110,6 +110,9 @@ public:
     void giveBackFocus();  ///< they are the game's again, and the ring goes
     /// Whether they are the panel's now.
     bool hasFocus() const;
+    /// Whether the panel shows the ring around what they speak to. It goes with a touch or a click, and comes back with
+    /// the next press.
+    bool showsFocusRing() const;
     /// A button of a game controller.
     InputResult press(UIPressType type);
     /// A key by its name, in lower case. The arrows "left", "right", "up" and "down", "return", "space", "escape",

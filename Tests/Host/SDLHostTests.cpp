@@ -236,16 +236,23 @@ protected:
         e.tfinger.y = y;
         return host_->handleEvent(e);
     }
-    InputResult pad(Uint32 type, SDL_GameControllerButton button) {
+    InputResult pad(Uint32 type, SDL_GameControllerButton button, SDL_JoystickID which = 0) {
         SDL_Event e = event(type);
+        e.cbutton.which = which;
         e.cbutton.button = static_cast<Uint8>(button);
         return host_->handleEvent(e);
     }
-    InputResult stick(SDL_GameControllerAxis axis, double deflection) {
+    InputResult stick(SDL_GameControllerAxis axis, double deflection, SDL_JoystickID which = 0) {
         SDL_Event e = event(SDL_CONTROLLERAXISMOTION);
+        e.caxis.which = which;
         e.caxis.axis = static_cast<Uint8>(axis);
         e.caxis.value = static_cast<Sint16>(deflection * 32767);
         return host_->handleEvent(e);
+    }
+    void unplug(SDL_JoystickID which) {
+        SDL_Event e = event(SDL_CONTROLLERDEVICEREMOVED);
+        e.cdevice.which = which;
+        EXPECT_EQ(host_->handleEvent(e), InputResult::Ignored) << "the game closes it";
     }
     void windowEvent(Uint8 kind) {
         SDL_Event e = event(SDL_WINDOWEVENT);
@@ -400,6 +407,24 @@ TEST_F(SDLInputTest, AHeldDirectionGoesOnUntilItIsLetGo) {
     wait(1);
     EXPECT_EQ(place(), 3);
     stick(SDL_CONTROLLER_AXIS_LEFTX, 0);
+
+    // One that lies on the table and trembles.
+    pad(SDL_CONTROLLERBUTTONDOWN, SDL_CONTROLLER_BUTTON_DPAD_LEFT);
+    stick(SDL_CONTROLLER_AXIS_LEFTX, 0.01, 1);
+    pad(SDL_CONTROLLERBUTTONUP, SDL_CONTROLLER_BUTTON_DPAD_LEFT, 1);
+    wait(0.5);
+    EXPECT_EQ(place(), 1);
+    unplug(0);
+    wait(1);
+    EXPECT_EQ(place(), 1) << "SDL need not tell of the button of one that went";
+
+    pad(SDL_CONTROLLERBUTTONDOWN, SDL_CONTROLLER_BUTTON_DPAD_RIGHT);
+    button(SDL_MOUSEBUTTONDOWN, 350, 10);
+    wait(1);
+    EXPECT_FALSE(host_->showsFocusRing()) << "whoever holds the mouse goes on with it";
+    pad(SDL_CONTROLLERBUTTONUP, SDL_CONTROLLER_BUTTON_DPAD_RIGHT);
+    button(SDL_MOUSEBUTTONUP, 350, 10);
+    host_->takeFocus();
 
     pad(SDL_CONTROLLERBUTTONDOWN, SDL_CONTROLLER_BUTTON_DPAD_RIGHT);
     host_->giveBackFocus();

@@ -61,46 +61,6 @@ bool repeats(std::string_view key) {
     return key == "left" || key == "right" || key == "up" || key == "down";
 }
 
-/// How far a stick counts as pressed in a direction, and as let go again.
-constexpr double stickPressed = 0.6, stickReleased = 0.35;
-
-/// Seconds from the press of a direction that is held to the second, and between those that follow.
-constexpr double repetitionDelay = 0.45, repetitionInterval = 0.12;
-
-bool isDirection(UIPressType type) {
-    return type <= UIPressType::RightArrow;
-}
-
-std::optional<UIPressType> pressOf(Uint8 button) {
-    using enum UIPressType;
-    switch (button) {
-        case SDL_CONTROLLER_BUTTON_DPAD_UP:
-            return UpArrow;
-        case SDL_CONTROLLER_BUTTON_DPAD_DOWN:
-            return DownArrow;
-        case SDL_CONTROLLER_BUTTON_DPAD_LEFT:
-            return LeftArrow;
-        case SDL_CONTROLLER_BUTTON_DPAD_RIGHT:
-            return RightArrow;
-        case SDL_CONTROLLER_BUTTON_A:
-            return Select;
-        case SDL_CONTROLLER_BUTTON_B:
-            return Menu;
-        case SDL_CONTROLLER_BUTTON_X:
-            return PlayPause;
-        case SDL_CONTROLLER_BUTTON_LEFTSHOULDER:
-            return PageUp;
-        case SDL_CONTROLLER_BUTTON_RIGHTSHOULDER:
-            return PageDown;
-        default:
-            return std::nullopt;
-    }
-}
-
-double deflectionOf(Sint16 value) {
-    return std::max(-1.0, value / 32767.0);
-}
-
 }  // namespace
 
 SDLHost::SDLHost(SDL_Window* window, SDL_Renderer* renderer)
@@ -111,7 +71,6 @@ SDLHost::SDLHost(SDL_Window* window, SDL_Renderer* renderer)
 }
 
 SDLHost::~SDLHost() {
-    MainQueue::shared().cancel(nextPress_);
     releaseTextures(compositor_);
 }
 
@@ -138,9 +97,9 @@ InputResult SDLHost::handleEvent(const SDL_Event& event) {
             return handleKey(event);
         case SDL_CONTROLLERBUTTONDOWN:
         case SDL_CONTROLLERBUTTONUP:
-            return handleControllerButton(event);
         case SDL_CONTROLLERAXISMOTION:
-            return handleControllerAxis(event);
+        case SDL_CONTROLLERDEVICEREMOVED:
+            return controllers_.handleEvent(event);
         case SDL_WINDOWEVENT:
             handleWindow(event);
             return InputResult::Ignored;
@@ -236,70 +195,6 @@ InputResult SDLHost::handleKey(const SDL_Event& event) {
     return result;
 }
 
-InputResult SDLHost::handleControllerButton(const SDL_Event& event) {
-    const int button = event.cbutton.button;
-    const auto type = pressOf(event.cbutton.button);
-    if (event.type == SDL_CONTROLLERBUTTONUP) {
-        if (type) letGo(*type);
-        return panelControllerButtons_.erase(button) > 0 ? InputResult::Consumed : InputResult::Ignored;
-    }
-    if (!type) return InputResult::Ignored;
-    const InputResult result = isDirection(*type) ? hold(*type) : UIHost::press(*type);
-    if (result == InputResult::Consumed) panelControllerButtons_.insert(button);
-    return result;
-}
-
-InputResult SDLHost::handleControllerAxis(const SDL_Event& event) {
-    const double deflection = deflectionOf(event.caxis.value);
-    switch (event.caxis.axis) {
-        case SDL_CONTROLLER_AXIS_LEFTX:
-            return leftStickMoved(0, deflection);
-        case SDL_CONTROLLER_AXIS_LEFTY:
-            return leftStickMoved(1, deflection);
-        case SDL_CONTROLLER_AXIS_RIGHTX:
-            rightStick_.x = deflection;
-            return stickMoved(rightStick_);
-        case SDL_CONTROLLER_AXIS_RIGHTY:
-            rightStick_.y = deflection;
-            return stickMoved(rightStick_);
-        default:
-            return InputResult::Ignored;
-    }
-}
-
-InputResult SDLHost::leftStickMoved(int axis, double deflection) {
-    using enum UIPressType;
-    constexpr UIPressType backwards[] = {LeftArrow, UpArrow}, forwards[] = {RightArrow, DownArrow};
-    std::optional<UIPressType>& held = stick_[axis];
-    const UIPressType direction = (deflection > 0 ? forwards : backwards)[axis];
-    if (held && (std::abs(deflection) < stickReleased || held != direction)) letGo(*std::exchange(held, std::nullopt));
-    if (held || std::abs(deflection) <= stickPressed) return hasFocus() ? InputResult::Consumed : InputResult::Ignored;
-    held = direction;
-    return hold(direction);
-}
-
-/// Presses the direction now, and goes on if the panel used it.
-InputResult SDLHost::hold(UIPressType direction) {
-    if (held_) letGo(*held_);
-    const InputResult result = UIHost::press(direction);
-    if (result != InputResult::Consumed) return result;
-    held_ = direction;
-    nextPress_ = MainQueue::shared().after(repetitionDelay, [this] { pressAgain(); });
-    return result;
-}
-
-void SDLHost::letGo(UIPressType direction) {
-    if (held_ != direction) return;
-    held_.reset();
-    MainQueue::shared().cancel(nextPress_);
-}
-
-void SDLHost::pressAgain() {
-    const UIPressType direction = *held_;
-    if (UIHost::press(direction) != InputResult::Consumed) return held_.reset();
-    if (held_ == direction) nextPress_ = MainQueue::shared().after(repetitionInterval, [this] { pressAgain(); });
-}
-
 void SDLHost::handleWindow(const SDL_Event& event) {
     switch (event.window.event) {
         case SDL_WINDOWEVENT_SIZE_CHANGED:
@@ -315,7 +210,7 @@ void SDLHost::handleWindow(const SDL_Event& event) {
         case SDL_WINDOWEVENT_HIDDEN:
         case SDL_WINDOWEVENT_MINIMIZED:
             cancelPointers();
-            if (held_) letGo(*held_);
+            controllers_.letGo();
             break;
         default:
             break;

@@ -1,13 +1,12 @@
 #pragma once
 
 #include <Foundation/Export.h>
-#include <Foundation/MainQueue.h>
 #include <Host/SDL/SDLCompositor.h>
+#include <Host/SDL/SDLControllers.h>
 #include <UIKit/UIHost.h>
 
 #include <cstdint>
 #include <map>
-#include <optional>
 #include <set>
 
 struct SDL_Window;
@@ -52,12 +51,6 @@ private:
     InputResult handleWheel(const SDL_Event& event);
     InputResult handleFinger(const SDL_Event& event);
     InputResult handleKey(const SDL_Event& event);
-    InputResult handleControllerButton(const SDL_Event& event);
-    InputResult handleControllerAxis(const SDL_Event& event);
-    InputResult leftStickMoved(int axis, double deflection);
-    InputResult hold(UIPressType direction);
-    void letGo(UIPressType direction);
-    void pressAgain();
     void handleWindow(const SDL_Event& event);
     bool isForeign(const SDL_Event& event) const;
 
@@ -72,7 +65,8 @@ private:
     SDL_Window* window_;
     SDL_Renderer* renderer_;
     SDLCompositor compositor_;
-    CGPoint mouse_;
+    /// Beside everything until it has moved.
+    CGPoint mouse_{-1, -1};
     /// Pointers that are down; fingers count from 1.
     std::set<int> pressed_;
     std::map<std::int64_t, int> fingers_;
@@ -81,13 +75,8 @@ private:
     bool isMouseFromTouch_ = false;
     InputResult mouseResult_ = InputResult::Ignored;
     /// Buttons beside the left one, and keys, that went down on the panel: their end belongs to the panel as well.
-    std::set<int> panelButtons_, panelKeys_, panelControllerButtons_;
-    CGPoint rightStick_;
-    /// Of the left stick, sideways and down: which way it is held, if off its middle.
-    std::optional<UIPressType> stick_[2];
-    /// What the panel is to go about by until it is let go, and the next time.
-    std::optional<UIPressType> held_;
-    MainQueue::Token nextPress_ = 0;
+    std::set<int> panelButtons_, panelKeys_;
+    SDLControllers controllers_{*this};
 };
 
 }  // namespace flarebox
