@@ -157,8 +157,9 @@ void LayoutEngine::leaveOut(const ConstraintSolver::Conflict& conflict) {
     for (UIView* view : views_) {
         for (auto& id : view->layoutState_->content) id = id == conflict.offender ? 0 : id;
     }
-    LogSink::write(LogLevelError,
-                   name + " cannot be met and is left out. It contradicts" + (others.empty() ? " itself" : others));
+    LogSink::write(LogLevelError, name + " cannot be met and is left out. It contradicts" +
+                                      (others.empty() ? " itself" : others) +
+                                      ". Remove one of them, or give one a priority below required");
 }
 
 void LayoutEngine::noteMended() {

@@ -103,6 +103,7 @@ std::string NSLayoutConstraint::description() const {
         if (constant_ != 0) text += (constant_ < 0 ? " - " : " + ") + number(std::abs(constant_));
     }
     if (priority_ < UILayoutPriorityRequired) text += " (priority " + number(priority_) + ")";
+    if (identifier_) text += ", " + identifier_.string();
     return "<NSLayoutConstraint: " + text + ">";
 }
 

@@ -2,6 +2,7 @@
 
 #include <Foundation/Export.h>
 #include <Foundation/NSObject.h>
+#include <Foundation/Values.h>
 #include <UIKit/Geometry.h>
 
 namespace flarebox {
@@ -57,7 +58,10 @@ public:
     void setPriority(UILayoutPriority priority);
     /// Whether it is left out at present because it contradicts others, which the log says.
     bool isBroken() const { return isBroken_; }
-    /// Names both views, the relation and the constant, for messages.
+    /// For messages: where it comes from. Of a layout file's the file and the line; else absent until it is set.
+    const NSString& identifier() const { return identifier_; }
+    void setIdentifier(const NSString& identifier) { identifier_ = identifier; }
+    /// Names both views, the relation, the constant and the identifier, for messages.
     std::string description() const override;
 
 private:
@@ -67,6 +71,7 @@ private:
     const char* reasonToRefuse(const UIView& owner) const;
 
     Weak<UIView> firstItem_, secondItem_;
+    NSString identifier_;
     /// The view that holds the constraint, while one does; both items are then alive and in its tree, so that plain
     /// pointers do.
     UIView* owner_ = nullptr;

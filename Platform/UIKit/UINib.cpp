@@ -86,7 +86,7 @@ struct UINib::File {
         if (!content)
             what = problem;
         else if (!blueprint)
-            blueprint = layout::makeBlueprint(*content, what);
+            blueprint = layout::makeBlueprint(*content, name, what);
         return blueprint ? &*blueprint : nullptr;
     }
 };

@@ -92,7 +92,7 @@ TEST_F(InspectorTest, NamesWhatIsWrongWithALayout) {
         {"<UIView pin=\"top leading\" height=\"20\" id=\"b\"><constraint>width &lt;= 50</constraint></UIView>",
          "b (UIView): the constraints leave open"},
         {"<UIView id=\"b\"" + fixed + "><constraint>width == 60</constraint></UIView>",
-         "b (UIView): <NSLayoutConstraint: b.width == 60> contradicts others and is left out"},
+         "b (UIView): <NSLayoutConstraint: b.width == 60, Card.xml:1> contradicts others and is left out"},
         {"<UIView id=\"b\"" + fixed + "><constraint priority=\"high\">width == 60</constraint></UIView>", ""},
         {"<UIButton id=\"b\" pin=\"top:9 leading:-9\" width=\"50\" height=\"20\"/>",
          "b (UIButton): lies beyond its superview"},

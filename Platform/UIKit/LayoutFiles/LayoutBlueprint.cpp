@@ -19,7 +19,7 @@ std::string written(std::string_view form) {
 
 class Builder {
 public:
-    explicit Builder(LayoutProblem& problem) : problem_(problem) {}
+    Builder(const std::string& fileName, LayoutProblem& problem) : fileName_(fileName), problem_(problem) {}
 
     std::optional<LayoutBlueprint> build(const LayoutElement& file) {
         if (!topLevel(file)) return std::nullopt;
@@ -38,7 +38,7 @@ private:
     bool topLevel(const LayoutElement& file) {
         if (file.name != "layout") return view(file, noView);
         if (!file.attributes.empty()) return fail(file.line, "unknown attribute " + inQuotes(file.attributes[0].name));
-        if (file.children.empty()) return fail(file.line, "the file holds no view");
+        if (file.children.empty()) return fail(file.line, "the file holds no view; write one inside <layout>");
         for (const LayoutElement& child : file.children) {
             if (!view(child, noView)) return false;
         }
@@ -54,8 +54,10 @@ private:
             return fail(element.line,
                         "unknown element " + inQuotes(element.name) + suggestionFor(element.name, viewNames));
         if (!plan.viewClass->isSubclassOf(UIView::staticClass()))
-            return fail(element.line, inQuotes(element.name) + " is no view");
-        if (!element.text.empty()) return fail(element.line, "unexpected text " + inQuotes(element.text));
+            return fail(element.line, inQuotes(element.name) + " is no view; derive it from UIView");
+        if (!element.text.empty())
+            return fail(element.line, "unexpected text " + inQuotes(element.text) +
+                                          "; a label has an attribute \"text\", a button a \"title\"");
         const std::size_t index = blueprint_.views.size();
         blueprint_.views.push_back(std::move(plan));
         for (const auto& attribute : element.attributes) {
@@ -93,8 +95,9 @@ private:
     }
 
     bool setName(std::string& field, const std::string& value, std::size_t index, int line) {
-        if (value.empty()) return fail(line, "a name is empty");
-        if (value == "self" || value == "parent") return fail(line, inQuotes(value) + " has a meaning of its own");
+        if (value.empty()) return fail(line, "a name is empty; leave it out, or give one");
+        if (value == "self" || value == "parent")
+            return fail(line, inQuotes(value) + " has a meaning of its own; take another name");
         const auto [place, isNew] = names_.emplace(value, index);
         // A view may use one name both as its id and as its outlet.
         const bool isOwn = index != noView && place->second == index && field.empty();
@@ -106,7 +109,7 @@ private:
     bool setAction(ViewPlan& plan, const std::string& value) {
         if (!plan.viewClass->isSubclassOf(UIControl::staticClass()))
             return fail(plan.line, "only controls have an action; make the element a UIButton");
-        if (value.empty()) return fail(plan.line, "a name is empty");
+        if (value.empty()) return fail(plan.line, "a name is empty; leave the action out, or give one");
         plan.action = value;
         return true;
     }
@@ -133,6 +136,7 @@ private:
         ConstraintPlan plan;
         plan.expression = expression;
         plan.line = line;
+        plan.identifier = fileName_ + ":" + std::to_string(line);
         plan.holder = index;
         return blueprint_.constraints.emplace_back(std::move(plan));
     }
@@ -141,7 +145,8 @@ private:
         std::string what;
         const auto expression = parseConstraint(element.text, what);
         if (!expression) return fail(element.line, what);
-        if (!element.children.empty()) return fail(element.line, "a constraint holds no elements");
+        if (!element.children.empty())
+            return fail(element.line, "a constraint holds no elements; write them beside it");
         ConstraintPlan& plan = add(*expression, index, element.line);
         std::string id;
         for (const auto& [name, value] : element.attributes) {
@@ -177,7 +182,8 @@ private:
                !(holds(plan.holder, plan.first) && (!isPair || holds(plan.holder, plan.second)))) {
             plan.holder = blueprint_.views[plan.holder].parent;
         }
-        return plan.holder != noView || fail(plan.line, "the constraint's views have no common superview");
+        return plan.holder != noView ||
+               fail(plan.line, "the constraint's views have no common superview; put both into one view");
     }
 
     bool find(const std::string& name, std::size_t own, int line, std::size_t& result) {
@@ -185,7 +191,7 @@ private:
         if (name.empty() || name == "self") return true;
         if (name == "parent") {
             result = blueprint_.views[own].parent;
-            return result != noView || fail(line, "a top-level object has no parent");
+            return result != noView || fail(line, "a top-level object has no parent; put it into a view");
         }
         const auto found = names_.find(name);
         if (found == names_.end() || found->second == noView)
@@ -207,6 +213,7 @@ private:
         return view == ancestor;
     }
 
+    const std::string& fileName_;
     LayoutProblem& problem_;
     LayoutBlueprint blueprint_;
     /// Ids and outlets with the index of their view; noView for those of constraints.
@@ -215,9 +222,10 @@ private:
 
 }  // namespace
 
-std::optional<LayoutBlueprint> makeBlueprint(const LayoutElement& file, LayoutProblem& problem) {
+std::optional<LayoutBlueprint> makeBlueprint(const LayoutElement& file, const std::string& name,
+                                             LayoutProblem& problem) {
     registerViewClasses();
-    return Builder(problem).build(file);
+    return Builder(name, problem).build(file);
 }
 
 }  // namespace flarebox::layout

@@ -29,6 +29,8 @@ struct ViewPlan {
 struct ConstraintPlan {
     ConstraintExpression expression;
     int line = 0;
+    /// Names file and line.
+    NSString identifier;
     std::size_t holder = noView, first = noView, second = noView;
     std::string outlet;
     UILayoutPriority priority = UILayoutPriorityRequired;
@@ -41,7 +43,8 @@ struct LayoutBlueprint {
     std::vector<ConstraintPlan> constraints;
 };
 
-/// Nothing, with the first problem told, when something in the file is wrong.
-std::optional<LayoutBlueprint> makeBlueprint(const LayoutElement& file, LayoutProblem& problem);
+/// Nothing, with the first problem told, when something in the file of that name is wrong.
+std::optional<LayoutBlueprint> makeBlueprint(const LayoutElement& file, const std::string& name,
+                                             LayoutProblem& problem);
 
 }  // namespace flarebox::layout

@@ -60,6 +60,7 @@ bool LayoutInstance::makeConstraint(const ConstraintPlan& plan) {
     const auto constraint = NSLayoutConstraint::constraintWithItem(
         *viewAt(plan.first), first.attribute, relation, viewAt(plan.second), second.attribute, multiplier, constant);
     constraint->setPriority(plan.priority);
+    constraint->setIdentifier(plan.identifier);
     viewAt(plan.holder)->addConstraint(constraint);
     return plan.outlet.empty() || bindOutlet(plan.outlet, *constraint, plan.line);
 }

@@ -24,11 +24,17 @@ public:
     std::optional<LayoutElement> read() {
         pugi::xml_document document;
         const auto result = document.load_buffer(text_.data(), text_.size(), pugi::parse_default, pugi::encoding_utf8);
-        if (!result) return fail(result.offset, result.description());
+        if (!result)
+            return fail(result.offset,
+                        std::string(result.description()) + "; " +
+                            (result.status == pugi::status_no_document_element
+                                 ? "write a view, as in <UIView/>"
+                                 : "write each <Element> with its </Element>, and & in a text as &amp;"));
         const pugi::xml_node outermost = document.document_element();
-        if (!outermost) return fail(0, "the file is empty");
+        if (!outermost) return fail(0, "the file is empty; write a view, as in <UIView/>");
         for (pugi::xml_node next = outermost.next_sibling(); next; next = next.next_sibling()) {
-            if (next.type() == pugi::node_element) return fail(next.offset_debug(), "a second outermost element");
+            if (next.type() == pugi::node_element)
+                return fail(next.offset_debug(), "a second outermost element; put both into a <layout>");
         }
         return element(outermost, 0);
     }
@@ -54,10 +60,13 @@ private:
         LayoutElement result;
         result.name = node.name();
         result.line = line(node.offset_debug());
-        if (depth >= deepestNesting) return fail(node.offset_debug(), "elements are nested too deeply");
+        if (depth >= deepestNesting)
+            return fail(node.offset_debug(),
+                        "elements are nested too deeply; at most " + std::to_string(deepestNesting) + " deep");
         for (const pugi::xml_attribute& attribute : node.attributes()) {
             if (result.attribute(attribute.name())) {
-                return fail(node.offset_debug(), std::string("attribute \"") + attribute.name() + "\" is given twice");
+                return fail(node.offset_debug(),
+                            std::string("attribute \"") + attribute.name() + "\" is given twice; keep one of them");
             }
             result.attributes.push_back({attribute.name(), attribute.value()});
         }
