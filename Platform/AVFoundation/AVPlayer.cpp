@@ -1,6 +1,7 @@
 #include <AVFoundation/AVPlayer.h>
 
 #include <Foundation/Immortal.h>
+#include <Foundation/MainQueue.h>
 #include <Foundation/NSNotificationCenter.h>
 #include <Networking/NetworkError.h>
 
@@ -70,6 +71,7 @@ bool AVPlayer::isEverythingMuted() {
 }
 
 void AVPlayer::setEverythingMuted(bool muted) {
+    if (!requireMainThread("AVPlayer::setEverythingMuted")) return;
     players().areMuted = muted;
     for (AVPlayer* player : players().all) player->followMuting();
 }

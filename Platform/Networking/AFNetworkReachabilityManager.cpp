@@ -37,6 +37,7 @@ void AFNetworkReachabilityManager::stopMonitoring() {
 }
 
 void AFNetworkReachabilityManager::setMonitor(Ref<NetworkMonitor> monitor) {
+    if (!requireMainThread("AFNetworkReachabilityManager::setMonitor")) return;
     const bool wasMonitoring = isMonitoring_;
     stopMonitoring();
     monitor_ = std::move(monitor);

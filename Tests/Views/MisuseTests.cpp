@@ -1,8 +1,10 @@
 // Calls that a host should not make, or makes at odd moments: each does what its documentation says.
 
+#include <AVFoundation/AVPlayer.h>
 #include <Flarebox/Core/Logging.h>
 #include <Foundation/NSAssertionHandler.h>
 #include <Host/Headless/CountingCompositor.h>
+#include <Networking/AFNetworkReachabilityManager.h>
 #include <Tests/Views/TabTesting.h>
 #include <UIKit/CADisplayLink.h>
 #include <UIKit/UIScreen.h>
@@ -75,6 +77,9 @@ TEST_F(MisuseTest, OnAnotherThreadNothingHappensAndTheLogNamesTheCall) {
         {"FlareboxView::removeFromSuperview", [&] { tab.removeFromSuperview(); }},
         {"FlareboxView::changeRefreshDataTime", [&] { tab.changeRefreshDataTime(7); }},
         {"FlareboxView::createGameSession", [&] { tab.updateWithNewGameUDID(); }},
+        {"AVPlayer::setEverythingMuted", [] { AVPlayer::setEverythingMuted(true); }},
+        {"AFNetworkReachabilityManager::setMonitor",
+         [] { AFNetworkReachabilityManager::sharedManager().setMonitor(nullptr); }},
         {"FlareboxConfig::setGameUID", [&] { config.setGameUID("other"); }},
         {"FlareboxConfig::configFlareboxWithUserSession",
          [&] { config.configFlareboxWithUserSession(nullptr, nullptr, nullptr, false, 0); }},
