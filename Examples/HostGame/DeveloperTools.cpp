@@ -1,5 +1,7 @@
 #include "DeveloperTools.h"
 
+#include "Fields.h"
+
 #include <Flarebox/Core/FlareboxBundle.h>
 #include <Flarebox/Core/FlareboxConfig.h>
 #include <Foundation/Clock.h>
@@ -23,14 +25,21 @@ public:
     Listening() {
         LogSink::set([this](LogLevel level, std::string_view message) {
             std::fprintf(stderr, "%.*s\n", static_cast<int>(message.size()), message.data());
-            if (level >= LogLevelWarning) messages.emplace_back(message);
+            if (level >= LogLevelWarning) messages_.emplace_back(message);
         });
     }
     ~Listening() { LogSink::set(nullptr); }
     Listening(const Listening&) = delete;
     Listening& operator=(const Listening&) = delete;
 
-    std::vector<std::string> messages;
+    /// Ends it: other threads have things to say too.
+    std::vector<std::string> take() {
+        LogSink::set(nullptr);
+        return std::move(messages_);
+    }
+
+private:
+    std::vector<std::string> messages_;
 };
 
 /// The new tab where the old one was, open if that was.
@@ -73,6 +82,7 @@ void DeveloperTools::start(UIWindow& window) {
 
 void DeveloperTools::frameEnded(double whole, double kit) {
     if (graph_) graph_->addFrame(whole, kit);
+    placeStrip();
 }
 
 void DeveloperTools::toggle() {
@@ -82,7 +92,7 @@ void DeveloperTools::toggle() {
 }
 
 void DeveloperTools::setPointer(std::optional<CGPoint> point) {
-    if (inspector_) inspector_->setPointer(point);
+    if (inspector_) inspector_->setPointer(point ? std::optional(pointInWindow(*point)) : std::nullopt);
 }
 
 void DeveloperTools::inspect(bool isOn) {
@@ -111,7 +121,7 @@ Ref<FlareboxView> DeveloperTools::readFiles(FlareboxView& tab) {
     if (const std::string problem = applyTheme(options_); !problem.empty()) LogSink::write(LogLevelError, problem);
     Ref<FlareboxView> fresh = UINib::readChangedFiles() ? FlareboxView::init() : nullptr;
     if (fresh) replace(tab, *fresh);
-    show(log.messages);
+    show(log.take());
     return fresh;
 }
 
@@ -130,6 +140,12 @@ void DeveloperTools::show(const std::vector<std::string>& problems) {
     strip_->setContentInsets({6, 10, 6, 10});
     strip_->setAccessibilityIdentifier("fileProblems");
     window->addSubview(*strip_);
+    placeStrip();
+}
+
+void DeveloperTools::placeStrip() {
+    const UIView* const window = strip_ ? strip_->superview() : nullptr;
+    if (!window || strip_->frame().width() == window->bounds().width()) return;
     const CGSize screen = window->bounds().size;
     const CGFloat height = strip_->sizeThatFits(screen.width).height;
     strip_->setFrame(CGRectMake(0, screen.height - height, screen.width, height));

@@ -42,6 +42,7 @@ private:
     void showFrameTimes(bool isOn);
     Ref<FlareboxView> readFiles(FlareboxView& tab);
     void show(const std::vector<std::string>& problems);
+    void placeStrip();
 
     const Options& options_;
     Weak<UIWindow> window_;

@@ -59,7 +59,13 @@ CGRect visibleRect(const UIView& view) {
     for (const UIView* each = view.superview(); each; each = each->superview()) {
         if (each->clipsToBounds()) rect = rect.intersection(each->presentationRectInRoot());
     }
-    return rect;
+    const CGFloat scale = UIScreen::mainScreen().interfaceScale();
+    return CGRectMake(rect.minX() * scale, rect.minY() * scale, rect.width() * scale, rect.height() * scale);
+}
+
+CGPoint pointInWindow(CGPoint hostPoint) {
+    const CGFloat scale = UIScreen::mainScreen().interfaceScale();
+    return {hostPoint.x / scale, hostPoint.y / scale};
 }
 
 }  // namespace flarebox::hostgame

@@ -25,8 +25,11 @@ void forEachField(const FlareboxView& tab, const std::function<void(const std::s
 NSString textOf(const NSObject& object);
 bool hasText(const NSObject& object);
 
-/// Where the view can be seen and touched now, in points of the screen: cut to the screen and to what clips it. Empty
+/// Where the view can be seen and touched now, in points of the host: cut to the screen and to what clips it. Empty
 /// when nowhere.
 CGRect visibleRect(const UIView& view);
+
+/// The host's points are smaller than those of its window where the interface is shown larger.
+CGPoint pointInWindow(CGPoint hostPoint);
 
 }  // namespace flarebox::hostgame

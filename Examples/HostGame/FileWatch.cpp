@@ -23,9 +23,9 @@ FileWatch::Seen FileWatch::look() const {
     };
     for (const auto& place : places_) {
         std::error_code noFolder;
-        const std::filesystem::directory_iterator entries(place, noFolder);
+        std::filesystem::directory_iterator entry(place, noFolder);
         if (noFolder) add(place);
-        for (const auto& entry : entries) add(entry.path());
+        for (; entry != std::filesystem::directory_iterator(); entry.increment(noFolder)) add(entry->path());
     }
     return seen;
 }

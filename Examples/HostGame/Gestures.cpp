@@ -24,7 +24,7 @@ CGPoint middleOf(const CGRect& rect) {
 Failure obstacle(Game& game, const UIView& view, CGPoint point) {
     UIWindow* window = game.window();
     if (!window || view.window() != window) return "is in no window";
-    const UIView* hit = window->hitTest(point);
+    const UIView* hit = window->hitTest(pointInWindow(point));
     if (!hit) return "takes no touch";
     // A label takes no touches itself; the view that it lies on does.
     if (hit == &view || hit->isDescendantOfView(view) || view.isDescendantOfView(*hit)) return std::nullopt;

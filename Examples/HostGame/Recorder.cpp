@@ -20,7 +20,6 @@ constexpr double swipeTime = 0.4;
 constexpr CGFloat swipeLength = 50;
 /// Seconds between two turns of the wheel that belong together; shorter pauses than the second are not worth a line.
 constexpr double scrollPause = 0.25, shortestPause = 0.05;
-constexpr int firstPointer = 0;
 
 CGFloat distance(CGPoint from, CGPoint to) {
     return std::hypot(to.x - from.x, to.y - from.y);
@@ -84,10 +83,10 @@ void Recorder::note(const InputEvent& event, InputResult result) {
     if (event.kind != Scrolled) endScrolling();
     switch (event.kind) {
         case PointerDown:
-            if (event.pointer != firstPointer && gesture_)
+            if (gesture_)
                 gesture_->firstSpread = gesture_->spread = distance(gesture_->to, event.point);
             else if (result == InputResult::Consumed)
-                begin(event.point);
+                begin(event);
             break;
         case PointerMoved:
             if (gesture_) follow(event);
@@ -118,13 +117,15 @@ void Recorder::note(const InputEvent& event, InputResult result) {
     }
 }
 
-void Recorder::begin(CGPoint point) {
+void Recorder::begin(const InputEvent& event) {
     gesture_.emplace();
     gesture_->start = Clock::current().uptime();
     gesture_->isRested = MainQueue::shared().isIdle();
-    gesture_->from = gesture_->to = point;
+    gesture_->pointer = event.pointer;
+    gesture_->from = gesture_->to = event.point;
     UIWindow* window = game_.window();
-    for (const UIView* view = window ? window->hitTest(point) : nullptr; view; view = view->superview()) {
+    for (const UIView* view = window ? window->hitTest(pointInWindow(event.point)) : nullptr; view;
+         view = view->superview()) {
         const std::string field = fieldOf(game_.tab(), *view);
         if (gesture_->field.empty()) gesture_->field = field;
         if (!gesture_->target.empty()) continue;
@@ -134,7 +135,7 @@ void Recorder::begin(CGPoint point) {
 }
 
 void Recorder::follow(const InputEvent& event) {
-    if (event.pointer == firstPointer)
+    if (event.pointer == gesture_->pointer)
         gesture_->to = event.point;
     else
         gesture_->spread = distance(gesture_->to, event.point);

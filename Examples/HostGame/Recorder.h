@@ -11,6 +11,8 @@ namespace flarebox::hostgame {
 
 /// Of the player's, from the first finger's touch to its end.
 struct RecordedGesture {
+    /// The first finger; the mouse is 0.
+    int pointer = 0;
     double start = 0;
     /// Nothing was under way by then: what the player waited for had come.
     bool isRested = false;
@@ -45,7 +47,7 @@ private:
 
     Recorder(Game& game, File file);
     void note(const InputEvent& event, InputResult result);
-    void begin(CGPoint point);
+    void begin(const InputEvent& event);
     void follow(const InputEvent& event);
     void end();
     void addScrolling(const InputEvent& event);

@@ -130,7 +130,10 @@ private:
 
     static bool isForPanel(const SDL_Event& event) {
         if (event.type == SDL_CONTROLLERBUTTONDOWN) return event.cbutton.button == SDL_CONTROLLER_BUTTON_START;
-        return event.type == SDL_KEYDOWN && event.key.keysym.sym == SDLK_TAB && event.key.repeat == 0;
+        // With Alt or Ctrl it is the desktop's.
+        constexpr int others = KMOD_ALT | KMOD_CTRL | KMOD_GUI;
+        return event.type == SDL_KEYDOWN && event.key.keysym.sym == SDLK_TAB && event.key.repeat == 0 &&
+               (event.key.keysym.mod & others) == 0;
     }
 
     void play(World& world, const SDL_Event& event) {

@@ -33,6 +33,7 @@ FrameTimeGraph::FrameTimeGraph() {
 void FrameTimeGraph::addFrame(double whole, double kit) {
     frames_[next_] = {whole, kit};
     next_ = (next_ + 1) % frameCount;
+    place();
     setNeedsDisplay();
 }
 
@@ -46,7 +47,12 @@ double FrameTimeGraph::longestShareOfKit() const {
 
 void FrameTimeGraph::showInWindow(UIWindow& window) {
     window.addOverlay(*this);
-    const CGSize screen = window.bounds().size;
+    place();
+}
+
+void FrameTimeGraph::place() {
+    if (!superview()) return;
+    const CGSize screen = superview()->bounds().size;
     setFrame({{screen.width - graphSize.width - margin, screen.height - graphSize.height - margin}, graphSize});
 }
 

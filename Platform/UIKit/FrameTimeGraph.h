@@ -32,6 +32,7 @@ public:
     bool drawsContent() const override { return true; }
 
 private:
+    void place();
     struct Frame {
         double whole = 0, kit = 0;
     };

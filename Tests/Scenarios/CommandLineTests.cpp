@@ -9,6 +9,7 @@
 namespace flarebox::testing {
 namespace {
 
+using ::testing::AllOf;
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
@@ -86,7 +87,8 @@ TEST(ScriptTest, FailureNamesItsLine) {
         {"await text lbAssetTitle \"open\n",
          "s.script:1: await text lbAssetTitle \"open: the closing quote is missing"},
         {"swipe contentView away\n", "wants FIELD left|right|up|down"},
-        {"call explode\n", "s.script:1: call explode: explode is no operation of the tab"},
+        {"call explode\n", "s.script:1: call explode: explode is no operation of the tab; it has init, "},
+        {"call toggleFlarebox true true true\n", "toggleFlarebox wants 0 to 2 arguments"},
         {"dump no/such/folder.json\n", "s.script:1: dump no/such/folder.json: cannot write no/such/folder.json"},
         {"orientation sideways\n", "s.script:1: orientation sideways: wants unknown|portrait"},
     };
@@ -109,6 +111,18 @@ TEST(ScriptTest, AnswersArePrinted) {
     EXPECT_EQ(result.status, 0) << result.errors;
     EXPECT_EQ(result.output,
               "isOpened false\nisOpened true\nisFlareboxButtonVisible true\nisFlareboxButtonVisible false\n");
+}
+
+TEST(ScriptTest, TouchesFindWhatIsShownLarger) {
+    const TemporaryDirectory folder;
+    folder.write("s.script",
+                 "await idle 60\ncall setInterfaceScale 2\ncall open\nwait 0.5\ntap btn2d\ntap btnClose\nwait 0.5\n"
+                 "call isOpened\n");
+    const GameResult result =
+        runGame(folder, {"--no-logging", "--size", "1334x750", "--script", "s.script", "--record", "recorded.script"});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_THAT(result.output, HasSubstr("isOpened false"));
+    EXPECT_THAT(folder.read("recorded.script"), AllOf(HasSubstr("tap btn2d\n"), HasSubstr("tap btnClose\n")));
 }
 
 TEST(ScriptTest, NullConfigurationIsSurvived) {
