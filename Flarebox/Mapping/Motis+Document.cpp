@@ -6,6 +6,7 @@
 #include <Foundation/Storage.h>
 
 #include <ranges>
+#include <utility>
 
 namespace flarebox {
 
@@ -74,7 +75,7 @@ struct Destination {
 Destination destination(const MTSKeyPath& path, const DocumentStorage& document, std::uint32_t index) {
     for (const MTSKeyPath::Component& component : path.furtherComponents()) {
         const char sort = document.word(index).sort();
-        if (sort == '[' && component.index < 0) return {0, true};
+        if (sort == '[' && !std::in_range<std::size_t>(component.index)) return {0, true};
         if (sort == '[')
             index = document.indexOfElement(index, static_cast<std::size_t>(component.index));
         else

@@ -5,6 +5,8 @@
 #include <Foundation/Immortal.h>
 #include <Foundation/Storage.h>
 
+#include <utility>
+
 namespace flarebox {
 
 namespace {
@@ -28,7 +30,8 @@ Value valueUnderName(const Value& container, std::string_view name) {
 /// One step of a key path; absent when it leads nowhere.
 Value step(const Value& container, const MTSKeyPath::Component& component) {
     const auto array = container.as<NSArray>();
-    if (array && component.index >= 0) return array.objectAtIndex(static_cast<std::size_t>(component.index));
+    if (array && std::in_range<std::size_t>(component.index))
+        return array.objectAtIndex(static_cast<std::size_t>(component.index));
     return valueUnderName(container, component.name);
 }
 

@@ -109,7 +109,8 @@ const DocumentStorage::Collection& DocumentStorage::collectionAt(std::uint32_t i
     const std::atomic_ref<std::uint64_t> closing(tape_[word(index).end() - 1]);
     // The sort of a closing word is where an address has zeros.
     const auto made = [](std::uint64_t bits) {
-        return TapeWord(bits).sort() == 0 ? reinterpret_cast<const Collection*>(bits) : nullptr;
+        const auto address = static_cast<std::uintptr_t>(bits);
+        return TapeWord(bits).sort() == 0 ? reinterpret_cast<const Collection*>(address) : nullptr;
     };
     if (const Collection* collection = made(closing.load(std::memory_order_acquire))) return *collection;
 
@@ -118,7 +119,7 @@ const DocumentStorage::Collection& DocumentStorage::collectionAt(std::uint32_t i
     auto collection = word(index).sort() == '[' ? makeArray(index) : makeDictionary(index);
     collection->next = std::move(made_);
     made_ = std::move(collection);
-    closing.store(reinterpret_cast<std::uint64_t>(made_.get()), std::memory_order_release);
+    closing.store(reinterpret_cast<std::uintptr_t>(made_.get()), std::memory_order_release);
     return *made_;
 }
 

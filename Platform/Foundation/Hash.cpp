@@ -16,9 +16,17 @@ std::uint64_t seed() noexcept {
 
 /// Folds the 128-bit product: every bit of both factors reaches every bit of the result.
 std::uint64_t mix(std::uint64_t a, std::uint64_t b) noexcept {
+#ifdef __SIZEOF_INT128__
     __extension__ using Wide = unsigned __int128;
     const Wide product = static_cast<Wide>(a) * b;
     return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
+#else
+    // By halves, as on paper.
+    constexpr std::uint64_t low = 0xFFFFFFFF;
+    const std::uint64_t crossed = (a >> 32) * (b & low) + ((a & low) * (b & low) >> 32);
+    const std::uint64_t carried = (a & low) * (b >> 32) + (crossed & low);
+    return (a * b) ^ ((a >> 32) * (b >> 32) + (crossed >> 32) + (carried >> 32));
+#endif
 }
 
 template <class Word>
@@ -34,7 +42,7 @@ constexpr std::uint64_t oddB = 0xe7037ed1a0b428dbu;
 }  // namespace
 
 std::size_t hashInteger(std::uint64_t bits) noexcept {
-    return mix(bits ^ oddA, seed() ^ oddB);
+    return static_cast<std::size_t>(mix(bits ^ oddA, seed() ^ oddB));
 }
 
 std::size_t hashText(std::string_view text) noexcept {
@@ -56,7 +64,7 @@ std::size_t hashText(std::string_view text) noexcept {
         first =
             load<std::uint8_t>(at) | load<std::uint8_t>(at + left / 2) << 8 | load<std::uint8_t>(at + left - 1) << 16;
     }
-    return mix(first ^ oddA ^ state, last ^ oddB ^ seed());
+    return static_cast<std::size_t>(mix(first ^ oddA ^ state, last ^ oddB ^ seed()));
 }
 
 }  // namespace flarebox::detail

@@ -130,8 +130,8 @@ private:
 
     Value decodeReference(const NSNumber& number) {
         if (!number || number.isFloating() || number.integerValue() < 0) return fail("no such object");
-        std::size_t index = number.unsignedIntegerValue();
-        if (index >= decoded_.size()) return fail("no such object");
+        if (number.unsignedIntegerValue() >= decoded_.size()) return fail("no such object");
+        const auto index = static_cast<std::size_t>(number.unsignedIntegerValue());
         Ref<NSObject>& object = decoded_[index];
         // Kept before it is filled, since its values may lead back to it.
         if (!object) object = decodeContents(objects_.objectAtIndex(index).as<NSDictionary>(), object);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace flarebox::detail {
 namespace {
@@ -10,7 +11,8 @@ std::optional<std::size_t> wholeNumber(const Value& value) {
     const auto number = value.as<NSNumber>();
     if (!number || number.isBoolean() || number.isFloating()) return std::nullopt;
     if (!number.isUnsigned() && number.integerValue() < 0) return std::nullopt;
-    return number.unsignedIntegerValue();
+    const std::uint64_t result = number.unsignedIntegerValue();
+    return std::in_range<std::size_t>(result) ? std::optional(static_cast<std::size_t>(result)) : std::nullopt;
 }
 
 std::optional<float> finiteNumber(const Value& value) {

@@ -2,6 +2,7 @@
 
 #include <Foundation/NSJSONSerialization.h>
 #include <SceneKit/CheckedObject.h>
+#include <SceneKit/ModelFile.h>
 
 #include <algorithm>
 #include <array>
@@ -122,7 +123,7 @@ void Reader::readExtensions() {
 void Reader::readBuffers() {
     root_.objects("buffers", 1, [&](CheckedObject& buffer, std::size_t) {
         if (buffer.has("uri")) buffer.refuse("uri", "lies outside the file");
-        model_.bufferLength = buffer.integer("byteLength", 1, std::size_t{1} << 32, 0);
+        model_.bufferLength = buffer.integer("byteLength", 1, largestModelFile, 0);
     });
 }
 
@@ -155,7 +156,7 @@ void Reader::readAccessors() {
     root_.objects("accessors", mostThings, [&](CheckedObject& object, std::size_t) {
         ModelAccessor accessor;
         accessor.view = object.index("bufferView", model_.views.size());
-        accessor.offset = object.integer("byteOffset", 0, std::size_t{1} << 32, 0);
+        accessor.offset = object.integer("byteOffset", 0, largestModelFile, 0);
         accessor.component = readComponent(object);
         accessor.count = object.integer("count", 1, mostElements, 0);
         if (accessor.count == 0) object.refuse("count", "is missing");

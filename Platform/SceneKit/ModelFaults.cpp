@@ -179,7 +179,7 @@ std::string channelFault(const ModelDescription& model, const ModelAnimation& an
     if (output.type != type || output.component == UInt) return "has values of a type that they cannot have";
     const bool mayBeWhole = channel.path == "rotation" || channel.path == "weights";
     if (output.component != Float && !(mayBeWhole && output.isNormalized)) return "has values that are no numbers";
-    const std::size_t values = valuesPerMoment(model, channel);
+    const std::uint64_t values = valuesPerMoment(model, channel);
     if (channel.node && (values == 0 || output.count != input.count * values * (sampler.isCubic() ? 3 : 1)))
         return "has another count of values than of times";
     return {};

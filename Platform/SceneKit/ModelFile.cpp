@@ -28,7 +28,7 @@ std::string readParts(const RegularFile& file, Parts& parts) {
     if (std::memcmp(head, "glTF", 4) != 0) return "it is no binary glTF file";
     if (head[1] != 2) return "it is of version " + std::to_string(head[1]) + " of binary glTF, not 2";
     const std::size_t length = head[2], descriptionLength = head[3];
-    if (length > size) return "it is cut off";
+    if (length > size || length < sizeof head) return "it is cut off";
     if (head[4] != jsonChunk) return "it does not begin with its description";
     if (descriptionLength > length - sizeof head) return "its description is cut off";
     if (descriptionLength > largestDescription) return "its description is longer than 8 MiB";

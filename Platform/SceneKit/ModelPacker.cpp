@@ -307,10 +307,11 @@ void ModelPacker::append(ModelAccessor& accessor, std::span<const std::byte> ele
 // What the numbers say.
 
 void ModelPacker::countMemory() {
-    std::size_t geometry = 0;
+    std::uint64_t geometry = 0;
     const auto add = [&](std::size_t index) {
         const ModelAccessor& accessor = model_.accessors[index];
-        geometry += accessor.count * accessor.width() * std::max<std::size_t>(componentSize(accessor.component), 2);
+        geometry += std::uint64_t{accessor.count} * accessor.width() *
+                    std::max<std::size_t>(componentSize(accessor.component), 2);
     };
     // Each part gets buffers of its own, even where parts share an accessor.
     for (const auto& mesh : model_.meshes) {
@@ -330,7 +331,11 @@ void ModelPacker::countMemory() {
         }
         if (geometry > mostGeometry) return refusal_.refuse("its animations take more than 128 MiB");
     }
-    memory_ = geometry;
+    for (const ModelSkin& skin : model_.skins) {
+        if (skin.inverseBindMatrices) add(*skin.inverseBindMatrices);
+        if (geometry > mostGeometry) return refusal_.refuse("its skins take more than 128 MiB");
+    }
+    memory_ = static_cast<std::size_t>(geometry);
 }
 
 void ModelPacker::checkIndices() {

@@ -49,6 +49,13 @@ std::string with(const char* list, const char* entry) {
     return model.file();
 }
 
+std::string skinnedBy(const char* matrices) {
+    ModelBuilder model = cubeModel();
+    model.add("accessors", matrices);
+    model.add("skins", R"({"joints":[0],"inverseBindMatrices":3})");
+    return model.file();
+}
+
 std::string requiring(const char* extension) {
     ModelBuilder model = cubeModel();
     model.set("extensionsRequired", std::string("[\"") + extension + "\"]");
@@ -91,6 +98,7 @@ TEST_F(ModelFile, IsRefusedWithAReasonThatNamesIt) {
         {spoilt("materials", 0, "[1,0,0,1]", "[1,0,0]"), "baseColorFactor"},
         {with("animations", R"({"samplers":[{"input":9,"output":0}],"channels":[]})"), "samplers[0].input"},
         {with("skins", R"({"joints":[5]})"), "skins[0].joints"},
+        {skinnedBy(R"({"componentType":5126,"count":67108864,"type":"MAT4"})"), "skins take more"},
     };
     EXPECT_EQ(reason(good), "");
     for (const auto& [file, expected] : cases)

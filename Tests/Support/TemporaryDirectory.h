@@ -1,9 +1,9 @@
 #pragma once
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <random>
 #include <string>
 #include <string_view>
 
@@ -13,12 +13,15 @@ namespace flarebox::testing {
 class TemporaryDirectory {
 public:
     TemporaryDirectory() {
-        std::string pattern = (std::filesystem::temp_directory_path() / "flarebox-test-XXXXXX").string();
-        if (const char* made = ::mkdtemp(pattern.data())) path_ = made;
+        std::random_device random;
+        do {
+            const std::string name = "flarebox-test-" + std::to_string(random()) + "-" + std::to_string(random());
+            path_ = (std::filesystem::temp_directory_path() / name).generic_string();
+        } while (!std::filesystem::create_directory(path_));
     }
     ~TemporaryDirectory() {
         std::error_code ignored;
-        if (!path_.empty()) std::filesystem::remove_all(path_, ignored);
+        std::filesystem::remove_all(path_, ignored);
     }
     TemporaryDirectory(const TemporaryDirectory&) = delete;
     TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
