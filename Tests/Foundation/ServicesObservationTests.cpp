@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <iterator>
 #include <thread>
 
 namespace flarebox {
@@ -167,8 +168,8 @@ TEST(KeyValueObserving, ObjectsMayEndOnOtherThreads) {
         lamps.push_back(make<Lamp>());
         lamps.back()->addObserver(*witness, "level", 0);
     }
-    std::thread ending(
-        [half = std::vector<Ref<Lamp>>(lamps.begin(), lamps.begin() + 100), &lamps]() mutable { half.clear(); });
+    const auto first = std::make_move_iterator(lamps.begin());
+    std::thread ending([half = std::vector<Ref<Lamp>>(first, first + 100)]() mutable { half.clear(); });
     for (std::size_t index = 100; index < lamps.size(); ++index) lamps[index]->setLevel(1);
     ending.join();
     EXPECT_EQ(std::count(journal.begin(), journal.end(), 'w'), 100);
