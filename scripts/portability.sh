@@ -14,8 +14,8 @@ options_of() {
         gcc) echo -DCMAKE_CXX_COMPILER=g++ ;;
         clang) echo -DCMAKE_CXX_COMPILER=clang++-16 ;;
         32-bit) echo -DCMAKE_CXX_COMPILER=g++ -DCMAKE_CXX_FLAGS=-m32 ;;
-        windows) echo -DCMAKE_CXX_COMPILER=x86_64-w64-mingw32-g++-posix -DCMAKE_SYSTEM_NAME=Windows \
-            -DCMAKE_EXE_LINKER_FLAGS=-static -DCMAKE_CROSSCOMPILING_EMULATOR=wine ;;
+        windows) echo -DCMAKE_C_COMPILER=x86_64-w64-mingw32-gcc-posix -DCMAKE_CXX_COMPILER=x86_64-w64-mingw32-g++-posix \
+            -DCMAKE_SYSTEM_NAME=Windows -DCMAKE_EXE_LINKER_FLAGS=-static -DCMAKE_CROSSCOMPILING_EMULATOR=wine ;;
         *) echo "There is no target \"$1\": gcc, clang, 32-bit, windows." >&2; return 2 ;;
     esac
 }
