@@ -69,14 +69,17 @@ endif()
 list(JOIN flarebox_components ", " component_list)
 configure_package_config_file("${PROJECT_SOURCE_DIR}/cmake/Package/FlareboxConfig.cmake.in"
   "${PROJECT_BINARY_DIR}/package/FlareboxConfig.cmake" INSTALL_DESTINATION "${package_folder}" NO_CHECK_REQUIRED_COMPONENTS_MACRO)
-write_basic_package_version_file("${PROJECT_BINARY_DIR}/package/FlareboxConfigVersion.cmake" COMPATIBILITY SameMinorVersion)
+write_basic_package_version_file("${PROJECT_BINARY_DIR}/package/FlareboxConfigVersion.cmake" COMPATIBILITY ${flarebox_compatibility})
 install(FILES "${PROJECT_BINARY_DIR}/package/FlareboxConfig.cmake" "${PROJECT_BINARY_DIR}/package/FlareboxConfigVersion.cmake"
   DESTINATION "${package_folder}" COMPONENT Development)
-foreach(component IN ITEMS Runtime Development)
-  install(FILES "${PROJECT_SOURCE_DIR}/LICENSE" DESTINATION "${CMAKE_INSTALL_DATADIR}/licenses/flarebox" RENAME "LICENSE-${component}"
-    COMPONENT ${component})
-endforeach()
 
+# Named as Debian names them: packages of two interfaces can be installed side by side.
+set(runtime_package libflarebox${flarebox_interface})
+set(development_package libflarebox-dev)
+install(FILES "${PROJECT_SOURCE_DIR}/LICENSE" DESTINATION "${CMAKE_INSTALL_DATADIR}/doc/${runtime_package}" RENAME copyright
+  COMPONENT Runtime)
+install(FILES "${PROJECT_SOURCE_DIR}/LICENSE" DESTINATION "${CMAKE_INSTALL_DATADIR}/doc/${development_package}" RENAME copyright
+  COMPONENT Development)
 if(PROJECT_IS_TOP_LEVEL)
   include(cmake/FlareboxPackages.cmake)
 endif()

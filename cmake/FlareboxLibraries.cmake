@@ -1,4 +1,5 @@
 # The libraries that a game links: the layers of the kit as one, and the host adapters, each a component of the package.
+configure_file("${PROJECT_SOURCE_DIR}/cmake/Flarebox.map.in" "${PROJECT_BINARY_DIR}/package/Flarebox.map" @ONLY)
 
 # flarebox_ship(NAME COMPONENT LAYER...) makes a library of the layers' objects, as the target Flarebox::COMPONENT.
 function(flarebox_ship name component)
@@ -19,7 +20,7 @@ function(flarebox_ship name component)
   endif()
   add_library(Flarebox::${component} ALIAS ${name})
   set_target_properties(${name} PROPERTIES
-    EXPORT_NAME ${component} LINKER_LANGUAGE CXX VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+    EXPORT_NAME ${component} LINKER_LANGUAGE CXX VERSION ${PROJECT_VERSION} SOVERSION ${flarebox_interface})
   target_compile_features(${name} INTERFACE cxx_std_20)
   target_link_libraries(${name} PRIVATE $<BUILD_INTERFACE:FlareboxOptions> ${needed} Threads::Threads)
   if(WIN32 AND NOT FLAREBOX_SHARED)
@@ -28,7 +29,7 @@ function(flarebox_ship name component)
   if(FLAREBOX_SHARED AND UNIX AND NOT APPLE)
     # Wherever the libraries are put, beside the game for one, they find each other.
     set_target_properties(${name} PROPERTIES INSTALL_RPATH "$ORIGIN")
-    set(symbols "${PROJECT_SOURCE_DIR}/cmake/Flarebox.map")
+    set(symbols "${PROJECT_BINARY_DIR}/package/Flarebox.map")
     target_link_options(${name} PRIVATE "LINKER:--version-script=${symbols}" "LINKER:--exclude-libs,ALL" "LINKER:--no-undefined"
       "LINKER:--gc-sections" "LINKER:-Bsymbolic-functions")
     set_property(TARGET ${name} APPEND PROPERTY LINK_DEPENDS "${symbols}")

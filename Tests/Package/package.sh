@@ -1,16 +1,24 @@
 #!/usr/bin/env bash
 # package.sh STEP SOURCE BUILD WORK: one test of what other projects get of the kit. `install` puts the kit that lies in BUILD into an
-# empty prefix below WORK and moves it; the other steps build games against that, out of the tree, and play them.
+# empty prefix below WORK and moves it, `packages` makes Debian packages and unpacks them beside it; the other steps build games against
+# these, out of the tree, and play them.
 set -euo pipefail
 step=$1 source=$2 build=$3 work=$4
 here=$source/Tests/Package
 prefix=$work/moved
+unpacked=$work/packages/unpacked/usr
 export HOME=$work/home XDG_CONFIG_HOME=$work/home/config XDG_DATA_HOME=$work/home/data
 mkdir -p "$HOME"
 
 fail() { echo "$*" >&2; exit 1; }
 # The commands of Docs/shipping.md that begin with a word, down to the end of their block.
 commands_of_page() { sed -n "/^$1 /,/^\`\`\`/p" "$source/Docs/shipping.md" | grep -v '^```'; }
+version_part() { awk "/define FLAREBOX_VERSION_$1 / { print \$3 }" "$source/Flarebox/C/flarebox_version.h"; }
+version=$(version_part MAJOR).$(version_part MINOR).$(version_part PATCH)
+# What versions have in common that stand in for each other: before 1.0 the minor version as well.
+interface=$(sed -E 's/^(0\.[0-9]+|[0-9]+)\..*/\1/' <<<"$version")
+# the_same WHAT EXPECTED FOUND
+the_same() { [ "$2" = "$3" ] || fail "$1 should be \"$2\" and is \"$3\""; }
 fresh() { rm -rf "$1" && mkdir -p "$1"; }
 quietly() { "$@" >"$work/log" 2>&1 || { cat "$work/log" >&2; fail "failed: $*"; }; }
 play() { timeout 300 "$@" | grep -qx 'The tab is open.' || fail "$1 did not get its tab"; }
@@ -23,11 +31,11 @@ install)
     ! grep -rIl -e "$work" -e "$source" -e "$build" "$prefix" || fail "the files above know where they were built"
     ;;
 symbols)
-    for library in "$prefix"/lib*/libFlarebox*.so.?; do
+    for library in "$prefix"/lib*/libFlarebox*.so; do
         strangers=$(nm -DC --defined-only "$library" | cut -c 20- |
-            grep -vE '^FLAREBOX_0$|^flarebox_|^((non-)?virtual thunk to |(guard variable|VTT|vtable|typeinfo( name)?) for )?flarebox::' || true)
+            grep -vE "^FLAREBOX_$interface\$|^flarebox_|^((non-)?virtual thunk to |(guard variable|VTT|vtable|typeinfo( name)?) for )?flarebox::" || true)
         [ -z "$strangers" ] || fail "$library shows what is not the kit's: $(head -n 5 <<<"$strangers")"
-        objdump -p "$library" | grep -q "SONAME.*$(basename "$library")$" || fail "$library has another SONAME"
+        the_same "the SONAME" "$(basename "$library").$interface" "$(objdump -p "$library" | awk '/SONAME/ { print $2 }')"
     done
     inside=$(nm -DC --defined-only "$prefix"/lib*/libFlarebox.so | grep -cE 'flarebox::(layout|LayerRenderer|CurlTransfer|Transport)' || true)
     fresh "$work/symbols"
@@ -41,7 +49,41 @@ symbols)
     [ -z "$missing" ] || fail "libFlarebox.so does not show what flarebox.h promises: $missing"
     [ "$inside" = 0 ] || fail "libFlarebox.so shows $inside of its inner functions"
     ;;
+packages)
+    fresh "$work/packages"
+    cd "$work/packages"
+    quietly cpack --config "$build/CPackConfig.cmake" -B . -D CPACK_DEBIAN_COMPRESSION_TYPE=none
+    runtime=libflarebox${interface}_${version}_$(dpkg --print-architecture).deb
+    development=libflarebox-dev_${version}_$(dpkg --print-architecture).deb
+    the_same "what cpack has written" "$(printf '%s\n' "$development" "$runtime")" "$(ls -- *.deb)"
+
+    for package in "$runtime" "$development"; do
+        dpkg-deb --fsys-tarfile "$package" | tar t | grep -v '/$' >"$package.files"
+        the_same "the version of $package" "$version" "$(dpkg-deb -f "$package" Version)"
+        dpkg-deb -x "$package" unpacked
+    done
+    # Each file that is installed is in one of the packages.
+    diff <(cd "$prefix" && find . ! -type d | sed 's,^\.,./usr,' | sort) <(sort ./*.files) || fail "the packages hold something else than the prefix"
+    misplaced=$(grep -vE "/lib[^/]*\.so\.$interface(\.[0-9]+)?\$|/doc/libflarebox$interface/copyright\$" "$runtime.files" || true)
+    [ -z "$misplaced" ] || fail "$runtime holds what only building needs: $misplaced"
+    misplaced=$(grep -E "\.so\.[0-9]" "$development.files" || true)
+    [ -z "$misplaced" ] || fail "$development holds what running needs: $misplaced"
+    ! grep -rl -e "$source" -e "$build" -e "$work" unpacked || fail "the files above know where they were built"
+    ! grep -rlI /usr/local unpacked || fail "the files above want something that no package installs"
+
+    depends=$(dpkg-deb -f "$runtime" Depends)
+    for library in libc6 libcairo2 libcurl4 libsdl2-2.0-0; do
+        grep -qE "(^|, )$library " <<<"$depends" || fail "$runtime does not depend on $library, but on $depends"
+    done
+    the_same "what $development depends on" "libflarebox$interface (= $version), libsdl2-dev" "$(dpkg-deb -f "$development" Depends)"
+    for library in libFlarebox libFlareboxHeadless libFlareboxOpenGL libFlareboxSDL; do
+        echo "$library $interface libflarebox$interface (>= $version)"
+    done >shlibs
+    the_same "shlibs" "$(cat shlibs)" "$(dpkg-deb --ctrl-tarfile "$runtime" | tar xO ./shlibs)"
+    ;;
 find_package)
+    # The packages are the stricter test of the two, where there are such packages.
+    if [ -e "$unpacked" ]; then prefix=$unpacked; fi
     fresh "$work/find_package"
     quietly cmake -S "$here/FindPackage" -B "$work/find_package" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" -DGAME="$here/Game" \
         -DEXAMPLES="$source/Examples"
@@ -56,7 +98,7 @@ pkg-config)
     pkg-config --validate flarebox flarebox-headless flarebox-sdl flarebox-opengl
     # shellcheck disable=SC2046
     g++ -std=c++20 -Wall -Wextra -Werror "$here/Game/main.cpp" -o game $(pkg-config --cflags --libs flarebox-headless) -Wl,-rpath,'$ORIGIN'
-    cp "$prefix"/lib*/libFlarebox.so.? "$prefix"/lib*/libFlareboxHeadless.so.? .
+    cp "$prefix"/lib*/libFlarebox.so."$interface" "$prefix"/lib*/libFlareboxHeadless.so."$interface" .
     play ./game
     echo '#include <flarebox.h>
         int main(void) { return flarebox_version()[0] - 48 != FLAREBOX_VERSION_MAJOR; }' >version.c
