@@ -38,7 +38,7 @@ endfunction()
 
 flarebox_ship(Flarebox Flarebox
   FlareboxKit FlareboxModels FlareboxAVFoundation FlareboxSceneKit FlareboxNetworking FlareboxUIKit FlareboxAdSupport FlareboxFoundation)
-target_include_directories(Flarebox INTERFACE
+target_include_directories(Flarebox SYSTEM INTERFACE
   "$<BUILD_INTERFACE:${PROJECT_SOURCE_DIR};${PROJECT_SOURCE_DIR}/Platform;${PROJECT_SOURCE_DIR}/Flarebox/C>")
 
 set(flarebox_components Headless)

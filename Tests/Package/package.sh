@@ -121,6 +121,7 @@ FetchContent)
         cd "$fetched"
         ninja -n game >/dev/null || fail "the kit that was fetched cannot be built"
         compile=$(ninja -t commands game | grep -F -e "-c $here/Game/main.cpp")
+        ! grep -E -e ' -([WOfD]|std=c\+\+[^2])' <<<"$compile" || fail "the kit has brought flags"
         object=$(sed -E 's/.* -o ([^ ]+) .*/\1/' <<<"$compile")
         mkdir -p "$(dirname "$object")"
         quietly bash -c "$compile"
