@@ -22,6 +22,14 @@ the_same() { [ "$2" = "$3" ] || fail "$1 should be \"$2\" and is \"$3\""; }
 fresh() { rm -rf "$1" && mkdir -p "$1"; }
 quietly() { "$@" >"$work/log" 2>&1 || { cat "$work/log" >&2; fail "failed: $*"; }; }
 play() { timeout 300 "$@" | grep -qx 'The tab is open.' || fail "$1 did not get its tab"; }
+# find_package FOLDER PREFIX: builds games in a folder with what find_package finds in the prefix.
+find_package() {
+    fresh "$1"
+    quietly cmake -S "$here/FindPackage" -B "$1" -G Ninja -DCMAKE_PREFIX_PATH="$2" -DGAME="$here/Game" -DEXAMPLES="$source/Examples"
+    quietly cmake --build "$1"
+    "$1/version" || fail "the library is of another version than flarebox.h"
+    play "$1/headless-game"
+}
 
 case $step in
 install)
@@ -84,11 +92,31 @@ packages)
 find_package)
     # The packages are the stricter test of the two, where there are such packages.
     if [ -e "$unpacked" ]; then prefix=$unpacked; fi
-    fresh "$work/find_package"
-    quietly cmake -S "$here/FindPackage" -B "$work/find_package" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" -DGAME="$here/Game" \
-        -DEXAMPLES="$source/Examples"
-    quietly cmake --build "$work/find_package"
-    play "$work/find_package/headless-game"
+    find_package "$work/find_package" "$prefix"
+    ;;
+static)
+    # Of the objects that the shared libraries were made of: compiling them once more takes minutes.
+    fresh "$work/static"
+    cd "$work/static"
+    mapfile -t options < <(sed -nE 's/^((CMAKE_BUILD_TYPE|FLAREBOX_(3D|VIDEO|SDL|OPENGL)):.*)/-D\1/p' "$build/CMakeCache.txt")
+    quietly cmake -S "$source" -B kit -G Ninja "${options[@]}" -DFLAREBOX_SHARED=OFF -DFLAREBOX_BUILD_TESTS=OFF -DFLAREBOX_BUILD_EXAMPLES=OFF
+    for library in Flarebox FlareboxHeadless FlareboxSDL FlareboxOpenGL; do
+        mapfile -t objects < <(ninja -C kit -t commands -s "lib$library.a" | tr ' ' '\n' | grep '\.o$')
+        (cd "$build" && ar qc "$work/static/kit/lib$library.a" "${objects[@]}")
+    done
+    strip --strip-debug kit/*.a
+    quietly cmake --install kit --prefix "$work/static/prefix"
+    grep -q 'DEPENDS ".*libsdl2-dev.*libicu-dev' kit/CPackConfig.cmake || fail "the package of a static kit does not depend on what is in it"
+    find_package "$work/static/games" "$work/static/prefix"
+
+    PKG_CONFIG_PATH=$(dirname prefix/lib*/pkgconfig/flarebox.pc)
+    export PKG_CONFIG_PATH
+    # shellcheck disable=SC2046
+    quietly gcc -std=c99 "$here/Game/version.c" -o version $(pkg-config --static --cflags --libs flarebox)
+    ./version
+    # shellcheck disable=SC2046
+    quietly g++ "$(find games -name main.cpp.o)" -o game $(pkg-config --libs flarebox-headless)
+    play ./game
     ;;
 pkg-config)
     fresh "$work/pkg-config"
@@ -100,10 +128,8 @@ pkg-config)
     g++ -std=c++20 -Wall -Wextra -Werror "$here/Game/main.cpp" -o game $(pkg-config --cflags --libs flarebox-headless) -Wl,-rpath,'$ORIGIN'
     cp "$prefix"/lib*/libFlarebox.so."$interface" "$prefix"/lib*/libFlareboxHeadless.so."$interface" .
     play ./game
-    echo '#include <flarebox.h>
-        int main(void) { return flarebox_version()[0] - 48 != FLAREBOX_VERSION_MAJOR; }' >version.c
     # shellcheck disable=SC2046
-    gcc -std=c99 -Wpedantic -Werror version.c -o version $(pkg-config --cflags --libs flarebox) -Wl,-rpath,'$ORIGIN'
+    gcc -std=c99 -Wpedantic -Werror "$here/Game/version.c" -o version $(pkg-config --cflags --libs flarebox) -Wl,-rpath,'$ORIGIN'
     ./version
     cp "$source/Examples/HostGame/Integration.cpp" game.cpp
     quietly bash -ec "$(commands_of_page g++)"
