@@ -13,13 +13,13 @@ libraries() {
         -DFLAREBOX_BUILD_EXAMPLES=OFF -DCMAKE_CXX_COMPILER_LAUNCHER="$(command -v ccache)" "$@" >"$folder.log"
     cmake --build "$folder" ${jobs:+--parallel "$jobs"} >>"$folder.log"
     rm -rf "$folder/stripped"
-    cmake --install "$folder" --prefix "$folder/stripped" --component Runtime --strip >>"$folder.log"
+    cmake --install "$folder" --prefix "$folder/stripped" --strip >>"$folder.log"
 }
 # bytes NAME LIBRARY
-bytes() { stat -Lc %s build/sizes-"$1"/stripped/lib/lib"$2".so.?; }
+bytes() { stat -Lc %s build/sizes-"$1"/stripped/lib/lib"$2".so; }
 # needs NAME LIBRARY: what it is linked with beyond the compiler's own libraries and the kit's.
 needs() {
-    objdump -p build/sizes-"$1"/stripped/lib/lib"$2".so.? | awk '/NEEDED/ { print $2 }' |
+    objdump -p build/sizes-"$1"/stripped/lib/lib"$2".so | awk '/NEEDED/ { print $2 }' |
         grep -vE '^(libc|libm|libstdc\+\+|libgcc_s|ld-linux.*|libFlarebox)\.so' | sed -E 's/^lib|\.so.*$//g; s/-[0-9.]+$//' | sort |
         paste -sd, | sed "s/,/, /g"
 }

@@ -22,6 +22,18 @@ the_same() { [ "$2" = "$3" ] || fail "$1 should be \"$2\" and is \"$3\""; }
 fresh() { rm -rf "$1" && mkdir -p "$1"; }
 quietly() { "$@" >"$work/log" 2>&1 || { cat "$work/log" >&2; fail "failed: $*"; }; }
 play() { timeout 300 "$@" | grep -qx 'The tab is open.' || fail "$1 did not get its tab"; }
+# options_of_build: the options for CMake by which another build makes the same objects.
+options_of_build() { sed -nE 's/^((CMAKE_BUILD_TYPE|FLAREBOX_(3D|VIDEO|SDL|OPENGL)):.*)/-D\1/p' "$build/CMakeCache.txt"; }
+# archive FOLDER KIT: makes the static libraries of the kit that is configured in the folder, in its part KIT, which is empty or ends in
+# a slash. They are made of the objects in BUILD: compiling those once more takes minutes.
+archive() {
+    local library objects
+    for library in Flarebox FlareboxHeadless FlareboxSDL FlareboxOpenGL; do
+        mapfile -t objects < <(ninja -C "$1" -t commands -s "$2lib$library.a" | tr ' ' '\n' | sed -n "s,^$2\(.*\.o\)\$,\1,p")
+        (cd "$build" && ar qc "$1/$2lib$library.a" "${objects[@]}")
+    done
+    strip --strip-debug "$1/$2"libFlarebox*.a
+}
 # find_package FOLDER PREFIX: builds games in a folder with what find_package finds in the prefix.
 find_package() {
     fresh "$1"
@@ -95,16 +107,11 @@ find_package)
     find_package "$work/find_package" "$prefix"
     ;;
 static)
-    # Of the objects that the shared libraries were made of: compiling them once more takes minutes.
     fresh "$work/static"
     cd "$work/static"
-    mapfile -t options < <(sed -nE 's/^((CMAKE_BUILD_TYPE|FLAREBOX_(3D|VIDEO|SDL|OPENGL)):.*)/-D\1/p' "$build/CMakeCache.txt")
+    mapfile -t options < <(options_of_build)
     quietly cmake -S "$source" -B kit -G Ninja "${options[@]}" -DFLAREBOX_SHARED=OFF -DFLAREBOX_BUILD_TESTS=OFF -DFLAREBOX_BUILD_EXAMPLES=OFF
-    for library in Flarebox FlareboxHeadless FlareboxSDL FlareboxOpenGL; do
-        mapfile -t objects < <(ninja -C kit -t commands -s "lib$library.a" | tr ' ' '\n' | grep '\.o$')
-        (cd "$build" && ar qc "$work/static/kit/lib$library.a" "${objects[@]}")
-    done
-    strip --strip-debug kit/*.a
+    archive "$work/static/kit" ""
     quietly cmake --install kit --prefix "$work/static/prefix"
     grep -q 'DEPENDS ".*libsdl2-dev.*libicu-dev' kit/CPackConfig.cmake || fail "the package of a static kit does not depend on what is in it"
     find_package "$work/static/games" "$work/static/prefix"
@@ -135,24 +142,22 @@ pkg-config)
     quietly bash -ec "$(commands_of_page g++)"
     ;;
 FetchContent)
-    # Compiling the whole kit once more takes minutes: unless FLAREBOX_PACKAGE_FULL is set, only the game is compiled with what the fetched
-    # targets tell it, and linked with the installed libraries.
     fetched=$work/FetchContent
     fresh "$fetched"
+    mapfile -t options < <(options_of_build)
     quietly cmake -S "$here/FetchContent" -B "$fetched" -G Ninja -DFETCHCONTENT_SOURCE_DIR_FLAREBOX="$source" -DGAME="$here/Game" \
-        -DCMAKE_BUILD_TYPE=Debug
+        "${options[@]}"
+    cd "$fetched"
     if [ "${FLAREBOX_PACKAGE_FULL:-}" ]; then
-        quietly cmake --build "$fetched" --target game
+        quietly ninja game
     else
-        cd "$fetched"
         ninja -n game >/dev/null || fail "the kit that was fetched cannot be built"
+        archive "$fetched" _deps/flarebox-build/
         compile=$(ninja -t commands game | grep -F -e "-c $here/Game/main.cpp")
-        ! grep -E -e ' -([WOfD]|std=c\+\+[^2])' <<<"$compile" || fail "the kit has brought flags"
-        object=$(sed -E 's/.* -o ([^ ]+) .*/\1/' <<<"$compile")
-        mkdir -p "$(dirname "$object")"
+        ! grep -E -e ' -([Wf]|DFLAREBOX|std=c\+\+[^2])' <<<"$compile" || fail "the kit has brought flags"
+        mkdir -p "$(dirname "$(sed -E 's/.* -o ([^ ]+) .*/\1/' <<<"$compile")")"
         quietly bash -c "$compile"
-        libraries=$(echo "$prefix"/lib*)
-        quietly g++ "$object" -o game -L"$libraries" -lFlareboxHeadless -lFlarebox -Wl,-rpath,"$libraries"
+        quietly bash -c "$(ninja -t commands -s game)"
     fi
     play "$fetched/game"
     # Nothing of the kit is installed with the game: it would complain that the kit was not built.
