@@ -27,6 +27,8 @@ function(flarebox_library name)
     LINKER_LANGUAGE CXX POSITION_INDEPENDENT_CODE ON CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
   target_include_directories(${name} PUBLIC "${PROJECT_SOURCE_DIR}/Platform" "${PROJECT_SOURCE_DIR}")
   target_compile_features(${name} PUBLIC cxx_std_20)
+  # Functions that nothing calls in a library, or in a game with a static one, can be left out one by one.
+  target_compile_options(${name} PRIVATE $<$<NOT:$<CONFIG:Debug>>:-ffunction-sections -fdata-sections>)
   target_link_libraries(${name} PRIVATE FlareboxOptions PUBLIC Threads::Threads)
   if(WIN32)
     target_compile_definitions(${name} PUBLIC $<IF:$<BOOL:${FLAREBOX_SHARED}>,FLAREBOX_BUILDING,FLAREBOX_STATIC>)
