@@ -39,18 +39,25 @@ public:
     /// `error`, or in the log when that is null. Fonts stay known to the process.
     static Ref<Theme> themeWithFile(const std::string& path, Ref<NSError>* error = nullptr);
 
+    /// Colours, corner radii and typefaces.
     const UIPalette& palette() const { return palette_; }
+    /// Takes effect, as all that follows, when the theme is handed over.
     void setPalette(const UIPalette& palette) { palette_ = palette; }
+    /// On the open button.
     const Mark& openButtonMark() const { return openButtonMark_; }
+    /// The icon must not be null.
     void setOpenButtonMark(const Mark& mark) { openButtonMark_ = mark; }
     /// In the top bar.
     const Mark& logo() const { return logo_; }
+    /// The icon must not be null.
     void setLogo(const Mark& mark) { logo_ = mark; }
     /// Runs down the open button, which grows with it; absent for none.
     const NSString& openButtonText() const { return openButtonText_; }
+    /// Absent for none.
     void setOpenButtonText(const NSString& text) { openButtonText_ = text; }
     /// In the top bar; absent for the kit's own.
     const NSString& titleText() const { return titleText_; }
+    /// Absent for the kit's own.
     void setTitleText(const NSString& text) { titleText_ = text; }
 
 private:

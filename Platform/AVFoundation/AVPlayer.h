@@ -55,17 +55,22 @@ public:
     static Ref<AVPlayer> playerWithURL(const NSURL& url);
     ~AVPlayer() override;
 
+    /// Those that the next player gets.
     static const AVPlayerSettings& settings();
+    /// Players that there are keep theirs.
     static void setSettings(const AVPlayerSettings& settings);
-    /// The switch for all sound: while it is set no player is heard, whatever its own `isMuted` says.
+    /// False unless it was set.
     static bool isEverythingMuted();
+    /// The switch for all sound: while it is set no player is heard, whatever its own `isMuted` says.
     static void setEverythingMuted(bool muted);
 
     /// At the end nothing plays until it has been moved back; after an error nothing does.
     void play();
+    /// It stays where it is.
     void pause();
     /// 1 from `play` to `pause`, the end or an error, also while it has to wait for data; otherwise 0.
     float rate() const { return rate_; }
+    /// Whether it plays, or would if it could.
     AVPlayerTimeControlStatus timeControlStatus() const;
     /// Seconds from the beginning, limited to the video's duration. Plays on from there if it was playing. Where a
     /// further call comes before that has happened, only the last one counts.
@@ -76,10 +81,15 @@ public:
     double duration() const { return state_.duration; }
     /// Null while all is well. It never changes again.
     const Ref<NSError>& error() const { return error_; }
+    /// What it plays; never null.
     const Ref<AVPlayerItem>& currentItem() const { return item_; }
+    /// What it does when it has played to the end.
     AVPlayerActionAtItemEnd actionAtItemEnd() const { return actionAtItemEnd_; }
+    /// All come to the same.
     void setActionAtItemEnd(AVPlayerActionAtItemEnd action) { actionAtItemEnd_ = action; }
+    /// False unless it was set.
     bool isMuted() const { return isMuted_; }
+    /// Of this player alone.
     void setMuted(bool muted);
 
     /// Starts to load, if it has not yet.
@@ -95,6 +105,7 @@ public:
 
     /// Borrowed until it is removed.
     void addObserver(AVPlayerObserver& observer);
+    /// Nothing for one that is none.
     void removeObserver(AVPlayerObserver& observer);
     using NSObject::addObserver;
     using NSObject::removeObserver;

@@ -16,6 +16,7 @@ class Immortal;
 /// What the process knows of itself. Any thread.
 class FLAREBOX_EXPORT NSProcessInfo {
 public:
+    /// The only one.
     static NSProcessInfo& processInfo();
 
     /// The application's name, which names its folders below the user's configuration and data: what the host has set,

@@ -33,9 +33,15 @@ FLAREBOX_EXPORT std::string_view nameOf(UIAccessibilityRole role);
 
 /// Something in a window that assistive technology tells of, as it is at this moment.
 struct UIAccessibilityElement {
+    /// Never null.
     Ref<UIView> view;
-    NSString label, value;
+    /// Its name; empty or absent where it has none.
+    NSString label;
+    /// What it is set to, or shows; empty or absent for most.
+    NSString value;
+    /// What it is, and what can be done with it.
     UIAccessibilityTraits traits = UIAccessibilityTraits::None;
+    /// The traits in one word.
     UIAccessibilityRole role = UIAccessibilityRole::None;
     /// The part that can be seen, in points of the window.
     CGRect frame;

@@ -16,6 +16,7 @@ namespace flarebox {
 /// of a brand's look is in one place. A plain value; one is in force at a time. Main thread.
 class FLAREBOX_EXPORT UIPalette {
 public:
+    /// What a colour is for.
     enum class Shade : std::uint8_t {
         Panel,           ///< behind everything
         Strip,           ///< behind the buttons at the panel's right
@@ -37,36 +38,50 @@ public:
         OpenButton,      ///< behind the open button's sign
         OpenButtonText,  ///< that sign, and the text along the button
     };
+    /// How many there are.
     static constexpr std::size_t shadeCount = 19;
+    /// Whose corners are rounded.
     enum class Corner : std::uint8_t { Panel, Button, Picture, Message, OpenButton };
+    /// How many there are.
     static constexpr std::size_t cornerCount = 5;
+    /// What a typeface is for.
     enum class Typeface : std::uint8_t { Text, Title, Button };
+    /// How many there are.
     static constexpr std::size_t typefaceCount = 3;
 
     /// The platform's own look.
     UIPalette();
 
-    /// What views show. Setting them posts UIPaletteDidChangeNotification: everything made from a layout file follows
-    /// at once; alerts and players follow when they are shown next.
+    /// What views show.
     static const UIPalette& current();
+    /// Posts UIPaletteDidChangeNotification: everything made from a layout file follows at once; alerts and players
+    /// follow when they are shown next.
     static void setCurrent(const UIPalette& palette);
 
+    /// What views have in this place.
     const UIColor& color(Shade shade) const { return colors_[static_cast<std::size_t>(shade)]; }
+    /// Of any opacity.
     void setColor(Shade shade, const UIColor& color) { colors_[static_cast<std::size_t>(shade)] = color; }
     /// In points.
     CGFloat radius(Corner corner) const { return radii_[static_cast<std::size_t>(corner)]; }
+    /// In points; a view rounds its corners by half of its shorter side at most.
     void setRadius(Corner corner, CGFloat radius) { radii_[static_cast<std::size_t>(corner)] = radius; }
+    /// The typeface at a size in points.
     UIFont font(Typeface typeface, CGFloat size, UIFontWeight weight = UIFontWeight::Regular) const;
     /// Empty for the system font.
     void setFamily(Typeface typeface, std::string family);
 
     /// The names in layout files and themes, in the order of the values: "panel", "secondaryText", ….
     static std::span<const std::string_view> shadeNames();
+    /// As `shadeNames`.
     static std::span<const std::string_view> cornerNames();
+    /// As `shadeNames`.
     static std::span<const std::string_view> typefaceNames();
     /// Nothing for a name that is none of them.
     static std::optional<Shade> shadeNamed(std::string_view name);
+    /// Nothing for a name that is none of them.
     static std::optional<Corner> cornerNamed(std::string_view name);
+    /// Nothing for a name that is none of them.
     static std::optional<Typeface> typefaceNamed(std::string_view name);
 
     friend bool operator==(const UIPalette&, const UIPalette&) = default;

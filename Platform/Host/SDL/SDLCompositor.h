@@ -18,6 +18,7 @@ namespace flarebox {
 /// colour are the game's again. The renderer must outlive it. Main thread.
 class FLAREBOX_EXPORT SDLCompositor : public Compositor {
 public:
+    /// Not null.
     explicit SDLCompositor(SDL_Renderer* renderer);
     ~SDLCompositor() override;
     SDLCompositor(const SDLCompositor&) = delete;
