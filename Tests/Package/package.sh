@@ -20,7 +20,7 @@ interface=$(sed -E 's/^(0\.[0-9]+|[0-9]+)\..*/\1/' <<<"$version")
 # the_same WHAT EXPECTED FOUND
 the_same() { [ "$2" = "$3" ] || fail "$1 should be \"$2\" and is \"$3\""; }
 fresh() { rm -rf "$1" && mkdir -p "$1"; }
-quietly() { "$@" >"$work/log" 2>&1 || { cat "$work/log" >&2; fail "failed: $*"; }; }
+quietly() { "$@" >"$work/$step.log" 2>&1 || { cat "$work/$step.log" >&2; fail "failed: $*"; }; }
 play() { timeout 300 "$@" | grep -qx 'The tab is open.' || fail "$1 did not get its tab"; }
 # options_of_build: the options for CMake by which another build makes the same objects.
 options_of_build() { sed -nE 's/^((CMAKE_BUILD_TYPE|FLAREBOX_(3D|VIDEO|SDL|OPENGL)):.*)/-D\1/p' "$build/CMakeCache.txt"; }
