@@ -17,7 +17,7 @@ constexpr double graceTime = 0.3;
 constexpr CGFloat deadZone = 0.2;
 constexpr double longestStep = 0.1;
 /// How much more a step aside counts than one in the direction of the arrow.
-constexpr CGFloat asideWeight = 2;
+constexpr CGFloat asideWeight = 2, acrossWeight = 0.3;
 
 bool isArrow(UIPressType type) {
     return type <= UIPressType::RightArrow;
@@ -59,9 +59,10 @@ CGFloat distance(const CGRect& from, const CGRect& to, UIPressType arrow) {
     if (there.midX() < here.midX() + 1) return std::numeric_limits<CGFloat>::infinity();
     const CGFloat ahead = std::max(0.0, there.minX() - here.maxX());
     const CGFloat aside = std::max({0.0, there.minY() - here.maxY(), here.minY() - there.maxY()});
-    // Of several that lie straight ahead the one that lies best.
+    // Of several that lie ahead the one across from the middle, rather than one whose corner is a little nearer.
+    const CGFloat across = std::max({0.0, there.minY() - here.midY(), here.midY() - there.maxY()});
     const CGFloat between = std::hypot(there.midX() - here.midX(), there.midY() - here.midY());
-    return ahead + asideWeight * aside + between / 10;
+    return ahead + asideWeight * aside + acrossWeight * across + between / 10;
 }
 
 CGFloat distance(CGPoint from, const CGRect& to) {

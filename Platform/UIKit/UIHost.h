@@ -120,7 +120,8 @@ public:
     /// a few of its own.
     InputResult keyDown(std::string_view name);
     /// Tells `observe` of all input from now on, each time after the kit has dealt with it, and with what it answered;
-    /// null: nobody. Movements without a button and those of the right stick are left out. Where the focus goes by
+    /// null: nobody. Movements without a button, those of the right stick, and what assistive technology does are left
+    /// out. Where the focus goes by
     /// itself, as with a tab that is removed, only what removed it is told.
     void setInputObserver(std::function<void(const InputEvent& event, InputResult result)> observe);
     /// Where the right stick is, from -1 to 1 to the right and down, whenever it moves: it turns models and scrolls.

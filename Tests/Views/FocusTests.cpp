@@ -67,6 +67,12 @@ TEST_F(FocusTest, ArrowsLeadToEverythingThatATouchReaches) {
         EXPECT_FALSE(reached.contains("")) << "something always has the ring";
         if (state == "picture") {
             EXPECT_TRUE(reached.contains("Product 9")) << "out of sight at first";
+            startAgain();
+            const std::string first = focused();
+            host_->press(UpArrow);
+            EXPECT_NE(focused(), first);
+            host_->press(DownArrow);
+            EXPECT_EQ(focused(), first) << "not the arrow beside it, which is higher";
         }
         host_->giveBackFocus();
     });
