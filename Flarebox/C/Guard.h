@@ -31,11 +31,31 @@ flarebox_result withoutExceptions(const Body& body) noexcept {
     }
 }
 
+/// A function of the interface that is under way on the main thread; one inside another is called by a callback.
+class Call {
+public:
+    Call() { ++depth_; }
+    ~Call() { --depth_; }
+    Call(const Call&) = delete;
+    Call& operator=(const Call&) = delete;
+    static bool isNested() { return depth_ > 1; }
+
+private:
+    inline static int depth_ = 0;
+};
+
 /// The same, on the main thread only.
 template <class Body>
 flarebox_result guarded(const Body& body) noexcept {
     if (!isMainThread()) return failed(FLAREBOX_WRONG_THREAD, "called from another thread than the main one");
+    const Call call;
     return withoutExceptions(body);
+}
+
+/// The same for what would take away what the function around a callback still works with.
+template <class Body>
+flarebox_result guardedOutsideCallbacks(const Body& body) noexcept {
+    return guarded([&] { return Call::isNested() ? failed(FLAREBOX_FAILED, "called inside a callback") : body(); });
 }
 
 /// The objects of one kind that C holds. A handle is a number in the guise of a pointer: it is looked up, never

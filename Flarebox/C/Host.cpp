@@ -92,7 +92,7 @@ flarebox_host* flarebox_host_create(double width, double height, double scale, c
 
 flarebox_result flarebox_host_destroy(flarebox_host* host) {
     if (!host) return FLAREBOX_OK;
-    return guarded(
+    return guardedOutsideCallbacks(
         [&] { return hosts().remove(host) ? FLAREBOX_OK : failed(FLAREBOX_INVALID_HANDLE, "there is no such host"); });
 }
 
@@ -149,7 +149,8 @@ flarebox_result flarebox_host_draw(flarebox_host* host) {
 }
 
 flarebox_result flarebox_host_release_textures(flarebox_host* host) {
-    return with(hosts(), host, [](Host& object) { object.panel.releaseTextures(*object.compositor); });
+    return guardedOutsideCallbacks(
+        [&] { return with(hosts(), host, [](Host& object) { object.panel.releaseTextures(*object.compositor); }); });
 }
 
 }  // extern "C"

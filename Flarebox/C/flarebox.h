@@ -204,7 +204,7 @@ typedef enum flarebox_orientation {
  * flarebox_last_error, when an argument is wrong or there is a host already. */
 FLAREBOX_API flarebox_host* flarebox_host_create(double width, double height, double scale,
                                                  const flarebox_renderer* renderer);
-/* Gives all textures back and stops the kit's threads, within 200 ms. Not inside a callback. Null: nothing. */
+/* Gives all textures back and stops the kit's threads, within 200 ms. Fails inside any callback. Null: nothing. */
 FLAREBOX_API flarebox_result flarebox_host_destroy(flarebox_host* host);
 /* The window has another size, in points, or another scale, in pixels per point. The orientation stays. */
 FLAREBOX_API flarebox_result flarebox_host_set_screen(flarebox_host* host, double width, double height, double scale);
@@ -305,7 +305,8 @@ FLAREBOX_API flarebox_result flarebox_host_update(flarebox_host* host, double bu
 FLAREBOX_API bool flarebox_host_needs_display(flarebox_host* host);
 /* Over the game's picture. */
 FLAREBOX_API flarebox_result flarebox_host_draw(flarebox_host* host);
-/* The renderer has lost its textures, or is about to: all are given back and made again by the next drawing. */
+/* The renderer has lost its textures, or is about to: all are given back and made again by the next drawing. Fails
+ * inside any callback. */
 FLAREBOX_API flarebox_result flarebox_host_release_textures(flarebox_host* host);
 
 /* --- Tab ---------------------------------------------------------------------------------------------------------- */

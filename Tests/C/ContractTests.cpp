@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <functional>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -19,25 +20,33 @@
 namespace flarebox::testing {
 namespace {
 
-std::uint32_t createTexture(void* count, std::int32_t, std::int32_t) {
-    return static_cast<std::uint32_t>(++*static_cast<int*>(count));
+/// What the game's renderer works with.
+struct Drawing {
+    int textures = 0;
+    std::function<void()> inQuad;
+};
+
+std::uint32_t createTexture(void* drawing, std::int32_t, std::int32_t) {
+    return static_cast<std::uint32_t>(++static_cast<Drawing*>(drawing)->textures);
 }
 void updateTexture(void*, std::uint32_t, std::int32_t, std::int32_t, std::int32_t, std::int32_t, const std::uint32_t*,
                    std::int32_t) {}
-void destroyTexture(void* count, std::uint32_t) {
-    --*static_cast<int*>(count);
+void destroyTexture(void* drawing, std::uint32_t) {
+    --static_cast<Drawing*>(drawing)->textures;
 }
-void drawQuad(void*, const flarebox_quad*) {}
+void drawQuad(void* drawing, const flarebox_quad*) {
+    if (const auto& inQuad = static_cast<Drawing*>(drawing)->inQuad) inQuad();
+}
 
 class ContractTest : public ::testing::Test {
 protected:
     ~ContractTest() override {
         flarebox_host_destroy(host_);
-        EXPECT_EQ(textures_, 0);
+        EXPECT_EQ(drawing_.textures, 0);
     }
     flarebox_renderer renderer() {
         flarebox_renderer made = FLAREBOX_RENDERER;
-        made.context = &textures_;
+        made.context = &drawing_;
         made.create_texture = createTexture;
         made.update_texture = updateTexture;
         made.destroy_texture = destroyTexture;
@@ -49,7 +58,7 @@ protected:
         host_ = flarebox_host_create(667, 375, 2, &drawing);
         ASSERT_TRUE(host_) << flarebox_last_error();
     }
-    int textures_ = 0;
+    Drawing drawing_;
     flarebox_host* host_ = nullptr;
 };
 
@@ -106,6 +115,47 @@ TEST_F(ContractTest, HandlesAreLookedUpBeforeTheyAreFollowed) {
     EXPECT_EQ(flarebox_tab_destroy(later), FLAREBOX_OK);
     EXPECT_EQ(flarebox_tab_destroy(nullptr), FLAREBOX_OK);
     EXPECT_EQ(flarebox_host_destroy(gone), FLAREBOX_INVALID_HANDLE);
+}
+
+TEST_F(ContractTest, TheHostStaysUntilTheCallbackIsOver) {
+    makeHost();
+    flarebox_tab* const tab = flarebox_tab_create();
+    ASSERT_TRUE(tab) << flarebox_last_error();
+    flarebox_tab_show(tab);
+    ASSERT_TRUE(pumpUntil(
+        [&] { return flarebox_host_update(host_, 1), flarebox_host_visit_elements(host_, nullptr, nullptr) > 0; }));
+    int attempts = 0;
+    std::function<void()> attempt = [&] {
+        ++attempts;
+        for (const auto end : {flarebox_host_destroy, flarebox_host_release_textures}) {
+            EXPECT_EQ(end(host_), FLAREBOX_FAILED);
+            EXPECT_STREQ(flarebox_last_error(), "called inside a callback");
+        }
+    };
+    const auto attempted = [&](const std::function<void()>& occasion) {
+        const int before = attempts;
+        occasion();
+        return attempts > before;
+    };
+    EXPECT_TRUE(attempted([&] {
+        flarebox_host_visit_elements(
+            host_, [](void* context, auto*) { (*static_cast<std::function<void()>*>(context))(); }, &attempt);
+    }));
+    flarebox_observer observer = FLAREBOX_OBSERVER;
+    observer.context = &attempt;
+    observer.opened = [](void* context, flarebox_tab*) { (*static_cast<std::function<void()>*>(context))(); };
+    flarebox_tab_set_observer(tab, &observer);
+    EXPECT_TRUE(attempted([&] { flarebox_tab_open(tab, false); }));
+    dispatch_async_main(attempt);
+    EXPECT_TRUE(attempted([&] { flarebox_host_update(host_, 1); }));
+    drawing_.inQuad = [&] {
+        attempt();
+        flarebox_tab_destroy(tab);
+    };
+    EXPECT_TRUE(attempted([&] { flarebox_host_draw(host_); }));
+    drawing_.inQuad = nullptr;
+    EXPECT_EQ(flarebox_host_release_textures(host_), FLAREBOX_OK);
+    EXPECT_EQ(drawing_.textures, 0);
 }
 
 TEST_F(ContractTest, OtherThreadsAreRefusedAndHaveTheirOwnReason) {
