@@ -41,11 +41,13 @@ template <class Action>
 bool act(flarebox_host* host, std::uint64_t id, const Action& action) {
     bool isDone = false;
     with(hosts(), host, [&](Host& object) {
-        for (const UIAccessibilityElement& element : object.panel.accessibilityElements()) {
-            if (element.view->accessibilityNumber() != id) continue;
-            isDone = action(object.panel, *element.view);
-            return;
-        }
+        const auto elements = object.panel.accessibilityElements();
+        const auto isMeant = [id](const auto& element) { return element.view->accessibilityNumber() == id; };
+        const auto found = std::ranges::find_if(elements, isMeant);
+        isDone = found != elements.end() && action(object.panel, *found->view);
+        if (!isDone)
+            failed(FLAREBOX_FAILED, found == elements.end() ? "there is no such element, or not any more"
+                                                            : "nothing of the kind can be done with the element");
     });
     return isDone;
 }
@@ -92,11 +94,11 @@ bool flarebox_host_has_focus(flarebox_host* host) {
 bool flarebox_host_press(flarebox_host* host, std::int32_t press) {
     const bool isKnown = (press >= FLAREBOX_PRESS_UP && press <= FLAREBOX_PRESS_PLAY_PAUSE) ||
                          press == FLAREBOX_PRESS_PAGE_UP || press == FLAREBOX_PRESS_PAGE_DOWN;
-    if (!isKnown) return false;
+    if (!isKnown) return refused("there is no such press");
     return consumes(host, [&](UIHost& panel) { return panel.press(static_cast<UIPressType>(press)); });
 }
 bool flarebox_host_stick_moved(flarebox_host* host, double x, double y) {
-    if (!std::isfinite(x + y)) return false;
+    if (!std::isfinite(x) || !std::isfinite(y)) return refused("a deflection is two numbers");
     return consumes(host, [&](UIHost& panel) { return panel.stickMoved({x, y}); });
 }
 

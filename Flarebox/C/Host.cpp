@@ -52,6 +52,21 @@ bool isScreen(double width, double height, double scale) {
 
 constexpr const char* noScreen = "width, height and scale have to be positive numbers";
 
+bool isPoint(double x, double y) {
+    return std::isfinite(x) && std::isfinite(y);
+}
+
+constexpr const char* noPointer = "pointers are numbered from 0 on";
+constexpr const char* noPoint = "a point is two numbers";
+
+/// What a finger did.
+bool consumesPointer(flarebox_host* host, std::int32_t pointer, double x, double y,
+                     InputResult (UIHost::*input)(int, CGPoint)) {
+    if (pointer < 0) return refused(noPointer);
+    if (!isPoint(x, y)) return refused(noPoint);
+    return consumes(host, [&](UIHost& panel) { return (panel.*input)(pointer, {x, y}); });
+}
+
 }  // namespace
 
 Host::Host(CGSize size, double scale, const flarebox_renderer& renderer)
@@ -109,28 +124,32 @@ flarebox_result flarebox_host_set_orientation(flarebox_host* host, std::int32_t 
 }
 
 bool flarebox_host_pointer_down(flarebox_host* host, std::int32_t pointer, double x, double y) {
-    return consumes(host, [&](UIHost& panel) { return panel.pointerDown(pointer, {x, y}); });
+    return consumesPointer(host, pointer, x, y, &UIHost::pointerDown);
 }
 bool flarebox_host_pointer_moved(flarebox_host* host, std::int32_t pointer, double x, double y) {
-    return consumes(host, [&](UIHost& panel) { return panel.pointerMoved(pointer, {x, y}); });
+    return consumesPointer(host, pointer, x, y, &UIHost::pointerMoved);
 }
 bool flarebox_host_pointer_up(flarebox_host* host, std::int32_t pointer, double x, double y) {
-    return consumes(host, [&](UIHost& panel) { return panel.pointerUp(pointer, {x, y}); });
+    return consumesPointer(host, pointer, x, y, &UIHost::pointerUp);
 }
 bool flarebox_host_pointer_hovered(flarebox_host* host, double x, double y) {
+    if (!isPoint(x, y)) return refused(noPoint);
     return consumes(host, [&](UIHost& panel) { return panel.pointerHovered({x, y}); });
 }
 flarebox_result flarebox_host_pointer_cancelled(flarebox_host* host, std::int32_t pointer) {
+    if (pointer < 0) return failed(FLAREBOX_INVALID_ARGUMENT, noPointer);
     return with(hosts(), host, [&](Host& object) { object.panel.pointerCancelled(pointer); });
 }
 flarebox_result flarebox_host_pointer_left(flarebox_host* host) {
     return with(hosts(), host, [&](Host& object) { object.panel.pointerLeft(); });
 }
 bool flarebox_host_scrolled(flarebox_host* host, double x, double y, double dx, double dy) {
+    if (!isPoint(x, y) || !isPoint(dx, dy)) return refused(noPoint);
     return consumes(host, [&](UIHost& panel) { return panel.scrolled({x, y}, dx, dy); });
 }
 bool flarebox_host_key_down(flarebox_host* host, const char* key) {
-    return key && consumes(host, [&](UIHost& panel) { return panel.keyDown(key); });
+    if (!key) return refused("the key is null");
+    return consumes(host, [&](UIHost& panel) { return panel.keyDown(key); });
 }
 
 flarebox_result flarebox_host_update(flarebox_host* host, double budget) {

@@ -4,6 +4,8 @@
 #include <UIKit/UIHost.h>
 
 #include <memory>
+#include <string>
+#include <utility>
 
 namespace flarebox::c {
 
@@ -24,6 +26,12 @@ bool consumes(flarebox_host* handle, const Input& input) {
     InputResult result = InputResult::Ignored;
     with(hosts(), handle, [&](Host& object) { result = input(object.panel); });
     return result == InputResult::Consumed;
+}
+
+/// For a function that answers no result: false, and why.
+inline bool refused(std::string reason) {
+    failed(FLAREBOX_INVALID_ARGUMENT, std::move(reason));
+    return false;
 }
 
 }  // namespace flarebox::c

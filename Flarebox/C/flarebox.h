@@ -211,8 +211,8 @@ FLAREBOX_API flarebox_result flarebox_host_set_screen(flarebox_host* host, doubl
 /* A flarebox_orientation, for a game that knows it; others are refused. */
 FLAREBOX_API flarebox_result flarebox_host_set_orientation(flarebox_host* host, int32_t orientation);
 
-/* Input, in points. True: the panel used it; false: it is the game's, or the call was refused. `pointer` tells fingers
- * apart, the mouse is 0. */
+/* Input, in points. True: the panel used it; false: it is the game's, or the call was refused, and flarebox_last_error
+ * says why. `pointer`, 0 or more, tells fingers apart; the mouse is 0. */
 FLAREBOX_API bool flarebox_host_pointer_down(flarebox_host* host, int32_t pointer, double x, double y);
 /* While it is down. */
 FLAREBOX_API bool flarebox_host_pointer_moved(flarebox_host* host, int32_t pointer, double x, double y);
@@ -293,9 +293,10 @@ typedef void (*flarebox_element_visitor)(void* context, const flarebox_element* 
 /* Tells of everything that is in sight, in reading order, frames in points of the host. Returns how many; the visitor
  * may be null. */
 FLAREBOX_API size_t flarebox_host_visit_elements(flarebox_host* host, flarebox_element_visitor visitor, void* context);
-/* Does what a tap on the element does. False where nothing can be done, or it is not there any more. */
+/* Does what a tap on the element does. False, with flarebox_last_error, where nothing can be done, or it is not there
+ * any more. */
 FLAREBOX_API bool flarebox_host_activate_element(flarebox_host* host, uint64_t id);
-/* Moves what an adjustable element stands at by steps, back where negative. */
+/* Moves what an adjustable element stands at by steps, back where negative. False as above. */
 FLAREBOX_API bool flarebox_host_adjust_element(flarebox_host* host, uint64_t id, int32_t steps);
 
 /* Once a frame: everything that is due on the main thread, for at most about `budget` seconds. Does nothing inside a

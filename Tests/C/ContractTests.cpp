@@ -85,8 +85,33 @@ TEST_F(ContractTest, WrongArgumentsAreRefusedWithAReason) {
     EXPECT_EQ(flarebox_host_update(host_, none), FLAREBOX_INVALID_ARGUMENT);
     EXPECT_EQ(flarebox_host_set_screen(host_, 0, 0, 0), FLAREBOX_INVALID_ARGUMENT);
     EXPECT_EQ(flarebox_host_set_orientation(host_, 9), FLAREBOX_INVALID_ARGUMENT);
-    EXPECT_FALSE(flarebox_host_key_down(host_, nullptr));
     EXPECT_EQ(flarebox_configure(nullptr), FLAREBOX_INVALID_ARGUMENT);
+}
+
+TEST_F(ContractTest, InputThatIsNoneIsRefusedWithAReasonOfItsOwn) {
+    makeHost();
+    const struct {
+        std::function<bool()> call;
+        const char* reason;
+    } calls[] = {
+        {[&] { return flarebox_host_pointer_down(host_, -1, 1, 1); }, "pointers are numbered from 0 on"},
+        {[&] { return flarebox_host_pointer_moved(host_, 0, NAN, 1); }, "a point is two numbers"},
+        {[&] { return flarebox_host_pointer_up(host_, 0, 1, INFINITY); }, "a point is two numbers"},
+        {[&] { return flarebox_host_pointer_hovered(host_, -INFINITY, 1); }, "a point is two numbers"},
+        {[&] { return flarebox_host_pointer_cancelled(host_, -7) == FLAREBOX_OK; }, "pointers are numbered from 0 on"},
+        {[&] { return flarebox_host_scrolled(host_, 1, 1, 0, NAN); }, "a point is two numbers"},
+        {[&] { return flarebox_host_key_down(host_, nullptr); }, "the key is null"},
+        {[&] { return flarebox_host_press(host_, 99); }, "there is no such press"},
+        {[&] { return flarebox_host_stick_moved(host_, 0, NAN); }, "a deflection is two numbers"},
+        {[&] { return flarebox_host_activate_element(host_, 0); }, "there is no such element, or not any more"},
+        {[&] { return flarebox_host_adjust_element(host_, 0, 1); }, "there is no such element, or not any more"},
+        {[&] { return flarebox_host_press(nullptr, FLAREBOX_PRESS_UP); }, "there is no such handle, or not any more"},
+    };
+    for (const auto& [call, reason] : calls) {
+        flarebox_tab_set_button_alpha(nullptr, 2);
+        EXPECT_FALSE(call());
+        EXPECT_STREQ(flarebox_last_error(), reason);
+    }
 }
 
 TEST_F(ContractTest, HandlesAreLookedUpBeforeTheyAreFollowed) {
@@ -293,6 +318,7 @@ TEST_F(ContractTest, ElementsAreToldOfAndActivated) {
     EXPECT_TRUE(flarebox_host_press(host_, FLAREBOX_PRESS_DOWN));
     EXPECT_EQ(first().told, "2 Open Flarebox/ 4") << "focused";
     EXPECT_FALSE(flarebox_host_adjust_element(host_, button.id, 1));
+    EXPECT_STREQ(flarebox_last_error(), "nothing of the kind can be done with the element");
     EXPECT_FALSE(flarebox_host_activate_element(host_, button.id + 100000));
     EXPECT_TRUE(flarebox_host_activate_element(host_, button.id));
     EXPECT_TRUE(flarebox_tab_is_open(tab));
