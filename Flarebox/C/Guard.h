@@ -11,6 +11,7 @@
 #include <memory>
 #include <new>
 #include <string>
+#include <type_traits>
 
 namespace flarebox::c {
 
@@ -86,14 +87,24 @@ private:
     std::uintptr_t next_ = alignment;
 };
 
+/// Runs `body`, which tells how it went if it can go wrong, on something.
+template <class Body, class Object>
+flarebox_result resultOf(const Body& body, Object& object) {
+    if constexpr (std::is_void_v<decltype(body(object))>) {
+        body(object);
+        return FLAREBOX_OK;
+    } else {
+        return body(object);
+    }
+}
+
 /// Runs `body` on the object of a handle, which may end inside.
 template <class Object, class Handle, class Body>
 flarebox_result with(const Handles<Object, Handle>& handles, Handle* handle, const Body& body) noexcept {
     return guarded([&] {
         Object* const object = handles.find(handle);
         if (!object) return failed(FLAREBOX_INVALID_HANDLE, "there is no such handle, or not any more");
-        body(*object);
-        return FLAREBOX_OK;
+        return resultOf(body, *object);
     });
 }
 

@@ -46,11 +46,12 @@ private:
 };
 
 bool isScreen(double width, double height, double scale) {
-    const auto isLength = [](double length) { return std::isfinite(length) && length > 0; };
-    return isLength(width) && isLength(height) && isLength(scale);
+    const auto isSide = [scale](double length) { return length > 0 && length * scale <= UIHost::longestSide; };
+    return scale > 0 && scale <= UIHost::largestScale && isSide(width) && isSide(height);
 }
 
-constexpr const char* noScreen = "width, height and scale have to be positive numbers";
+constexpr const char* noScreen =
+    "width, height and scale have to be more than 0, the scale at most 16 and a side at most 16384 pixels";
 
 bool isPoint(double x, double y) {
     return std::isfinite(x) && std::isfinite(y);

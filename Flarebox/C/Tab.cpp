@@ -1,6 +1,7 @@
 #include <Flarebox/C/Guard.h>
 #include <Flarebox/Views/FlareboxView.h>
 #include <Foundation/Immortal.h>
+#include <UIKit/UIApplication.h>
 
 #include <cmath>
 
@@ -63,7 +64,7 @@ template <class Body>
 flarebox_result withView(flarebox_tab* handle, const Body& body) {
     return with(tabs(), handle, [&](Tab& tab) {
         const Ref<FlareboxView> view = tab.view;
-        body(*view);
+        return resultOf(body, *view);
     });
 }
 
@@ -101,13 +102,21 @@ flarebox_result flarebox_tab_set_observer(flarebox_tab* tab, const flarebox_obse
 }
 
 flarebox_result flarebox_tab_show(flarebox_tab* tab) {
-    return withView(tab, [](FlareboxView& view) { view.showAtWindow(); });
+    return withView(tab, [](FlareboxView& view) {
+        if (!UIApplication::sharedApplication().keyWindow()) return failed(FLAREBOX_FAILED, "there is no host");
+        view.showAtWindow();
+        return FLAREBOX_OK;
+    });
 }
 flarebox_result flarebox_tab_remove(flarebox_tab* tab) {
     return withView(tab, [](FlareboxView& view) { view.removeFromSuperview(); });
 }
 flarebox_result flarebox_tab_open(flarebox_tab* tab, bool animated) {
-    return withView(tab, [&](FlareboxView& view) { view.toggleFlarebox(true, animated); });
+    return withView(tab, [&](FlareboxView& view) {
+        if (!view.superview()) return failed(FLAREBOX_FAILED, "the tab is not attached to a window");
+        view.toggleFlarebox(true, animated);
+        return FLAREBOX_OK;
+    });
 }
 flarebox_result flarebox_tab_close(flarebox_tab* tab, bool animated) {
     return withView(tab, [&](FlareboxView& view) { view.toggleFlarebox(false, animated); });

@@ -200,13 +200,15 @@ typedef enum flarebox_orientation {
     FLAREBOX_LANDSCAPE_RIGHT = 4
 } flarebox_orientation;
 
-/* Size in points, scale in pixels per point. The renderer's functions and context have to outlive the host. Null, with
- * flarebox_last_error, when an argument is wrong or there is a host already. */
+/* Size in points, at most 16384 pixels to a side; scale in pixels per point, at most 16. The renderer's functions and
+ * context have to outlive the host. Null, with flarebox_last_error, when an argument is wrong or there is a host
+ * already. */
 FLAREBOX_API flarebox_host* flarebox_host_create(double width, double height, double scale,
                                                  const flarebox_renderer* renderer);
 /* Gives all textures back and stops the kit's threads, within 200 ms. Fails inside any callback. Null: nothing. */
 FLAREBOX_API flarebox_result flarebox_host_destroy(flarebox_host* host);
-/* The window has another size, in points, or another scale, in pixels per point. The orientation stays. */
+/* The window has another size, in points, or another scale, in pixels per point; bounds as above. The orientation
+ * stays. */
 FLAREBOX_API flarebox_result flarebox_host_set_screen(flarebox_host* host, double width, double height, double scale);
 /* A flarebox_orientation, for a game that knows it; others are refused. */
 FLAREBOX_API flarebox_result flarebox_host_set_orientation(flarebox_host* host, int32_t orientation);
@@ -346,13 +348,13 @@ FLAREBOX_API flarebox_tab* flarebox_tab_create(void);
 FLAREBOX_API flarebox_result flarebox_tab_destroy(flarebox_tab* tab);
 /* Copies the observer; null: nobody observes any more. */
 FLAREBOX_API flarebox_result flarebox_tab_set_observer(flarebox_tab* tab, const flarebox_observer* observer);
-/* Attaches the tab, closed, to the host's window 0.1 seconds from now. */
+/* Attaches the tab, closed, to the host's window 0.1 seconds from now. Fails without a host. */
 FLAREBOX_API flarebox_result flarebox_tab_show(flarebox_tab* tab);
 /* Takes it out of the window; it can be shown again. */
 FLAREBOX_API flarebox_result flarebox_tab_remove(flarebox_tab* tab);
-/* Over 0.3 seconds, or at once. An open tab stays as it is. */
+/* Over 0.3 seconds, or at once. An open tab stays as it is. Fails as long as the tab is not attached. */
 FLAREBOX_API flarebox_result flarebox_tab_open(flarebox_tab* tab, bool animated);
-/* The same the other way. */
+/* The same the other way; a tab that is not attached is closed. */
 FLAREBOX_API flarebox_result flarebox_tab_close(flarebox_tab* tab, bool animated);
 /* False also for a tab that was not shown yet. */
 FLAREBOX_API bool flarebox_tab_is_open(flarebox_tab* tab);

@@ -36,6 +36,18 @@ UIDeviceOrientation orientationAfter(UIDeviceOrientation previous, CGSize size) 
 
 constexpr CGFloat largestInterfaceScale = 3;
 
+CGFloat usableScale(CGFloat scale) {
+    return scale > 0 ? std::min(scale, UIHost::largestScale) : 1;
+}
+
+/// What is left of the size at a usable scale.
+CGSize usableSize(CGSize size, CGFloat scale) {
+    const auto usable = [most = UIHost::longestSide / scale](CGFloat side) {
+        return side > 0 ? std::min(side, most) : 0;
+    };
+    return {usable(size.width), usable(size.height)};
+}
+
 std::optional<UIPressType> pressNamed(std::string_view key) {
     using enum UIPressType;
     static constexpr std::pair<std::string_view, UIPressType> presses[] = {
@@ -165,8 +177,8 @@ UIHost::~UIHost() {
 void UIHost::setScreen(CGSize size, CGFloat scale) {
     const Call call(*this, "UIHost::setScreen", "input");
     if (!call) return;
-    call->screenSize = size;
-    call->screenScale = scale > 0 ? scale : 1;
+    call->screenScale = usableScale(scale);
+    call->screenSize = usableSize(size, call->screenScale);
     applyScreen();
 }
 
@@ -220,10 +232,12 @@ void UIHost::resize(CGSize size, CGFloat scale) {
     if (!call) return;
     UIDevice& device = UIDevice::currentDevice();
     const UIDeviceOrientation former = device.orientation();
-    const bool isSame = call->screenSize == size && call->screenScale == scale;
-    if (isSame && former != UIDeviceOrientation::Unknown) return;
+    const CGSize formerSize = call->screenSize;
+    const CGFloat formerScale = call->screenScale;
     setScreen(size, scale);
-    device.setOrientation(orientationAfter(former, size));
+    const bool isSame = call->screenSize == formerSize && call->screenScale == formerScale;
+    if (isSame && former != UIDeviceOrientation::Unknown) return;
+    device.setOrientation(orientationAfter(former, call->screenSize));
 }
 
 InputResult UIHost::pointerDown(int pointer, CGPoint point) {

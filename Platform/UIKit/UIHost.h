@@ -70,23 +70,30 @@ class FLAREBOX_EXPORT UIHost {
 public:
     /// The host in force, or null. Any thread.
     static UIHost* current();
-    /// Size in points, scale in pixels per point.
+    /// Of the screen, in pixels.
+    static constexpr CGFloat longestSide = 16384;
+    /// Pixels per point.
+    static constexpr CGFloat largestScale = 16;
+
+    /// The screen, as for `setScreen`.
     UIHost(CGSize screenSize, CGFloat scale);
     virtual ~UIHost();
     UIHost(const UIHost&) = delete;
     UIHost& operator=(const UIHost&) = delete;
 
-    /// The screen's size or scale changed; the window follows. Does not by itself report a new orientation.
+    /// The screen's size or scale changed; the window follows. Size in points, not less than 0 and at most
+    /// `longestSide` pixels to a side; scale in pixels per point, more than 0 and at most `largestScale`. Others count
+    /// as the nearest, a scale that is no such number as 1. Does not by itself report a new orientation.
     void setScreen(CGSize size, CGFloat scale);
     /// Of the device, where it knows it; the tab follows at the next turn.
     void setOrientation(UIDeviceOrientation orientation);
-    /// Both, for a window, which has no orientation of its own: wide is landscape, tall is portrait. Does nothing when
-    /// size and scale are as they were.
+    /// Both, for a window, which has no orientation of its own: wide is landscape, tall is portrait. Bounds as
+    /// for `setScreen`. Does nothing when size and scale are as they were.
     void resize(CGSize size, CGFloat scale);
 
     // Input, in points of the screen. A touch that began on the panel belongs to it until it ends, one that began
     // beside it to the game.
-    /// `pointer` tells fingers apart; the mouse is 0.
+    /// `pointer`, 0 or more, tells fingers apart; the mouse is 0.
     InputResult pointerDown(int pointer, CGPoint point);
     /// While it is down.
     InputResult pointerMoved(int pointer, CGPoint point);

@@ -73,7 +73,8 @@ TEST_F(ContractTest, WrongArgumentsAreRefusedWithAReason) {
         const flarebox_renderer* drawing;
     } hosts[] = {
         {667, 375, 2, nullptr}, {667, 375, 2, &unsized}, {667, 375, 2, &incomplete}, {0, 375, 2, &good},
-        {667, -1, 2, &good},    {667, 375, none, &good}, {infinite, 375, 2, &good},
+        {667, -1, 2, &good},    {667, 375, none, &good}, {infinite, 375, 2, &good},  {1e300, 375, 2, &good},
+        {667, 8193, 2, &good},  {667, 375, 16.5, &good},
     };
     for (const auto& [width, height, scale, drawing] : hosts) {
         EXPECT_EQ(flarebox_host_create(width, height, scale, drawing), nullptr);
@@ -84,6 +85,8 @@ TEST_F(ContractTest, WrongArgumentsAreRefusedWithAReason) {
     EXPECT_STREQ(flarebox_last_error(), "there is a host already");
     EXPECT_EQ(flarebox_host_update(host_, none), FLAREBOX_INVALID_ARGUMENT);
     EXPECT_EQ(flarebox_host_set_screen(host_, 0, 0, 0), FLAREBOX_INVALID_ARGUMENT);
+    EXPECT_EQ(flarebox_host_set_screen(host_, 1e300, 1e300, 1e300), FLAREBOX_INVALID_ARGUMENT);
+    EXPECT_EQ(flarebox_host_set_screen(host_, 8192, 1, 2), FLAREBOX_OK);
     EXPECT_EQ(flarebox_host_set_orientation(host_, 9), FLAREBOX_INVALID_ARGUMENT);
     EXPECT_EQ(flarebox_configure(nullptr), FLAREBOX_INVALID_ARGUMENT);
 }
@@ -140,6 +143,20 @@ TEST_F(ContractTest, HandlesAreLookedUpBeforeTheyAreFollowed) {
     EXPECT_EQ(flarebox_tab_destroy(later), FLAREBOX_OK);
     EXPECT_EQ(flarebox_tab_destroy(nullptr), FLAREBOX_OK);
     EXPECT_EQ(flarebox_host_destroy(gone), FLAREBOX_INVALID_HANDLE);
+}
+
+TEST_F(ContractTest, WhatCannotHappenIsNoSuccess) {
+    makeHost();
+    flarebox_tab* const tab = flarebox_tab_create();
+    const auto failure = [](flarebox_result result) {
+        return result == FLAREBOX_FAILED ? flarebox_last_error() : "none";
+    };
+    EXPECT_STREQ(failure(flarebox_tab_open(tab, false)), "the tab is not attached to a window");
+    EXPECT_EQ(flarebox_tab_close(tab, false), FLAREBOX_OK);
+    EXPECT_EQ(flarebox_host_destroy(host_), FLAREBOX_OK);
+    EXPECT_STREQ(failure(flarebox_tab_show(tab)), "there is no host");
+    EXPECT_STREQ(failure(flarebox_tab_open(tab, false)), "the tab is not attached to a window");
+    EXPECT_EQ(flarebox_tab_destroy(tab), FLAREBOX_OK);
 }
 
 TEST_F(ContractTest, TheHostStaysUntilTheCallbackIsOver) {

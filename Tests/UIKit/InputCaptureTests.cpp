@@ -5,6 +5,8 @@
 #include <UIKit/UIDevice.h>
 #include <UIKit/UIScreen.h>
 
+#include <limits>
+
 namespace flarebox::testing {
 namespace {
 
@@ -174,6 +176,29 @@ TEST_F(InputCapture, WindowFollowsTheScreen) {
     EXPECT_EQ(UIScreen::mainScreen().scale(), 3);
     EXPECT_EQ(window().frame(), CGRectMake(0, 0, 375, 667));
     EXPECT_EQ(root->view().frame(), CGRectMake(0, 0, 375, 667));
+}
+
+TEST_F(InputCapture, ScreensHaveBounds) {
+    const CGFloat none = std::numeric_limits<CGFloat>::quiet_NaN();
+    const struct {
+        CGSize size;
+        CGFloat scale;
+        CGSize used;
+        CGFloat usedScale;
+    } cases[] = {
+        {{16384, 1}, 1, {16384, 1}, 1}, {{1e300, 1e300}, 1e300, {1024, 1024}, 16}, {{9000, 20}, 2, {8192, 20}, 2},
+        {{-5, none}, 2, {0, 0}, 2},     {{300, 200}, none, {300, 200}, 1},         {{300, 200}, -3, {300, 200}, 1},
+    };
+    for (const auto& [size, scale, used, usedScale] : cases) {
+        host.resize(size, scale);
+        host.update();
+        const UIScreen& screen = UIScreen::mainScreen();
+        EXPECT_EQ(screen.bounds().size, used);
+        EXPECT_EQ(screen.scale(), usedScale);
+        const UIDeviceOrientation orientation = UIDevice::currentDevice().orientation();
+        host.resize(size, scale);
+        EXPECT_EQ(UIDevice::currentDevice().orientation(), orientation) << "the same is no change";
+    }
 }
 
 TEST(InputHosts, OneFollowsAnother) {
