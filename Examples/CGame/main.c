@@ -100,10 +100,10 @@ static void asset_selected(void *context, flarebox_tab *tab, const char *uid, co
     printf("%s: %s\n", uid, title);
 }
 
-static void load_failed(void *context, flarebox_tab *tab, int32_t code, const char *reason) {
+static void load_failed(void *context, flarebox_tab *tab, const char *domain, int32_t code, const char *reason) {
     (void)tab;
     ++((game *)context)->failures;
-    fprintf(stderr, "nothing to show (%d): %s\n", (int)code, reason);
+    fprintf(stderr, "nothing to show (%s %d): %s\n", domain, (int)code, reason);
 }
 
 static void draw_frame(game *g, flarebox_host *host) {

@@ -40,7 +40,7 @@ class Observer(ctypes.Structure):
     Mode = CFUNCTYPE(None, c_void_p, c_void_p, c_int32)
     Coupon = CFUNCTYPE(None, c_void_p, c_void_p, c_char_p)
     Link = CFUNCTYPE(c_bool, c_void_p, c_void_p, c_char_p)
-    Failure = CFUNCTYPE(None, c_void_p, c_void_p, c_int32, c_char_p)
+    Failure = CFUNCTYPE(None, c_void_p, c_void_p, c_char_p, c_int32, c_char_p)
     _fields_ = [("struct_size", c_size_t), ("context", c_void_p), ("opened", Tab), ("closed", Tab),
                 ("asset_selected", Asset), ("mode_changed", Mode), ("coupon_saved", Coupon), ("should_open_link", Link),
                 ("load_failed", Failure)]

@@ -90,7 +90,7 @@ class Game:
         self.products.append(title.decode())
         print(f"{uid.decode()}: {title.decode()}")
 
-    def failed(self, _, tab, code, reason):
+    def failed(self, _, tab, domain, code, reason):
         self.failure = reason.decode()
 
     def frames(self, count, is_enough=lambda: False):

@@ -2,6 +2,7 @@
 #include <Flarebox/C/Guard.h>
 #include <Flarebox/Core/FlareboxBundle.h>
 #include <Flarebox/Core/FlareboxConfig.h>
+#include <Flarebox/Managers/FlareboxManager.h>
 #include <Foundation/LogSink.h>
 #include <Foundation/NSFileManager.h>
 
@@ -9,6 +10,10 @@ namespace flarebox::c {
 namespace {
 
 thread_local std::string lastError;
+
+/// The first version ended with `log_level`.
+constexpr std::size_t sizeOfConfiguration =
+    offsetof(flarebox_configuration, log_level) + sizeof(flarebox_configuration::log_level);
 
 NSString text(const char* characters) {
     return characters ? NSString(characters) : NSString();
@@ -27,11 +32,50 @@ Ref<FXUserSession> playerOf(const flarebox_configuration& configuration) {
     return player;
 }
 
-void configurePlaces(const flarebox_configuration& configuration) {
-    if (configuration.resources && !NSBundle::bundleWithIdentifier(flareboxBundleIdentifier))
-        NSBundle::registerBundle(flareboxBundleIdentifier, configuration.resources);
-    if (configuration.documents) NSFileManager::defaultManager().setDocumentsDirectory(configuration.documents);
-    if (configuration.api_url) flareboxBundle().setInfoDictionaryValue("API_URL", configuration.api_url);
+/// What of the configuration is out of range, or null.
+const char* faultOf(const flarebox_configuration& configuration) {
+    if (configuration.age < 0) return "the age has to be 0 or more";
+    if (configuration.refresh_seconds < 0) return "refresh_seconds have to be 0 or more";
+    const bool isLevel = configuration.log_level >= LogLevelInfo && configuration.log_level <= LogLevelError;
+    if (configuration.enable_logging && !isLevel) return "the log_level has to be from 1 to 3";
+    const NSURL address = configuration.api_url ? NSURL::URLWithString(configuration.api_url) : NSURL();
+    const bool isWeb = (address.scheme() == "http" || address.scheme() == "https") && !address.host().empty();
+    if (configuration.api_url && !isWeb) return "the api_url is no address of http or https";
+    return nullptr;
+}
+
+/// False where another folder is in use.
+bool configureResources(const char* folder) {
+    static std::string configured;
+    if (!NSBundle::bundleWithIdentifier(flareboxBundleIdentifier) && folder) {
+        NSBundle::registerBundle(flareboxBundleIdentifier, folder);
+        configured = folder;
+    }
+    flareboxBundle();
+    return configured == (folder ? folder : "");
+}
+
+/// False, and everything is as it was, where another address is in use.
+bool configureAddress(const char* address) {
+    constexpr const char* key = "API_URL";
+    NSBundle& bundle = flareboxBundle();
+    const Value former = bundle.objectForInfoDictionaryKey(key);
+    if (address)
+        bundle.setInfoDictionaryValue(key, address);
+    else
+        bundle.resetInfoDictionaryValue(key);
+    if (!FlareboxManager::hasSharedInstance() || bundle.objectForInfoDictionaryKey(key) == former) return true;
+    bundle.setInfoDictionaryValue(key, former);
+    return false;
+}
+
+flarebox_result configurePlaces(const flarebox_configuration& configuration) {
+    if (!configureResources(configuration.resources))
+        return failed(FLAREBOX_FAILED, "the folder of resources is fixed by the first configuration, or tab");
+    if (!configureAddress(configuration.api_url))
+        return failed(FLAREBOX_FAILED, "the api_url is fixed by the first request");
+    NSFileManager::defaultManager().setDocumentsDirectory(configuration.documents ? configuration.documents : "");
+    return FLAREBOX_OK;
 }
 
 }  // namespace
@@ -60,8 +104,9 @@ const char* flarebox_version(void) {
 flarebox_result flarebox_configure(const flarebox_configuration* configuration) {
     return guarded([&] {
         flarebox_configuration known = FLAREBOX_CONFIGURATION;
-        if (!copyStruct(configuration, sizeof known, known)) return FLAREBOX_INVALID_ARGUMENT;
-        configurePlaces(known);
+        if (!copyStruct(configuration, sizeOfConfiguration, known)) return FLAREBOX_INVALID_ARGUMENT;
+        if (const char* fault = faultOf(known)) return failed(FLAREBOX_INVALID_ARGUMENT, fault);
+        if (const flarebox_result result = configurePlaces(known)) return result;
         FlareboxConfig& config = FlareboxConfig::defaultConfig();
         config.configFlareboxWithUserSession(playerOf(known), text(known.game_uid), text(known.game_version),
                                              known.enable_logging, known.log_level);
@@ -70,10 +115,13 @@ flarebox_result flarebox_configure(const flarebox_configuration* configuration) 
     });
 }
 
-void flarebox_set_log_sink(flarebox_log_sink sink, void* context) {
-    if (!sink) return LogSink::set(nullptr);
-    LogSink::set([sink, context](LogLevel level, std::string_view message) {
+flarebox_result flarebox_set_log_sink(flarebox_log_sink sink, void* context) {
+    const auto write = [sink, context](LogLevel level, std::string_view message) {
         sink(context, static_cast<std::int32_t>(level), std::string(message).c_str());
+    };
+    return withoutExceptions([&] {
+        LogSink::set(sink ? LogSink::Write(write) : nullptr);
+        return FLAREBOX_OK;
     });
 }
 

@@ -28,7 +28,7 @@ struct Tab : FlareboxViewDelegate {
         tell(&flarebox_observer::asset_selected, uid.c_str(), title.c_str());
     }
     void flareboxViewDidChangeMode(FlareboxView&, AssetMode mode) override {
-        tell(&flarebox_observer::mode_changed, static_cast<flarebox_mode>(mode));
+        tell(&flarebox_observer::mode_changed, static_cast<std::int32_t>(mode));
     }
     void flareboxViewDidSaveCoupon(FlareboxView&, const Ref<FXAssetInfo>& asset) override {
         const std::string uid = asset->uid().string();
@@ -40,7 +40,8 @@ struct Tab : FlareboxViewDelegate {
     }
     void flareboxViewDidFailToLoad(FlareboxView&, const Ref<NSError>& error) override {
         const std::string reason = error->localizedDescription();
-        tell(&flarebox_observer::load_failed, static_cast<std::int32_t>(error->code()), reason.c_str());
+        tell(&flarebox_observer::load_failed, error->domain().c_str(), static_cast<std::int32_t>(error->code()),
+             reason.c_str());
     }
 
     template <class Function, class... Arguments>
@@ -138,6 +139,7 @@ flarebox_result flarebox_tab_set_button_alpha(flarebox_tab* tab, double alpha) {
 }
 
 flarebox_result flarebox_tab_set_refresh(flarebox_tab* tab, std::int32_t seconds) {
+    if (seconds < 0) return failed(FLAREBOX_INVALID_ARGUMENT, "the seconds have to be 0 or more");
     return withView(tab, [&](FlareboxView& view) { view.changeRefreshDataTime(seconds); });
 }
 

@@ -64,9 +64,9 @@ typedef struct flarebox_configuration {
     size_t struct_size;       /* set by FLAREBOX_CONFIGURATION */
     const char* game_uid;     /* names the game to the service; without it nothing is loaded */
     const char* game_version; /* the same */
-    /* The service's address; null: that of the resources' Info.plist. Fixed by the first request. */
+    /* The service's address, of http or https; null: that of the resources' Info.plist. Fixed by the first request. */
     const char* api_url;
-    /* Folder of files in place of the kit's own; null: see FlareboxBundle.h. Fixed by the first tab. */
+    /* Folder of files in place of the kit's own; null: see FlareboxBundle.h. Fixed by the first call, or tab. */
     const char* resources;
     const char* documents;   /* folder for models, the kit's alone; null: the application's documents folder */
     const char* device_id;   /* advertising identifier; null: the kit makes one where the player allows it */
@@ -76,8 +76,8 @@ typedef struct flarebox_configuration {
     const char* state;       /* part of the country */
     const char* city;        /* where the player lives */
     const char* country;     /* as the service wants it written */
-    int32_t age;             /* in years; 0: unknown */
-    int32_t refresh_seconds; /* between two lists; 0: 180 */
+    int32_t age;             /* in years, not less than 0; 0: unknown */
+    int32_t refresh_seconds; /* between two lists, not less than 0; 0: 180 */
     bool enable_logging;     /* false: nothing is logged, whatever the level */
     uint32_t log_level;      /* 1 everything, 2 warnings and errors, 3 errors */
 } flarebox_configuration;
@@ -86,14 +86,16 @@ typedef struct flarebox_configuration {
 #define FLAREBOX_CONFIGURATION \
     { sizeof(flarebox_configuration), 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, true, 2 }
 
-/* Before the first tab; a later call replaces what an earlier one said. Does not take the struct over. */
+/* Before the first tab; a later call replaces everything that an earlier one said, fields that are null included. One
+ * that says otherwise of what is fixed fails, and like one that is refused it changes nothing. Does not take the struct
+ * over. */
 FLAREBOX_API flarebox_result flarebox_configure(const flarebox_configuration* configuration);
 
 /* Takes all messages from now on, in place of standard error; null: standard error again. Called on any thread, one
  * call at a time; levels as above. Any thread. */
 typedef void (*flarebox_log_sink)(void* context, int32_t level, const char* message);
 /* `context` is handed to the sink. The former sink is not called any more once this returns. */
-FLAREBOX_API void flarebox_set_log_sink(flarebox_log_sink sink, void* context);
+FLAREBOX_API flarebox_result flarebox_set_log_sink(flarebox_log_sink sink, void* context);
 
 /* The look of a brand, from a theme file; null: the kit's own. Tabs follow at once. A file that cannot be read fails
  * and changes nothing; of one that can, what is wrong is left out and told in the log. */
@@ -328,14 +330,14 @@ typedef struct flarebox_observer {
     void (*closed)(void* context, flarebox_tab* tab); /* it starts to slide out, or was removed */
     /* Another product is shown, by the player's choice or as the first of a list. */
     void (*asset_selected)(void* context, flarebox_tab* tab, const char* uid, const char* title);
-    /* The content area shows another of the product's sides. */
-    void (*mode_changed)(void* context, flarebox_tab* tab, flarebox_mode mode);
+    /* The content area shows another of the product's sides: a flarebox_mode. */
+    void (*mode_changed)(void* context, flarebox_tab* tab, int32_t mode);
     /* The service has it, now or from an earlier time. */
     void (*coupon_saved)(void* context, flarebox_tab* tab, const char* uid);
     /* The player is about to leave the game. False: the link is not opened. */
     bool (*should_open_link)(void* context, flarebox_tab* tab, const char* url);
-    /* A session or a list could not be had; the tab tries again with its next refresh. */
-    void (*load_failed)(void* context, flarebox_tab* tab, int32_t code, const char* reason);
+    /* A session or a list could not be had; the tab tries again with its next refresh. `code` is one of `domain`. */
+    void (*load_failed)(void* context, flarebox_tab* tab, const char* domain, int32_t code, const char* reason);
 } flarebox_observer;
 
 /* Starting values: no functions yet. */
@@ -362,7 +364,7 @@ FLAREBOX_API bool flarebox_tab_is_open(flarebox_tab* tab);
 FLAREBOX_API flarebox_result flarebox_tab_show_button(flarebox_tab* tab, bool show);
 /* 0, invisible, to 1. */
 FLAREBOX_API flarebox_result flarebox_tab_set_button_alpha(flarebox_tab* tab, double alpha);
-/* Seconds between two lists; 0: 180. */
+/* Seconds between two lists, not less than 0; 0: 180. Holds for all tabs, as the configuration's does. */
 FLAREBOX_API flarebox_result flarebox_tab_set_refresh(flarebox_tab* tab, int32_t seconds);
 /* Starts anew with what is configured now. */
 FLAREBOX_API flarebox_result flarebox_tab_reload(flarebox_tab* tab);

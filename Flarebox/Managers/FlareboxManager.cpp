@@ -6,6 +6,8 @@
 #include <Networking/AFJSONRequestSerializer.h>
 #include <Networking/AFJSONResponseSerializer.h>
 
+#include <atomic>
+
 namespace flarebox {
 namespace {
 
@@ -13,6 +15,7 @@ namespace {
 /// length of the text in memory.
 constexpr std::uint64_t longestAnswer = std::uint64_t{4} << 20;
 constexpr int pictureErrorCode = 2;
+std::atomic<bool> isShared = false;
 
 }  // namespace
 
@@ -24,10 +27,15 @@ const ClassInfo& FlareboxManager::staticClass() {
 FlareboxManager& FlareboxManager::sharedInstance() {
     // Never destroyed: the session it carries lasts as long as the process.
     static FlareboxManager* const shared = [] {
+        isShared = true;
         const NSString address = flareboxBundle().objectForInfoDictionaryKey("API_URL").as<NSString>();
         return make<FlareboxManager>(NSURL::URLWithString(address)).leak();
     }();
     return *shared;
+}
+
+bool FlareboxManager::hasSharedInstance() {
+    return isShared;
 }
 
 FlareboxManager::FlareboxManager(const NSURL& baseURL) : AFHTTPSessionManager(baseURL) {

@@ -35,6 +35,8 @@ class FLAREBOX_EXPORT FlareboxManager : public AFHTTPSessionManager {
 public:
     /// Made by the first call from the "API_URL" of the kit's information table.
     static FlareboxManager& sharedInstance();
+    /// Whether it was made: its address is fixed from then on. Any thread.
+    static bool hasSharedInstance();
 
     /// Hands in the picture of an address that the game has already, decoded from its own files or cut from an atlas:
     /// wherever an asset names the address, the picture is shown and nothing is downloaded. `width` x `height` pixels,

@@ -190,6 +190,12 @@ void NSBundle::setInfoDictionaryValue(std::string_view key, Value value) {
     info_.reset();
 }
 
+void NSBundle::resetInfoDictionaryValue(std::string_view key) {
+    std::lock_guard lock(mutex_);
+    std::erase_if(overrides_, [key](const auto& entry) { return entry.first == key; });
+    info_.reset();
+}
+
 NSString NSBundle::pathForResource(std::string_view name, std::string_view extension) const {
     std::string fileName(name);
     if (!extension.empty()) fileName.append(".").append(extension);

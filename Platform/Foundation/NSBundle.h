@@ -54,6 +54,8 @@ public:
     /// Overrides one entry of the table for this process, before or after it was read; an absent value removes the
     /// entry.
     void setInfoDictionaryValue(std::string_view key, Value value);
+    /// Takes the override of an entry back: it is what the table says again.
+    void resetInfoDictionaryValue(std::string_view key);
 
     /// Path of a file of the bundle, looked for in the folder itself, then in those of the user's languages; absent
     /// when there is none. `name` may hold folders; it never leads out of the bundle.

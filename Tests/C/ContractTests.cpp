@@ -3,7 +3,7 @@
 #include <Flarebox/C/flarebox.h>
 #include <Flarebox/Core/FlareboxConfig.h>
 #include <Foundation/MainQueue.h>
-#include <Tests/Support/Pump.h>
+#include <Tests/Views/TabTesting.h>
 #include <UIKit/UIApplication.h>
 #include <UIKit/UIHost.h>
 #include <UIKit/UIWindow.h>
@@ -40,6 +40,7 @@ void drawQuad(void* drawing, const flarebox_quad*) {
 
 class ContractTest : public ::testing::Test {
 protected:
+    ContractTest() { sharedService(); }
     ~ContractTest() override {
         flarebox_host_destroy(host_);
         EXPECT_EQ(drawing_.textures, 0);
@@ -88,7 +89,6 @@ TEST_F(ContractTest, WrongArgumentsAreRefusedWithAReason) {
     EXPECT_EQ(flarebox_host_set_screen(host_, 1e300, 1e300, 1e300), FLAREBOX_INVALID_ARGUMENT);
     EXPECT_EQ(flarebox_host_set_screen(host_, 8192, 1, 2), FLAREBOX_OK);
     EXPECT_EQ(flarebox_host_set_orientation(host_, 9), FLAREBOX_INVALID_ARGUMENT);
-    EXPECT_EQ(flarebox_configure(nullptr), FLAREBOX_INVALID_ARGUMENT);
 }
 
 TEST_F(ContractTest, InputThatIsNoneIsRefusedWithAReasonOfItsOwn) {
@@ -229,29 +229,9 @@ TEST_F(ContractTest, NoExceptionLeavesAndTheLogGoesWhereItIsSent) {
         },
         &lines);
     std::thread([this] { dispatch_async_main([] {}), FlareboxConfig::defaultConfig().setGameUID("x"); }).join();
-    flarebox_set_log_sink(nullptr, nullptr);
+    EXPECT_EQ(flarebox_set_log_sink(nullptr, nullptr), FLAREBOX_OK);
     ASSERT_EQ(lines.size(), 1U);
     EXPECT_EQ(lines.front().rfind("3FlareboxConfig::setGameUID", 0), 0U) << lines.front();
-}
-
-TEST_F(ContractTest, ConfigurationsOfNewerCallersAreTakenAsFarAsTheyAreKnown) {
-    makeHost();
-    struct {
-        flarebox_configuration known = FLAREBOX_CONFIGURATION;
-        long more[4] = {1, 2, 3, 4};
-    } newer;
-    newer.known.struct_size = sizeof newer;
-    newer.known.game_uid = "newer";
-    newer.known.age = 30;
-    newer.known.refresh_seconds = 77;
-    newer.known.enable_logging = false;
-    EXPECT_EQ(flarebox_configure(&newer.known), FLAREBOX_OK);
-    const FlareboxConfig& config = FlareboxConfig::defaultConfig();
-    EXPECT_EQ(config.gameUID(), NSString("newer"));
-    EXPECT_FALSE(config.gameVersion());
-    EXPECT_EQ(config.getTimeRefresh(), 77);
-    EXPECT_EQ(config.sessionEdit()->age().integerValue(), 30);
-    EXPECT_FALSE(config.sessionEdit()->deviceId());
 }
 
 /// Fills the window.

@@ -195,6 +195,10 @@ TEST_F(Bundle, HasItsInformationTable) {
     EXPECT_EQ(bundle->infoDictionary().objectForKey("API_URL"), Value("http://two"));
     bundle->setInfoDictionaryValue("API_URL", {});
     EXPECT_FALSE(bundle->objectForInfoDictionaryKey("API_URL"));
+    folder.write("Info.plist", "<plist><dict><key>API_URL</key><string>http://three</string></dict></plist>");
+    bundle->resetInfoDictionaryValue("API_URL");
+    bundle->resetInfoDictionaryValue("none");
+    EXPECT_EQ(bundle->objectForInfoDictionaryKey("API_URL"), Value("http://three"));
 }
 
 TEST_F(Bundle, WithoutASoundTableIsEmptyAndSaysWhy) {
