@@ -1,4 +1,5 @@
 #include <Flarebox/Core/Theme.h>
+#include <Flarebox/Core/ThemeContrast.h>
 #include <Flarebox/Core/ThemeReader.h>
 #include <Foundation/LogSink.h>
 #include <Foundation/NSFileManager.h>
@@ -50,6 +51,12 @@ Ref<Theme> Theme::themeWithFile(const std::string& path, Ref<NSError>* error) {
     else
         LogSink::write(LogLevelError, "Flarebox: " + failure->localizedDescription());
     return nullptr;
+}
+
+std::vector<std::string> Theme::contrastProblems() const {
+    std::vector<std::string> problems;
+    for (auto& poor : poorContrasts(palette_)) problems.push_back(std::move(poor.text));
+    return problems;
 }
 
 }  // namespace flarebox

@@ -9,6 +9,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace flarebox {
 
@@ -35,9 +36,17 @@ public:
 
     /// The theme of an XML file of at most 64 KiB; fonts and pictures that it names are looked for from its folder.
     /// What cannot be used of it is left out, and a warning in the log names file, line and the fix, as it does for
-    /// texts that cannot be read well on their background. Null when the file cannot be read at all, with the reason in
-    /// `error`, or in the log when that is null. Fonts stay known to the process.
+    /// colours that are too much alike (`contrastProblems`). Null when the file cannot be read at all, with the reason
+    /// in `error`, or in the log when that is null. Fonts stay known to the process.
     static Ref<Theme> themeWithFile(const std::string& path, Ref<NSError>* error = nullptr);
+
+    /// What cannot be seen well, as texts: `"ring" on "panel" has a contrast of 1.0 to 1, less than 3.0; …`. Texts need
+    /// 4.5 to 1, signs and lines 3 to 1. Empty for a theme that everybody can read, as a game's own tests may expect.
+    std::vector<std::string> contrastProblems() const;
+
+    /// Makes a font file (TrueType or OpenType) known to the process for as long as it lives, and answers the family's
+    /// name, for `UIPalette::setFamily`; empty when the file cannot be read or holds no font. Takes milliseconds.
+    static std::string addFontFile(const std::string& path);
 
     /// Colours, corner radii and typefaces.
     const UIPalette& palette() const { return palette_; }

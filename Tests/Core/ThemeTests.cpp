@@ -15,6 +15,7 @@
 namespace flarebox::testing {
 namespace {
 
+using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
@@ -54,7 +55,7 @@ protected:
 TEST_F(ThemeTest, EveryEntryCounts) {
     const Ref<Theme> theme = readEntries(R"(
         <color name="panel" value="#102030"/>
-        <color name="ring" value="#11223344"/>
+        <color name="ring" value="#FFEEDDCC"/>
         <radius name="picture" value="0"/>
         <picture name="logo" file="mark.png"/>
         <picture name="openButton" icon="cart"/>
@@ -63,7 +64,7 @@ TEST_F(ThemeTest, EveryEntryCounts) {
     ASSERT_TRUE(theme);
     EXPECT_THAT(log_, IsEmpty());
     EXPECT_EQ(theme->palette().color(Shade::Panel), UIColor::rgb(0x102030));
-    EXPECT_EQ(theme->palette().color(Shade::Ring), UIColor::rgb(0x112233, 0x44 / 255.0F));
+    EXPECT_EQ(theme->palette().color(Shade::Ring), UIColor::rgb(0xFFEEDD, 0xCC / 255.0F));
     EXPECT_EQ(theme->palette().color(Shade::Text), UIPalette().color(Shade::Text)) << "the rest is the kit's";
     EXPECT_EQ(theme->palette().radius(Corner::Picture), 0);
     EXPECT_EQ(theme->palette().radius(Corner::Panel), UIPalette().radius(Corner::Panel));
@@ -132,7 +133,7 @@ TEST_F(ThemeTest, WhatIsNoThemeChangesNothing) {
     EXPECT_THAT(log_, ElementsAre(HasSubstr("missing.xml")));
 }
 
-TEST_F(ThemeTest, TextsThatCannotBeReadAreToldOf) {
+TEST_F(ThemeTest, WhatCannotBeSeenWellIsToldOf) {
     const std::pair<UIColor, double> onWhite[] = {
         {UIColor::blackColor(), 21}, {UIColor::rgb(0x767676), 4.54}, {UIColor::whiteColor(), 1}};
     for (const auto& [color, contrast] : onWhite) {
@@ -149,6 +150,12 @@ TEST_F(ThemeTest, TextsThatCannotBeReadAreToldOf) {
     EXPECT_THAT(log_,
                 ElementsAre("Flarebox: theme.xml:2: \"actionText\" on \"action\" has a contrast of 1.4 to 1, less "
                             "than 4.5; move the two further apart"));
+    log_.clear();
+    const Ref<Theme> light = readEntries(R"(<color name="panel" value="white"/>)");
+    EXPECT_THAT(log_, Contains(HasSubstr(R"("ring" on "panel" has a contrast of 1.0 to 1, less than 3.0)")));
+    EXPECT_THAT(log_, Contains(HasSubstr(R"("success" on "panel")")));
+    EXPECT_EQ(light->contrastProblems().size(), log_.size());
+    EXPECT_THAT(Theme().contrastProblems(), IsEmpty());
 }
 
 TEST_F(ThemeTest, BringsItsOwnFonts) {
@@ -187,6 +194,7 @@ TEST_F(ThemeTest, ThePageAndTheExamplesAreThemesWithoutAFault) {
         const Ref<Theme> theme = Theme::themeWithFile(std::string(REPOSITORY "/Examples/Themes/") + name);
         ASSERT_TRUE(theme) << name;
         EXPECT_NE(theme->palette(), UIPalette()) << name;
+        EXPECT_THAT(theme->contrastProblems(), IsEmpty()) << name;
         EXPECT_THAT(page, HasSubstr(name));
     }
     std::erase_if(log_, [](const std::string& line) { return line.find("is not installed") != line.npos; });
