@@ -44,7 +44,18 @@ Ref<Theme> ThemeReader::read(const LayoutElement& content) {
     return theme_;
 }
 
+void ThemeReader::checkRepetition(const LayoutElement& entry) {
+    const std::string* name = entry.attribute("name");
+    if (!name) return;
+    const auto [earlier, isNew] = entryLines_.try_emplace({entry.name, *name}, entry.line);
+    if (!isNew)
+        warn(entry.line, "the " + entry.name + " " + layout::inQuotes(*name) + " is in line " +
+                             std::to_string(earlier->second) + " already; leave one out, for the last one counts");
+    earlier->second = entry.line;
+}
+
 void ThemeReader::readEntry(const LayoutElement& entry) {
+    checkRepetition(entry);
     if (entry.name == "color") return readColor(entry);
     if (entry.name == "radius") return readRadius(entry);
     if (entry.name == "font") return readFont(entry);
@@ -61,7 +72,8 @@ void ThemeReader::readColor(const LayoutElement& entry) {
     const auto color = layout::color(*value);
     if (!color)
         return warn(entry.line, layout::inQuotes(*value) +
-                                    " is no colour; write \"#RRGGBB\", \"#RRGGBBAA\", \"white\" or \"black\"");
+                                    " is no colour; write \"#RRGGBB\", \"#RRGGBBAA\", \"white\", \"black\", "
+                                    "\"lightGray\" or \"clear\"; an opacity may follow: \"white 80%\"");
     palette_.setColor(*shade, *color);
     colorLines_[static_cast<std::size_t>(*shade)] = entry.line;
 }

@@ -5,9 +5,12 @@
 
 #include <array>
 #include <filesystem>
+#include <map>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace flarebox {
 
@@ -20,6 +23,7 @@ public:
 
 private:
     void readEntry(const LayoutElement& entry);
+    void checkRepetition(const LayoutElement& entry);
     void readColor(const LayoutElement& entry);
     void readRadius(const LayoutElement& entry);
     void readFont(const LayoutElement& entry);
@@ -41,6 +45,8 @@ private:
     const std::filesystem::path file_;
     Ref<Theme> theme_ = make<Theme>();
     UIPalette palette_;
+    /// The last line of each kind and name.
+    std::map<std::pair<std::string, std::string>, int> entryLines_;
     /// Of each colour that the file gives; 0 for the others.
     std::array<int, UIPalette::shadeCount> colorLines_{};
 };

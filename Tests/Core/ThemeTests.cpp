@@ -83,6 +83,8 @@ TEST_F(ThemeTest, WhatIsWrongIsToldWithTheFixAndTheRestApplies) {
         {R"(<shadow/>)", R"(no <shadow> in a theme; known are "color", "radius", "font", "picture", "text")"},
         {R"(<color name="acent" value="white"/>)", R"(there is no color "acent"; did you mean "accent"?)"},
         {R"(<color name="panel" value="#12345"/>)", R"("#12345" is no colour; write "#RRGGBB")"},
+        {R"(<color name="ring" value="white"/><color name="ring" value="#FFFF00"/>)",
+         R"(the color "ring" is in line 2 already; leave one out, for the last one counts)"},
         {R"(<color name="panel" value="panel"/>)", R"("panel" is no colour)"},
         {R"(<color name="panel"/>)", R"(<color> needs value="#13151A" or the like)"},
         {R"(<color value="white"/>)", R"(<color> needs name="panel" or the like)"},
