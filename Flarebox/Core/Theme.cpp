@@ -3,6 +3,7 @@
 #include <Flarebox/Core/ThemeReader.h>
 #include <Foundation/LogSink.h>
 #include <Foundation/NSFileManager.h>
+#include <UIKit/FontOpening.h>
 #include <UIKit/VectorIcon.h>
 
 #include <filesystem>
@@ -40,7 +41,15 @@ const ClassInfo& Theme::staticClass() {
     return info;
 }
 
-Theme::Theme() : openButtonMark_{VectorIcon::named("flare"), nullptr}, logo_(openButtonMark_) {}
+Theme::Theme() : openButtonMark_(withSign({})), logo_(openButtonMark_) {}
+
+Theme::Mark Theme::withSign(const Mark& mark) {
+    return {mark.icon ? mark.icon : VectorIcon::named("flare"), mark.picture};
+}
+
+std::string Theme::addFontFile(const std::string& path) {
+    return flarebox::addFontFile(path);
+}
 
 Ref<Theme> Theme::themeWithFile(const std::string& path, Ref<NSError>* error) {
     Ref<NSError> failure;

@@ -25,8 +25,8 @@ class FLAREBOX_EXPORT Theme : public NSObject {
 public:
     /// A mark of the brand: a picture of any shape in its own colours, or one of the kit's signs in the theme's.
     struct Mark {
-        /// Never null.
-        const VectorIcon* icon;
+        /// Null stands for the kit's own.
+        const VectorIcon* icon = nullptr;
         /// Counts before the sign; may be null.
         Ref<UIImage> picture;
     };
@@ -50,26 +50,24 @@ public:
 
     /// Colours, corner radii and typefaces.
     const UIPalette& palette() const { return palette_; }
-    /// Takes effect, as all that follows, when the theme is handed over.
+    /// Like all that is set here, to be set before the theme is handed over.
     void setPalette(const UIPalette& palette) { palette_ = palette; }
-    /// On the open button.
+    /// On the open button. Its sign is never null.
     const Mark& openButtonMark() const { return openButtonMark_; }
-    /// The icon must not be null.
-    void setOpenButtonMark(const Mark& mark) { openButtonMark_ = mark; }
-    /// In the top bar.
+    void setOpenButtonMark(const Mark& mark) { openButtonMark_ = withSign(mark); }  ///< takes it over
+    /// In the top bar. Its sign is never null.
     const Mark& logo() const { return logo_; }
-    /// The icon must not be null.
-    void setLogo(const Mark& mark) { logo_ = mark; }
+    void setLogo(const Mark& mark) { logo_ = withSign(mark); }  ///< takes it over
     /// Runs down the open button, which grows with it; absent for none.
     const NSString& openButtonText() const { return openButtonText_; }
-    /// Absent for none.
-    void setOpenButtonText(const NSString& text) { openButtonText_ = text; }
+    void setOpenButtonText(const NSString& text) { openButtonText_ = text; }  ///< absent for none
     /// In the top bar; absent for the kit's own.
     const NSString& titleText() const { return titleText_; }
-    /// Absent for the kit's own.
-    void setTitleText(const NSString& text) { titleText_ = text; }
+    void setTitleText(const NSString& text) { titleText_ = text; }  ///< absent for the kit's own
 
 private:
+    static Mark withSign(const Mark& mark);
+
     UIPalette palette_;
     Mark openButtonMark_, logo_;
     NSString openButtonText_, titleText_;

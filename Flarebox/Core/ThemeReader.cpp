@@ -13,7 +13,6 @@
 namespace flarebox {
 namespace {
 
-constexpr CGFloat largestRadius = 1000;
 constexpr std::size_t longestText = 64;
 
 enum class MarkPlace { OpenButton, Logo };
@@ -84,7 +83,7 @@ void ThemeReader::readRadius(const LayoutElement& entry) {
     const std::string* value = required(entry, "value", "14");
     if (!corner || !value) return;
     const auto radius = layout::length(*value);
-    if (!radius || *radius > largestRadius)
+    if (!radius || *radius > UIPalette::largestRadius)
         return warn(entry.line, layout::inQuotes(*value) + " is no radius; write points from 0 to 1000");
     palette_.setRadius(*corner, *radius);
 }

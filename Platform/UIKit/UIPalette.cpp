@@ -84,6 +84,10 @@ void UIPalette::setCurrent(const UIPalette& palette) {
     NSNotificationCenter::defaultCenter().postNotificationName(UIPaletteDidChangeNotification);
 }
 
+void UIPalette::setRadius(Corner corner, CGFloat radius) {
+    radii_[static_cast<std::size_t>(corner)] = std::isnan(radius) ? 0 : std::clamp(radius, 0.0, largestRadius);
+}
+
 UIFont UIPalette::font(Typeface typeface, CGFloat size, UIFontWeight weight) const {
     return UIFont::fontWithFamily(families_[static_cast<std::size_t>(typeface)], size, weight);
 }

@@ -42,9 +42,9 @@ public:
     static constexpr std::size_t shadeCount = 19;
     /// Whose corners are rounded.
     enum class Corner : std::uint8_t { Panel, Button, Picture, Message, OpenButton };
-    /// How many there are.
-    static constexpr std::size_t cornerCount = 5;
-    /// What a typeface is for.
+    static constexpr std::size_t cornerCount = 5;   ///< of them
+    static constexpr CGFloat largestRadius = 1000;  ///< in points
+    /// What has a typeface of its own; Text is everything but the others.
     enum class Typeface : std::uint8_t { Text, Title, Button };
     /// How many there are.
     static constexpr std::size_t typefaceCount = 3;
@@ -64,9 +64,9 @@ public:
     void setColor(Shade shade, const UIColor& color) { colors_[static_cast<std::size_t>(shade)] = color; }
     /// In points.
     CGFloat radius(Corner corner) const { return radii_[static_cast<std::size_t>(corner)]; }
-    /// In points; a view rounds its corners by half of its shorter side at most.
-    void setRadius(Corner corner, CGFloat radius) { radii_[static_cast<std::size_t>(corner)] = radius; }
-    /// The typeface at a size in points.
+    /// From 0 to largestRadius; what is beyond is moved there, and what is no number is 0.
+    void setRadius(Corner corner, CGFloat radius);
+    /// Of that size in points.
     UIFont font(Typeface typeface, CGFloat size, UIFontWeight weight = UIFontWeight::Regular) const;
     /// Empty for the system font.
     void setFamily(Typeface typeface, std::string family);

@@ -9,6 +9,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <fstream>
 #include <sstream>
 
@@ -75,6 +76,23 @@ TEST_F(ThemeTest, EveryEntryCounts) {
     EXPECT_EQ(theme->openButtonText(), NSString("Rewards"));
     EXPECT_NE(theme->palette(), UIPalette());
     EXPECT_EQ(Theme().palette(), UIPalette());
+}
+
+TEST_F(ThemeTest, TakesWhatAGameFillsInWithoutAFault) {
+    UIPalette palette;
+    const std::pair<CGFloat, CGFloat> radii[] = {{-1, 0}, {7, 7}, {1e9, 1000}, {NAN, 0}};
+    for (const auto& [given, taken] : radii) {
+        palette.setRadius(Corner::Panel, given);
+        EXPECT_EQ(palette.radius(Corner::Panel), taken);
+    }
+    Theme theme;
+    const Theme::Mark own = theme.logo(), picture{nullptr, UIImage::imageWithPixels(1, 1, {1})};
+    theme.setLogo(picture);
+    theme.setOpenButtonMark(picture);
+    EXPECT_EQ(theme.logo().icon, own.icon);
+    EXPECT_EQ(theme.openButtonMark().icon, own.icon);
+    EXPECT_EQ(theme.openButtonMark().picture, picture.picture);
+    EXPECT_EQ(Theme::addFontFile(folder_.path("mark.png")), "");
 }
 
 TEST_F(ThemeTest, WhatIsWrongIsToldWithTheFixAndTheRestApplies) {
