@@ -1,4 +1,5 @@
 #include <Foundation/Clock.h>
+#include <Foundation/LogSink.h>
 #include <Host/Headless/CountingCompositor.h>
 #include <Host/Headless/HeadlessHost.h>
 #include <Tests/Support/TemporaryDirectory.h>
@@ -517,9 +518,11 @@ TEST(Headless, DrawsThePanelOverTheGameAndWritesAPicture) {
     const std::string bytes{std::istreambuf_iterator<char>(stream), {}};
     EXPECT_EQ(bytes.substr(0, 4), "\x89PNG");
     EXPECT_EQ(bytes.substr(16, 8), std::string("\0\0\0\x64\0\0\0\x50", 8)) << "100 x 80 pixels";
-    ::testing::internal::CaptureStderr();
+    std::string said;
+    LogSink::set([&](LogLevel, std::string_view message) { said = message; });
     EXPECT_FALSE(host.writePNG(directory.path("missing/picture.png")));
-    EXPECT_NE(::testing::internal::GetCapturedStderr(), "");
+    LogSink::set(nullptr);
+    EXPECT_NE(said.find("missing/picture.png cannot be written"), said.npos) << said;
 
     host.setScreen({30, 60}, 1);
     host.update();

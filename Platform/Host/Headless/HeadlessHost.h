@@ -26,7 +26,7 @@ public:
 
     /// The picture of the last frame.
     SoftwareCompositor& picture() { return compositor_; }
-    /// False, with the reason on standard error, when the file cannot be written.
+    /// False, with the reason in the log, when the file cannot be written.
     bool writePNG(const std::string& path) const;
 
 private:

@@ -1,8 +1,7 @@
+#include <Foundation/LogSink.h>
 #include <Host/Headless/Backend/PNGFile.h>
 
 #include <cairo.h>
-
-#include <cstdio>
 
 namespace flarebox {
 
@@ -14,7 +13,7 @@ bool writePNG(const std::string& path, std::span<const std::uint32_t> pixels, in
     const cairo_status_t status = cairo_surface_write_to_png(surface, path.c_str());
     cairo_surface_destroy(surface);
     if (status == CAIRO_STATUS_SUCCESS) return true;
-    std::fprintf(stderr, "%s cannot be written: %s\n", path.c_str(), cairo_status_to_string(status));
+    LogSink::write(LogLevelError, path + " cannot be written: " + cairo_status_to_string(status));
     return false;
 }
 
