@@ -122,9 +122,9 @@ public:
     bool showsFocusRing() const;
     /// A button of a game controller.
     InputResult press(UIPressType type);
-    /// A key by its name, in lower case. The arrows "left", "right", "up" and "down", "return", "space", "escape",
-    /// "pageup" and "pagedown" are presses; "tab" and "backtab" go on to the next and the previous element. A video has
-    /// a few of its own.
+    /// A key by its name, in lower case. The arrows "left", "right", "up" and "down", "return", "keypad enter",
+    /// "space", "escape", "pageup" and "pagedown" are presses; "tab" and "backtab" go on to the next and the previous
+    /// element. A video that fills the screen is moved on by "left" and "right", and "m" mutes it.
     InputResult keyDown(std::string_view name);
     /// Tells `observe` of all input from now on, each time after the kit has dealt with it, and with what it answered;
     /// null: nobody. Movements without a button, those of the right stick, and what assistive technology does are left
