@@ -55,23 +55,18 @@ public:
     static Ref<AVPlayer> playerWithURL(const NSURL& url);
     ~AVPlayer() override;
 
-    /// Those that the next player gets.
-    static const AVPlayerSettings& settings();
-    /// Players that there are keep theirs.
-    static void setSettings(const AVPlayerSettings& settings);
-    /// False unless it was set.
-    static bool isEverythingMuted();
+    static const AVPlayerSettings& settings();                  ///< in force
+    static void setSettings(const AVPlayerSettings& settings);  ///< players that exist keep theirs
     /// The switch for all sound: while it is set no player is heard, whatever its own `isMuted` says.
-    static void setEverythingMuted(bool muted);
+    static bool isEverythingMuted();
+    static void setEverythingMuted(bool muted);  ///< at once, for players that exist too
 
     /// At the end nothing plays until it has been moved back; after an error nothing does.
     void play();
-    /// It stays where it is.
-    void pause();
+    void pause();  ///< stays where it is
     /// 1 from `play` to `pause`, the end or an error, also while it has to wait for data; otherwise 0.
     float rate() const { return rate_; }
-    /// Whether it plays, or would if it could.
-    AVPlayerTimeControlStatus timeControlStatus() const;
+    AVPlayerTimeControlStatus timeControlStatus() const;  ///< whether it plays, and if not why
     /// Seconds from the beginning, limited to the video's duration. Plays on from there if it was playing. Where a
     /// further call comes before that has happened, only the last one counts.
     void seekToTime(double seconds);
@@ -81,16 +76,11 @@ public:
     double duration() const { return state_.duration; }
     /// Null while all is well. It never changes again.
     const Ref<NSError>& error() const { return error_; }
-    /// What it plays; never null.
-    const Ref<AVPlayerItem>& currentItem() const { return item_; }
-    /// What it does when it has played to the end.
-    AVPlayerActionAtItemEnd actionAtItemEnd() const { return actionAtItemEnd_; }
-    /// All come to the same.
-    void setActionAtItemEnd(AVPlayerActionAtItemEnd action) { actionAtItemEnd_ = action; }
-    /// False unless it was set.
-    bool isMuted() const { return isMuted_; }
-    /// Of this player alone.
-    void setMuted(bool muted);
+    const Ref<AVPlayerItem>& currentItem() const { return item_; }                          ///< never null
+    AVPlayerActionAtItemEnd actionAtItemEnd() const { return actionAtItemEnd_; }            ///< Advance at first
+    void setActionAtItemEnd(AVPlayerActionAtItemEnd action) { actionAtItemEnd_ = action; }  ///< changes nothing else
+    bool isMuted() const { return isMuted_; }                                               ///< false at first
+    void setMuted(bool muted);                                                              ///< this player alone
 
     /// Starts to load, if it has not yet.
     void load();
@@ -105,8 +95,7 @@ public:
 
     /// Borrowed until it is removed.
     void addObserver(AVPlayerObserver& observer);
-    /// Nothing for one that is none.
-    void removeObserver(AVPlayerObserver& observer);
+    void removeObserver(AVPlayerObserver& observer);  ///< nothing if it does not watch
     using NSObject::addObserver;
     using NSObject::removeObserver;
 

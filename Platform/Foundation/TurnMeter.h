@@ -16,6 +16,7 @@ namespace flarebox {
 /// reporting and measuring allocate nothing. Main thread only.
 class FLAREBOX_EXPORT TurnMeter {
 public:
+    /// What one part took of a turn.
     struct PartTime {
         /// Static text.
         const char* name = nullptr;
@@ -25,8 +26,8 @@ public:
     /// One turn and what it ran, the longest part first; parts of the same name are one.
     class Turn {
     public:
-        double seconds() const { return seconds_; }
-        std::span<const PartTime> parts() const { return {parts_.data(), count_}; }
+        double seconds() const { return seconds_; }                                  ///< all of it
+        std::span<const PartTime> parts() const { return {parts_.data(), count_}; }  ///< at most 16
         /// Seconds of the part of that name; 0 when the turn did not run it.
         double secondsOf(std::string_view name) const;
 
@@ -43,7 +44,7 @@ public:
     /// Told of a turn that took longer than the budget, after its end.
     using Report = void (*)(const Turn& turn, double budget);
 
-    static TurnMeter& shared() { return shared_; }
+    static TurnMeter& shared() { return shared_; }  ///< the one that the kit reports to
     constexpr TurnMeter() = default;
     TurnMeter(const TurnMeter&) = delete;
     TurnMeter& operator=(const TurnMeter&) = delete;
@@ -51,12 +52,12 @@ public:
     /// Seconds that a turn may take. 0, the default, or anything that is no positive number: nothing is measured.
     /// Infinity: everything is, and nothing reported.
     void setBudget(double seconds) { budget_ = seconds > 0 ? seconds : 0; }
-    double budget() const { return budget_; }
+    double budget() const { return budget_; }  ///< in seconds
     /// Null for nobody.
     void setReport(Report report) { report_ = report; }
     /// The longest turn that was measured since the last reset; of no length when there was none.
     const Turn& longestTurn() const { return longest_; }
-    void resetLongestTurn() { longest_ = {}; }
+    void resetLongestTurn() { longest_ = {}; }  ///< begins anew
     /// The clock to measure by, which outlives its use; null for the machine's own, whatever clock is in force.
     void setClock(const Clock* clock) { clock_ = clock; }
 

@@ -15,21 +15,21 @@ class UIWindow;
 class FLAREBOX_EXPORT FrameTimeGraph : public UIView {
     FLAREBOX_CLASS(FrameTimeGraph)
 public:
-    static constexpr std::size_t frameCount = 120;
+    static constexpr std::size_t frameCount = 120;  ///< that are shown
 
     FrameTimeGraph();
 
     /// Seconds of the whole frame, and of what the kit used of it: `update` and `draw`.
     void addFrame(double whole, double kit);
-    /// Of the frames shown; 0 before the first.
+    /// In seconds, of the frames shown; 0 before the first.
     double longestFrame() const;
-    double longestShareOfKit() const;
+    double longestShareOfKit() const;  ///< the same of the kit alone
 
     /// In the lower right corner.
     void showInWindow(UIWindow& window);
-    void removeFromSuperview() override;
-    void drawRect(Canvas& canvas, const CGRect& bounds) override;
-    bool drawsContent() const override { return true; }
+    void removeFromSuperview() override;                           ///< ends it
+    void drawRect(Canvas& canvas, const CGRect& bounds) override;  ///< the bars
+    bool drawsContent() const override { return true; }            ///< always
 
 private:
     void place();

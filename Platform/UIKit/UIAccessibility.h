@@ -33,16 +33,11 @@ FLAREBOX_EXPORT std::string_view nameOf(UIAccessibilityRole role);
 
 /// Something in a window that assistive technology tells of, as it is at this moment.
 struct UIAccessibilityElement {
-    /// Never null.
-    Ref<UIView> view;
-    /// Its name; empty or absent where it has none.
-    NSString label;
-    /// What it is set to, or shows; empty or absent for most.
-    NSString value;
-    /// What it is, and what can be done with it.
-    UIAccessibilityTraits traits = UIAccessibilityTraits::None;
-    /// The traits in one word.
-    UIAccessibilityRole role = UIAccessibilityRole::None;
+    Ref<UIView> view;                                            ///< never null
+    NSString label;                                              ///< its name in the player's language
+    NSString value;                                              ///< what it stands at; absent for most
+    UIAccessibilityTraits traits = UIAccessibilityTraits::None;  ///< in bits
+    UIAccessibilityRole role = UIAccessibilityRole::None;        ///< the same in one word
     /// The part that can be seen, in points of the window.
     CGRect frame;
 };

@@ -18,13 +18,14 @@ public:
     static UIFont fontWithName(std::string_view name, CGFloat size);
     /// The family's name as the font file has it; empty for the system font.
     static UIFont fontWithFamily(std::string_view family, CGFloat size, UIFontWeight weight = UIFontWeight::Regular);
+    /// `size` in points, here and above.
     static UIFont systemFontOfSize(CGFloat size, UIFontWeight weight = UIFontWeight::Regular);
 
     /// Empty for the system font.
     const std::string& family() const { return family_; }
-    UIFontWeight weight() const { return weight_; }
-    CGFloat pointSize() const { return size_; }
-    UIFont fontWithSize(CGFloat size) const;
+    UIFontWeight weight() const { return weight_; }  ///< what was asked for
+    CGFloat pointSize() const { return size_; }      ///< 17 unless given
+    UIFont fontWithSize(CGFloat size) const;         ///< the same in another size
     friend bool operator==(const UIFont&, const UIFont&) = default;
 
 private:

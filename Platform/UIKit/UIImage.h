@@ -24,10 +24,10 @@ public:
     /// Twice the sharpest screen each way, and what that takes well packed: several pictures arrive at the same time,
     /// and the one that is being decoded takes up to nine bytes a pixel.
     static constexpr std::size_t maximumDataLength = std::size_t{8} << 20;
-    static constexpr std::int64_t maximumPixelCount = std::int64_t{4096} * 4096;
+    static constexpr std::int64_t maximumPixelCount = std::int64_t{4096} * 4096;  ///< see there
 
-    using PixelSize = flarebox::PixelSize;
-    using Room = PictureRoom;
+    using PixelSize = flarebox::PixelSize;  ///< width and height
+    using Room = PictureRoom;               ///< where a picture is to be shown
 
     /// Decodes PNG, JPEG, WebP, or the first frame of a GIF, and keeps no more pixels than it takes in the room.
     /// Null when the data is too long, of another format, damaged, or too large; `error` (may be null) then says why:
@@ -41,9 +41,9 @@ public:
     /// Null when the sizes are not positive or do not match the number of pixels.
     static Ref<UIImage> imageWithPixels(int width, int height, std::vector<std::uint32_t> pixels, CGFloat scale = 1);
 
-    int pixelWidth() const { return pixelSize_.width; }
-    int pixelHeight() const { return pixelSize_.height; }
-    const PixelSize& pixelSize() const { return pixelSize_; }
+    int pixelWidth() const { return pixelSize_.width; }        ///< at least 1
+    int pixelHeight() const { return pixelSize_.height; }      ///< at least 1
+    const PixelSize& pixelSize() const { return pixelSize_; }  ///< of what is kept
     /// Rows from the top, without gaps.
     std::span<const std::uint32_t> pixels() const { return pixels_; }
     /// Pixels per point of the whole picture.
@@ -69,15 +69,16 @@ public:
     /// Whether `sizedFor` of that room gives the picture all the pixels that it takes there.
     bool canBeSizedFor(const Room& room) const;
 
-    std::string description() const override;
+    std::string description() const override;  ///< for the log
 
     /// For the class itself: what is the same for a picture in all its sizes.
     struct Origin {
-        PixelSize size;
-        CGFloat scale = 1;
+        PixelSize size;     ///< of the whole picture
+        CGFloat scale = 1;  ///< pixels per point
         /// Absent where the pixels are all there is.
         NSData data;
     };
+    /// For the class itself.
     UIImage(PixelSize size, std::vector<std::uint32_t> pixels, std::shared_ptr<const Origin> origin);
 
 private:

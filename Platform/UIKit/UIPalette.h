@@ -16,7 +16,7 @@ namespace flarebox {
 /// of a brand's look is in one place. A plain value; one is in force at a time. Main thread.
 class FLAREBOX_EXPORT UIPalette {
 public:
-    /// What a colour is for.
+    /// A colour, by where it stands.
     enum class Shade : std::uint8_t {
         Panel,           ///< behind everything
         Strip,           ///< behind the buttons at the panel's right
@@ -38,16 +38,14 @@ public:
         OpenButton,      ///< behind the open button's sign
         OpenButtonText,  ///< that sign, and the text along the button
     };
-    /// How many there are.
-    static constexpr std::size_t shadeCount = 19;
-    /// Whose corners are rounded.
+    static constexpr std::size_t shadeCount = 19;  ///< of them
+    /// What has round corners.
     enum class Corner : std::uint8_t { Panel, Button, Picture, Message, OpenButton };
     static constexpr std::size_t cornerCount = 5;   ///< of them
     static constexpr CGFloat largestRadius = 1000;  ///< in points
     /// What has a typeface of its own; Text is everything but the others.
     enum class Typeface : std::uint8_t { Text, Title, Button };
-    /// How many there are.
-    static constexpr std::size_t typefaceCount = 3;
+    static constexpr std::size_t typefaceCount = 3;  ///< of them
 
     /// The platform's own look.
     UIPalette();
@@ -58,31 +56,27 @@ public:
     /// follow when they are shown next.
     static void setCurrent(const UIPalette& palette);
 
-    /// What views have in this place.
+    /// Opaque unless it was set otherwise.
     const UIColor& color(Shade shade) const { return colors_[static_cast<std::size_t>(shade)]; }
-    /// Of any opacity.
+    /// Takes any: what is to be seen well needs a `contrastRatio` to what lies behind it.
     void setColor(Shade shade, const UIColor& color) { colors_[static_cast<std::size_t>(shade)] = color; }
-    /// In points.
+    /// In points, 0 for square corners.
     CGFloat radius(Corner corner) const { return radii_[static_cast<std::size_t>(corner)]; }
     /// From 0 to largestRadius; what is beyond is moved there, and what is no number is 0.
     void setRadius(Corner corner, CGFloat radius);
     /// Of that size in points.
     UIFont font(Typeface typeface, CGFloat size, UIFontWeight weight = UIFontWeight::Regular) const;
-    /// Empty for the system font.
+    /// Of a family that is installed, or that a font file has brought; empty for the system font.
     void setFamily(Typeface typeface, std::string family);
 
     /// The names in layout files and themes, in the order of the values: "panel", "secondaryText", ….
     static std::span<const std::string_view> shadeNames();
-    /// As `shadeNames`.
-    static std::span<const std::string_view> cornerNames();
-    /// As `shadeNames`.
-    static std::span<const std::string_view> typefaceNames();
+    static std::span<const std::string_view> cornerNames();    ///< in the order of Corner
+    static std::span<const std::string_view> typefaceNames();  ///< in the order of Typeface
     /// Nothing for a name that is none of them.
     static std::optional<Shade> shadeNamed(std::string_view name);
-    /// Nothing for a name that is none of them.
-    static std::optional<Corner> cornerNamed(std::string_view name);
-    /// Nothing for a name that is none of them.
-    static std::optional<Typeface> typefaceNamed(std::string_view name);
+    static std::optional<Corner> cornerNamed(std::string_view name);      ///< likewise
+    static std::optional<Typeface> typefaceNamed(std::string_view name);  ///< likewise
 
     friend bool operator==(const UIPalette&, const UIPalette&) = default;
 

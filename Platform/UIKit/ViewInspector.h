@@ -22,8 +22,9 @@ public:
     ViewInspector();
     ~ViewInspector() override;
 
+    /// One fault of a view's layout.
     struct Problem {
-        Ref<UIView> view;
+        Ref<UIView> view;  ///< never null
         /// Names the view, and says what is wrong: "lbTitle: …".
         std::string text;
     };
@@ -39,9 +40,9 @@ public:
     /// Where the mouse is, or where a finger touched last; nothing when it has left.
     void setPointer(std::optional<CGPoint> point) { pointer_ = point; }
 
-    void removeFromSuperview() override;
-    void drawRect(Canvas& canvas, const CGRect& bounds) override;
-    bool drawsContent() const override { return true; }
+    void removeFromSuperview() override;                           ///< ends it
+    void drawRect(Canvas& canvas, const CGRect& bounds) override;  ///< the borders
+    bool drawsContent() const override { return true; }            ///< always
 
 private:
     struct Box {

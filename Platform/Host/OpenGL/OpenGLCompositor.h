@@ -19,8 +19,7 @@ namespace flarebox {
 /// thread.
 class FLAREBOX_EXPORT OpenGLCompositor : public Compositor {
 public:
-    /// With the game's way to find a function of OpenGL by name; it is asked at the first frame.
-    explicit OpenGLCompositor(OpenGLResolver resolve);
+    explicit OpenGLCompositor(OpenGLResolver resolve);  ///< calls nothing yet
     /// With the context still current, unless it was lost.
     ~OpenGLCompositor() override;
     OpenGLCompositor(const OpenGLCompositor&) = delete;

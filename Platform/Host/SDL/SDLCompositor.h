@@ -18,8 +18,7 @@ namespace flarebox {
 /// colour are the game's again. The renderer must outlive it. Main thread.
 class FLAREBOX_EXPORT SDLCompositor : public Compositor {
 public:
-    /// Not null.
-    explicit SDLCompositor(SDL_Renderer* renderer);
+    explicit SDLCompositor(SDL_Renderer* renderer);  ///< of the game, which keeps it
     ~SDLCompositor() override;
     SDLCompositor(const SDLCompositor&) = delete;
     SDLCompositor& operator=(const SDLCompositor&) = delete;
