@@ -15,6 +15,8 @@ using Arguments = std::span<const std::string>;
 
 struct OperationKind {
     std::string_view name;
+    /// The arguments, as the help has them.
+    std::string_view form;
     /// The numbers of arguments that it takes, from and to.
     std::size_t fewest, most;
     Failure (*call)(Game& game, Arguments arguments);
@@ -138,30 +140,30 @@ Failure callSetGameUID(Game&, Arguments arguments) {
 }
 
 constexpr OperationKind operations[] = {
-    {"init", 0, 0, callInit},
-    {"showAtWindow", 0, 0, plain<&FlareboxView::showAtWindow>},
-    {"showAtView", 0, 1, callShowAtView},
-    {"removeFromSuperview", 0, 0, plain<&FlareboxView::removeFromSuperview>},
-    {"open", 0, 0, plain<&FlareboxView::open>},
-    {"close", 0, 0, plain<&FlareboxView::close>},
-    {"toggleFlarebox", 0, 2, callToggle},
-    {"isOpened", 0, 0, [](Game& game, Arguments) { return print("isOpened", game.tab().isOpened()); }},
-    {"showFlareboxButton", 0, 1, callShowButton},
-    {"hideFlareboxButton", 0, 0, plain<&FlareboxView::hideFlareboxButton>},
-    {"isFlareboxButtonVisible", 0, 0,
+    {"init", "", 0, 0, callInit},
+    {"showAtWindow", "", 0, 0, plain<&FlareboxView::showAtWindow>},
+    {"showAtView", "[window]", 0, 1, callShowAtView},
+    {"removeFromSuperview", "", 0, 0, plain<&FlareboxView::removeFromSuperview>},
+    {"open", "", 0, 0, plain<&FlareboxView::open>},
+    {"close", "", 0, 0, plain<&FlareboxView::close>},
+    {"toggleFlarebox", "[true|false [true|false]]", 0, 2, callToggle},
+    {"isOpened", "", 0, 0, [](Game& game, Arguments) { return print("isOpened", game.tab().isOpened()); }},
+    {"showFlareboxButton", "[true|false]", 0, 1, callShowButton},
+    {"hideFlareboxButton", "", 0, 0, plain<&FlareboxView::hideFlareboxButton>},
+    {"isFlareboxButtonVisible", "", 0, 0,
      [](Game& game, Arguments) { return print("isFlareboxButtonVisible", game.tab().isFlareboxButtonVisible()); }},
-    {"setFlareboxButtonAlpha", 1, 1, callSetAlpha},
-    {"changeRefreshDataTime", 1, 1, callChangeRefresh},
-    {"deviceUID", 0, 0, callDeviceUID},
-    {"setGameUID", 1, 1, callSetGameUID},
-    {"openKestrinProd", 0, 0, plain<&FlareboxView::openKestrinProd>},
-    {"openKestrinDev", 0, 0, plain<&FlareboxView::openKestrinDev>},
-    {"takeFocus", 0, 0, onHost<&UIHost::takeFocus>},
-    {"giveBackFocus", 0, 0, onHost<&UIHost::giveBackFocus>},
-    {"setInterfaceScale", 1, 1, callSetInterfaceScale},
-    {"setSafeAreaInsets", 4, 4, callSetSafeAreaInsets},
-    {"setReduceMotion", 1, 1, callSetReduceMotion},
-    {"updateWithNewGameUDID", 0, 0, plain<&FlareboxView::updateWithNewGameUDID>},
+    {"setFlareboxButtonAlpha", "ALPHA", 1, 1, callSetAlpha},
+    {"changeRefreshDataTime", "SECONDS", 1, 1, callChangeRefresh},
+    {"deviceUID", "", 0, 0, callDeviceUID},
+    {"setGameUID", "X", 1, 1, callSetGameUID},
+    {"openKestrinProd", "", 0, 0, plain<&FlareboxView::openKestrinProd>},
+    {"openKestrinDev", "", 0, 0, plain<&FlareboxView::openKestrinDev>},
+    {"takeFocus", "", 0, 0, onHost<&UIHost::takeFocus>},
+    {"giveBackFocus", "", 0, 0, onHost<&UIHost::giveBackFocus>},
+    {"setInterfaceScale", "FACTOR", 1, 1, callSetInterfaceScale},
+    {"setSafeAreaInsets", "TOP LEFT BOTTOM RIGHT", 4, 4, callSetSafeAreaInsets},
+    {"setReduceMotion", "true|false", 1, 1, callSetReduceMotion},
+    {"updateWithNewGameUDID", "", 0, 0, plain<&FlareboxView::updateWithNewGameUDID>},
 };
 
 std::string operationNames() {
@@ -185,6 +187,13 @@ Failure callOperation(Game& game, const std::string& name, Arguments arguments) 
     if (arguments.size() < operation->fewest || arguments.size() > operation->most)
         return "wants " + countOfArguments(*operation) + " arguments";
     return operation->call(game, arguments);
+}
+
+std::string operationsHelp() {
+    std::string text = "\nOPERATION is one of the tab, the configuration or the host adapter:\n";
+    for (const auto& [name, form, fewest, most, call] : operations)
+        text += "  " + std::string(name) + (most > 0 ? " " : "") + std::string(form) + "\n";
+    return text;
 }
 
 }  // namespace flarebox::hostgame

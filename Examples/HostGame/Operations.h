@@ -3,6 +3,7 @@
 #include "Gestures.h"
 
 #include <span>
+#include <string>
 
 namespace flarebox::hostgame {
 
@@ -10,5 +11,7 @@ namespace flarebox::hostgame {
 /// "toggleFlarebox:animated:"), with arguments as texts. What it answers is printed. `init` makes another tab, which
 /// the script means from then on.
 Failure callOperation(Game& game, const std::string& name, std::span<const std::string> arguments);
+/// All of them, with what they take.
+std::string operationsHelp();
 
 }  // namespace flarebox::hostgame

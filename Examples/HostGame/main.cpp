@@ -1,4 +1,5 @@
 #include "Game.h"
+#include "Operations.h"
 #include "Options.h"
 #include "Recorder.h"
 #include "Runner.h"
@@ -75,7 +76,7 @@ int main(int count, char** arguments) {
     const ParsedOptions parsed = parseOptions({arguments + 1, static_cast<std::size_t>(count > 0 ? count - 1 : 0)});
     if (!parsed.error.empty()) return fail(misused, parsed.error);
     if (parsed.options.showsHelp) {
-        std::fputs(helpText().c_str(), stdout);
+        std::fputs((helpText() + operationsHelp()).c_str(), stdout);
         return succeeded;
     }
     return run(parsed.options);

@@ -41,7 +41,8 @@ TEST(CommandLineTest, ExplainsItself) {
     const TemporaryDirectory folder;
     const GameResult result = runProgram(folder, FLAREBOX_HOSTGAME, {"--help"});
     EXPECT_EQ(result.status, 0);
-    for (const char* word : {"--headless", "--api-url", "--no-session", "--can-open", "await", "orientation"}) {
+    for (const char* word : {"--headless", "--api-url", "--no-session", "--can-open", "await", "orientation",
+                             "setSafeAreaInsets TOP LEFT BOTTOM RIGHT"}) {
         EXPECT_THAT(result.output, HasSubstr(word));
     }
 }
