@@ -10,6 +10,7 @@ largest=$((200 * 1024))
 status=0
 complain() { echo "pre-commit: $*" >&2; status=1; }
 mapfile -d '' -t staged < <(git diff --cached --name-only --diff-filter=d -z)
+[ ${#staged[@]} != 0 ] || exit 0
 
 for file in "${staged[@]}"; do
     size=$(git cat-file -s ":$file")
@@ -17,15 +18,14 @@ for file in "${staged[@]}"; do
     if [ "$size" -gt "$largest" ] && [ "$(git diff --cached --numstat -- "$file" | cut -f 1)" = - ]; then
         complain "$file is binary and has $size bytes; at most $largest are let in"
     fi
-    case "$file" in
-        *.cpp | *.h)
-            [[ $file == Flarebox/C/*.h ]] && continue  # C has a form of its own
-            git show ":$file" | clang-format --dry-run --Werror --assume-filename="$file" 2>/dev/null || complain "clang-format -i $file"
-            ;;
-    esac
 done
+# What is committed may differ from what lies in the working tree.
+commit=$(mktemp -d)
+trap 'rm -rf "$commit"' EXIT
+git checkout-index --all --prefix="$commit/"
+"$commit/scripts/format.sh" "${staged[@]}" || complain "clang-format has something to say"
 if [ -e build/debug/Examples/HostGame/flarebox-hostgame ] && printf '%s\n' "${staged[@]}" | grep -qE '\.md$|^Tests/Docs/'; then
-    python3 -B Tests/Docs/check.py build/debug >&2 || complain "the documentation is wrong"
+    python3 -B "$commit/Tests/Docs/check.py" build/debug >&2 || complain "the documentation is wrong"
 fi
 if [ -n "${TIDY:-}" ]; then
     scripts/tidy.sh >&2 || complain "clang-tidy found something"

@@ -9,7 +9,14 @@
 #include <string.h>
 #include <time.h>
 
-enum { WIDTH = 667, HEIGHT = 375, SCALE = 2, PIXELS_WIDE = WIDTH * SCALE, PIXELS_HIGH = HEIGHT * SCALE, TEXTURES = 256 };
+enum {
+    WIDTH = 667,
+    HEIGHT = 375,
+    SCALE = 2,
+    PIXELS_WIDE = WIDTH * SCALE,
+    PIXELS_HIGH = HEIGHT * SCALE,
+    TEXTURES = 256
+};
 
 typedef struct texture {
     uint32_t *pixels;

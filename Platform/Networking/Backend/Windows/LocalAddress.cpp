@@ -1,4 +1,5 @@
-// clang-format off: the system's headers need each other in this order
+// The system's headers need each other in this order.
+// clang-format off
 #include <winsock2.h>
 #include <ws2tcpip.h>
 #include <iphlpapi.h>
