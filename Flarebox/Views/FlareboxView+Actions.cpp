@@ -102,6 +102,8 @@ void FlareboxView::startPlayingVideo() {
 void FlareboxView::stopVideo() {
     btnOpen_->setHidden(false);
     if (UIWindow* window = mainWindow()) window->bringSubviewToFront(*this);
+    // The panel's shadow falls beside it, not on its own button.
+    if (UIView* parent = btnOpen_->superview()) parent->bringSubviewToFront(*btnOpen_);
 }
 
 }  // namespace flarebox
