@@ -33,7 +33,7 @@ constexpr Pair pairs[] = {
     {Success, Panel, ofSigns},
     {Error, Panel, ofSigns},
     {DisabledSign, Panel, ofSigns},
-    {DisabledSign, Strip, ofSigns},
+    {DisabledSign, Strip, ofTexts},
     {Decoration, Panel, ofSigns},
     {Decoration, Content, ofSigns},
     {Placeholder, Content, ofSigns},

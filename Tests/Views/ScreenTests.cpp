@@ -172,7 +172,7 @@ protected:
         for (const auto& subview : view.subviews()) check(*subview);
     }
     void press(UIView& view, bool isPressed) {
-        if (auto* button = objectCast<UIButton>(&view)) button->setHighlighted(isPressed);
+        if (auto* button = objectCast<UIButton>(&view)) button->setHighlighted(isPressed && button->isEnabled());
         for (const auto& subview : view.subviews()) press(*subview, isPressed);
     }
 
