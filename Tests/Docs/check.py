@@ -3,7 +3,8 @@
     check.py BUILD      BUILD is the folder that the project was built in
 
 Fragments and programs in C and C++ are compiled with the tests (pages.py), what the kit reads itself is read by DocsTests. Commands
-are run; those that install, build the whole or take long are held against what they name: packages, targets, presets, options.
+are run, those that show a window on one that nobody sees; those that install or build the whole are held against what they name:
+packages, targets, presets, options.
 """
 
 import pathlib

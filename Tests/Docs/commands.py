@@ -1,5 +1,6 @@
 """What the pages' commands are held against, and how they are performed."""
 
+import functools
 import os
 import pathlib
 import re
@@ -27,7 +28,6 @@ class Sources:
         scripts = [path for path in tracked("*", "scripts/*") if path.is_file() and path.suffix in ("", ".sh", ".py")]
         self.scripts = "\n".join(path.read_text() for path in scripts)
         self.cmake = "\n".join(path.read_text() for path in tracked("CMakeLists.txt", "*/CMakeLists.txt", "*/*/CMakeLists.txt", "*/*/*/CMakeLists.txt", "cmake/**/*.*"))
-        self.presets = (REPOSITORY / "CMakePresets.json").read_text()
         self.packages = set("\n".join(path.read_text() for path in tracked("scripts/packages*.txt")).split())
         self.examples = "\n".join(path.read_text() for path in tracked("Examples/**/*.cpp", "Examples/**/*.c", "Examples/**/*.py"))
         self.headers = "\n".join(path.read_text() for path in tracked("Flarebox/**/*.h", "Platform/**/*.h"))
@@ -131,9 +131,10 @@ class Runner:
             option = re.match(r"-D(FLAREBOX_\w+)", word)
             if option and not re.search(rf"\b{option[1]}\b", self.sources.cmake):
                 return f"no option {option[1]}"
+        kind = "test" if words[0] == "ctest" else "build" if "--build" in words else "configure"
         for option, value in zip(words, words[1:]):
-            if option == "--preset" and f'"name": "{value}"' not in self.sources.presets:
-                return f"no preset {value}"
+            if option == "--preset" and value not in presets(kind):
+                return f"no {kind} preset {value}"
         return self.configure(words) if (self.folder / "CMakeLists.txt").exists() and "-S" in words else None
 
     def configure(self, words):
@@ -150,16 +151,14 @@ class Runner:
         program = self.program(name)
         if not program:
             return f"{name} is not built"
-        words = [program] + [self.with_port(word) for word in words[1:]]
+        words = [program] + [self.in_repository(self.with_port(word)) for word in words[1:]]
         if any(re.fullmatch(PLACEHOLDER, word) for word in words):
             return self.run([program, "--help"])
         if name == "flarebox-service":
             return self.start_service(words)
         if "--headless" in words or "--help" in words:
-            return self.run(words) or self.lacks_picture(words)
-        if name == "flarebox-hostgame":
-            return self.run(words + ["--help"])
-        return self.run_until_asked(words)
+            return self.run(words) or self.lacks_file(words)
+        return self.run_until_asked(words) or self.lacks_file(words)
 
     def start_service(self, words):
         """On a free port, whatever the page says: `with_port` makes up for it."""
@@ -176,9 +175,13 @@ class Runner:
             word = word.replace(f"127.0.0.1:{port}", f"127.0.0.1:{real}")
         return word
 
-    def lacks_picture(self, words):
+    def in_repository(self, word):
+        """The reader is in the repository's folder; what the command writes goes elsewhere."""
+        return str(REPOSITORY / word) if word.startswith(("Examples/", "Flarebox/")) else word
+
+    def lacks_file(self, words):
         for option, value in zip(words, words[1:]):
-            if option == "--screenshot" and not (self.folder / value).exists():
+            if option in ("--screenshot", "--record") and not (self.folder / value).exists():
                 return f"{value} was not written"
         return None
 
@@ -203,6 +206,13 @@ class Runner:
             if not is_part and not re.fullmatch(rf"[\d.]+|{PLACEHOLDER}", word) and not re.search(rf"(?<![\w-]){re.escape(word)}(?!\w)", explained):
                 return f"{path} says nothing of {word}"
         return None
+
+
+@functools.cache
+def presets(kind):
+    """Those that CMake itself finds."""
+    listed = subprocess.run(["cmake", f"--list-presets={kind}"], cwd=REPOSITORY, check=True, stdout=subprocess.PIPE, text=True).stdout
+    return re.findall(r'^ +"([^"]+)"', listed, re.M)
 
 
 def handles_termination(process):
