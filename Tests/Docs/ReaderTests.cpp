@@ -15,6 +15,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <map>
 #include <sstream>
 
@@ -50,13 +51,25 @@ std::string readLayout(const std::string& text) {
     return made.empty() ? error->localizedDescription() : "";
 }
 
-/// What the log has to say of it.
-std::string readTheme(const std::filesystem::path& file) {
+/// What the log says meanwhile, a line a message.
+std::string loggedBy(const std::function<void()>& action) {
     std::string said;
-    LogSink::set([&](LogLevel, std::string_view message) { said += message; });
-    if (!Theme::themeWithFile(file.string())) said += "no theme";
+    LogSink::set([&](LogLevel, std::string_view message) { said += std::string(message) + "\n"; });
+    action();
     LogSink::set(nullptr);
     return said;
+}
+
+std::string contentsOf(const std::filesystem::path& file) {
+    std::stringstream text;
+    text << std::ifstream(file).rdbuf();
+    return text.str();
+}
+
+std::string readTheme(const std::filesystem::path& file) {
+    bool isTheme = false;
+    const std::string said = loggedBy([&] { isTheme = Theme::themeWithFile(file.string()) != nullptr; });
+    return isTheme ? said : said + "no theme";
 }
 
 std::string readJSON(const std::string& text) {
@@ -89,10 +102,25 @@ TEST(ReaderTest, ReadsWhatThePagesShow) {
     for (const auto& file : std::filesystem::directory_iterator(PAGES "/data")) {
         const auto reader = readers.find(file.path().extension().string());
         if (reader == readers.end()) continue;
-        std::stringstream text;
-        text << std::ifstream(file.path()).rdbuf();
-        const bool isTheme = text.str().find("<theme>") != std::string::npos;
-        EXPECT_EQ(isTheme ? readTheme(file.path()) : reader->second(text.str()), "") << file.path();
+        const std::string text = contentsOf(file);
+        const bool isTheme = text.find("<theme>") != std::string::npos;
+        EXPECT_EQ(isTheme ? readTheme(file) : reader->second(text), "") << file.path();
+        ++count;
+    }
+    EXPECT_GE(count, 2);
+}
+
+TEST(ReaderTest, SaysOfWrongFilesWhatThePagesShow) {
+    int count = 0;
+    for (const auto& said : std::filesystem::directory_iterator(PAGES "/says")) {
+        const std::filesystem::path name = said.path().filename(), file = WRONG_FILES / name;
+        const std::string log = loggedBy([&] {
+            if (name == "theme.xml")
+                Theme::themeWithFile(file.string());
+            else
+                UINib::nibWithText(contentsOf(file), name.string())->instantiateWithOwner(nullptr);
+        });
+        EXPECT_EQ(log, contentsOf(said));
         ++count;
     }
     EXPECT_GE(count, 2);

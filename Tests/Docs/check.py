@@ -58,6 +58,8 @@ def check_block(block, runner):
             complain(block.place, f"there is no rule \"{rule}\"")
     if "by" in rules and block.page.name not in text_of(rules["by"]):
         complain(block.place, f"{rules['by']} does not follow this page")
+    if "says" in rules and not (REPOSITORY / rules["says"]).is_file():
+        complain(block.place, f"there is no {rules['says']}")
     if "from" in rules:
         check_quote(block)
     if "file" in rules:

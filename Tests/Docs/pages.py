@@ -1,7 +1,8 @@
 """The pages of the documentation and their code blocks.
 
     pages.py extract FOLDER     writes what is to be compiled and read into FOLDER: `in-HARNESS.cpp`, every fragment in its
-                                harness; `program-NAME.cpp`, every whole program; `data/*`, what the kit itself reads
+                                harness; `program-NAME.cpp`, every whole program; `data/*`, what the kit itself reads; `says/*`, what it
+                                says of files that are wrong
     pages.py walk PAGE          prints the steps of a page that is followed from top to bottom, as JSON: files and commands
 
 A block says what becomes of it in a comment above it, unless its language says so already:
@@ -11,6 +12,7 @@ A block says what becomes of it in a comment above it, unless its language says 
     <!-- program: NAME -->      a whole program, compiled and run
     <!-- file: NAME -->         a file that the reader makes; programs among them are compiled and run as well
     <!-- by: FILE -->           FILE, a script or a test, follows this page: it names it
+    <!-- says: FILE -->         what the log says when the kit reads FILE, a layout or a theme
     <!-- shows: WHAT -->        nothing that anybody types: what a program prints, a form, a folder
 """
 
@@ -22,7 +24,7 @@ from dataclasses import dataclass, field
 
 REPOSITORY = pathlib.Path(__file__).resolve().parents[2]
 HARNESSES = REPOSITORY / "Tests/Docs/Harness"
-RULES = ("from", "in", "program", "file", "by", "shows")
+RULES = ("from", "in", "program", "file", "by", "says", "shows")
 #: Languages that the kit's own readers, or its sample game, are given.
 DATA = ("json", "xml", "plist", "strings", "script", "theme")
 
@@ -114,6 +116,8 @@ def sources():
             elif "program" in block.rules or ("file" in block.rules and block.is_program()):
                 name = block.rules.get("program", page.path.stem)
                 yield f"program-{name}.{ending}", f'#line {block.line} "{block.page}"\n{block.text}'
+            elif "says" in block.rules:
+                yield f"says/{pathlib.Path(block.rules['says']).name}", block.text
             elif block.language in DATA:
                 yield f"data/{block.name}.{block.language}", block.text
     for name, blocks in harnesses.items():
