@@ -186,7 +186,32 @@ def in_literals(text, runner):
     return text in joined
 
 
+# The reference.
+
+INCLUDE = re.compile(r"^#include <((?:Flarebox|AVFoundation|Foundation|Host|Networking|SceneKit|UIKit)/\S+)>", re.M)
+#: A macro of ours, and nothing to look up.
+WITHOUT_REFERENCE = {"Foundation/Export.h"}
+
+
+def headers_of_games():
+    """What games include, by where that is said: the pages and their harnesses, and what comes with the hosts and with Flarebox.h."""
+    hosts = ["Flarebox/Flarebox.h", "Platform/UIKit/UIHost.h", *REPOSITORY.glob("Platform/Host/*/*Host.h")]
+    for path in [*pages.page_paths(), *pages.HARNESSES.iterdir(), REPOSITORY / "Tests/Docs/PageTesting.h", *hosts]:
+        text = (REPOSITORY / path).read_text()
+        for header in INCLUDE.findall(text) + re.findall(r"\]\((?:\.\./)?(?:Platform/)?([\w/+]+\.h)\)", text):
+            yield path, header
+
+
+def check_reference():
+    listed = re.findall(r"^ +(\S+)", text_of("Docs/Doxyfile").partition("\nINPUT =")[2], re.M)
+    for path, header in headers_of_games():
+        known = any(folder + header == entry or (folder + header).startswith(entry + "/") for folder in ("", "Platform/") for entry in listed)
+        if not known and header not in WITHOUT_REFERENCE:
+            complain(f"{(REPOSITORY / path).relative_to(REPOSITORY)}", f"{header} is not in the INPUT of Docs/Doxyfile")
+
+
 def main(build):
+    check_reference()
     sources = Sources()
     for page in pages.pages():
         with tempfile.TemporaryDirectory() as folder:
