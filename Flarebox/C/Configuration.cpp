@@ -1,4 +1,5 @@
 #include <AVFoundation/AVPlayer.h>
+#include <AdSupport/ASIdentifierManager.h>
 #include <Flarebox/C/Guard.h>
 #include <Flarebox/Core/FlareboxBundle.h>
 #include <Flarebox/Core/FlareboxConfig.h>
@@ -80,6 +81,16 @@ flarebox_result configurePlaces(const flarebox_configuration& configuration) {
 
 }  // namespace
 
+bool copyTexts(const char* const* from, std::size_t count, std::vector<std::string>& to) {
+    const bool areTexts =
+        (from || count == 0) && std::all_of(from, from + count, [](const char* text) { return text && *text; });
+    if (areTexts)
+        to.assign(from, from + count);
+    else
+        failed(FLAREBOX_INVALID_ARGUMENT, "a text of the list is null or empty, or the list itself is null");
+    return areTexts;
+}
+
 flarebox_result failed(flarebox_result result, std::string reason) noexcept {
     lastError = std::move(reason);
     return result;
@@ -138,6 +149,31 @@ flarebox_result flarebox_set_theme(const char* file) {
 flarebox_result flarebox_set_muted(bool muted) {
     return guarded([&] {
         AVPlayer::setEverythingMuted(muted);
+        return FLAREBOX_OK;
+    });
+}
+
+bool flarebox_is_muted(void) {
+    bool isMuted = false;
+    guarded([&] {
+        isMuted = AVPlayer::isEverythingMuted();
+        return FLAREBOX_OK;
+    });
+    return isMuted;
+}
+
+flarebox_result flarebox_set_languages(const char* const* languages, std::size_t count) {
+    return guarded([&] {
+        std::vector<std::string> known;
+        if (!copyTexts(languages, count, known)) return FLAREBOX_INVALID_ARGUMENT;
+        NSBundle::setPreferredLanguages(std::move(known));
+        return FLAREBOX_OK;
+    });
+}
+
+flarebox_result flarebox_set_tracking_allowed(bool allowed) {
+    return guarded([&] {
+        ASIdentifierManager::sharedManager().setAdvertisingTrackingEnabled(allowed);
         return FLAREBOX_OK;
     });
 }

@@ -12,6 +12,7 @@
 #include <new>
 #include <string>
 #include <type_traits>
+#include <vector>
 
 namespace flarebox::c {
 
@@ -120,5 +121,8 @@ bool copyStruct(const Struct* from, std::size_t sizeOfFirstVersion, Struct& to) 
     std::copy_n(bytes, std::min(from->struct_size, sizeof to), reinterpret_cast<unsigned char*>(&to));
     return true;
 }
+
+/// The texts of a list of C. False where the list or one of them is null, or a text is empty.
+bool copyTexts(const char* const* from, std::size_t count, std::vector<std::string>& to);
 
 }  // namespace flarebox::c

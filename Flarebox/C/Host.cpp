@@ -164,6 +164,21 @@ bool flarebox_host_needs_display(flarebox_host* host) {
     return needs;
 }
 
+flarebox_result flarebox_host_set_turn_budget(flarebox_host* host, double seconds) {
+    if (!(seconds >= 0)) return failed(FLAREBOX_INVALID_ARGUMENT, "the budget has to be seconds");
+    return with(hosts(), host, [&](Host& object) { object.panel.setTurnBudget(seconds); });
+}
+
+double flarebox_host_longest_turn(flarebox_host* host) {
+    double seconds = 0;
+    with(hosts(), host, [&](Host& object) { seconds = object.panel.longestTurn().seconds(); });
+    return seconds;
+}
+
+flarebox_result flarebox_host_reset_longest_turn(flarebox_host* host) {
+    return with(hosts(), host, [](Host& object) { object.panel.resetLongestTurn(); });
+}
+
 flarebox_result flarebox_host_draw(flarebox_host* host) {
     return with(hosts(), host, [](Host& object) { object.panel.draw(*object.compositor); });
 }

@@ -53,6 +53,8 @@ struct Tab : FlareboxViewDelegate {
     Ref<FlareboxView> view;
     flarebox_observer observer = FLAREBOX_OBSERVER;
     flarebox_tab* handle = nullptr;
+    /// As last asked for.
+    std::string shownUid;
 };
 
 Handles<Tab, flarebox_tab>& tabs() {
@@ -131,6 +133,40 @@ bool flarebox_tab_is_open(flarebox_tab* tab) {
 
 flarebox_result flarebox_tab_show_button(flarebox_tab* tab, bool show) {
     return withView(tab, [&](FlareboxView& view) { view.showFlareboxButton(show); });
+}
+
+bool flarebox_tab_is_button_visible(flarebox_tab* tab) {
+    bool isVisible = false;
+    withView(tab, [&](FlareboxView& view) { isVisible = view.isFlareboxButtonVisible(); });
+    return isVisible;
+}
+
+const char* flarebox_tab_asset(flarebox_tab* tab) {
+    const char* uid = nullptr;
+    with(tabs(), tab, [&](Tab& object) {
+        const Ref<FXAssetInfo>& asset = object.view->currentAsset();
+        object.shownUid = asset ? asset->uid().string() : "";
+        uid = object.shownUid.c_str();
+    });
+    return uid;
+}
+
+std::int32_t flarebox_tab_mode(flarebox_tab* tab) {
+    std::int32_t mode = -1;
+    withView(tab, [&](FlareboxView& view) { mode = static_cast<std::int32_t>(view.currentAssetMode()); });
+    return mode;
+}
+
+flarebox_result flarebox_tab_set_mode(flarebox_tab* tab, std::int32_t mode) {
+    if (mode < FLAREBOX_MODE_2D || mode > FLAREBOX_MODE_VIDEO)
+        return failed(FLAREBOX_INVALID_ARGUMENT, "there is no such mode");
+    return withView(tab, [&](FlareboxView& view) {
+        const auto wanted = static_cast<AssetMode>(mode);
+        if (!view.currentAsset() || !view.isEnabledMode(wanted))
+            return failed(FLAREBOX_FAILED, "there is nothing to show in that mode");
+        view.changeAssetMode(wanted);
+        return FLAREBOX_OK;
+    });
 }
 
 flarebox_result flarebox_tab_set_button_alpha(flarebox_tab* tab, double alpha) {

@@ -103,6 +103,40 @@ FLAREBOX_API flarebox_result flarebox_set_theme(const char* file);
 
 /* The switch for the sound of all videos. */
 FLAREBOX_API flarebox_result flarebox_set_muted(bool muted);
+/* False also where the call was refused. */
+FLAREBOX_API bool flarebox_is_muted(void);
+
+/* The player's languages in order of preference, such as "de-DE" or "en", before the first tab: texts that were looked
+ * up stay as they are. None: those of the process's locale. */
+FLAREBOX_API flarebox_result flarebox_set_languages(const char* const* languages, size_t count);
+
+/* Whether the player lets the kit make an identifier of the device for advertising, in place of what the kit keeps
+ * itself (true at first); for this process, from the next load on. Without it and without a device_id nothing is
+ * loaded. */
+FLAREBOX_API flarebox_result flarebox_set_tracking_allowed(bool allowed);
+
+/* --- Links -------------------------------------------------------------------------------------------------------- */
+
+/* Who opens links outside the game. Both are called on the main thread and must not block. */
+typedef struct flarebox_url_opener {
+    size_t struct_size;                               /* set by FLAREBOX_URL_OPENER */
+    void* context;                                    /* handed to both */
+    bool (*can_open)(void* context, const char* url); /* whether something is installed that takes such links */
+    bool (*open)(void* context, const char* url);     /* true: it was handed on */
+} flarebox_url_opener;
+
+/* Starting values; both functions are needed. */
+#define FLAREBOX_URL_OPENER \
+    { sizeof(flarebox_url_opener), 0, 0, 0 }
+
+/* Null: the desktop's own way. Lasts longer than a host; the former opener is not called any more once this returns. */
+FLAREBOX_API flarebox_result flarebox_set_url_opener(const flarebox_url_opener* opener);
+/* The only schemes that links may have, in lower case, in place of "http", "https" and "app-prefs". None: no link is
+ * opened. */
+FLAREBOX_API flarebox_result flarebox_set_schemes(const char* const* schemes, size_t count);
+/* Opens a link as the panel does, without asking should_open_link: for one that was refused there, once the game has
+ * paused. Fails where such links are not opened, or nothing opens this one. */
+FLAREBOX_API flarebox_result flarebox_open_link(const char* url);
 
 /* --- What the game has itself ------------------------------------------------------------------------------------- */
 
@@ -314,6 +348,14 @@ FLAREBOX_API flarebox_result flarebox_host_draw(flarebox_host* host);
  * inside any callback. */
 FLAREBOX_API flarebox_result flarebox_host_release_textures(flarebox_host* host);
 
+/* Seconds for which one of these calls may hold the main thread: of one that takes longer, the log tells at level 1
+ * what took the time. 0, as at first: nothing is measured. INFINITY: everything is, and nothing logged. */
+FLAREBOX_API flarebox_result flarebox_host_set_turn_budget(flarebox_host* host, double seconds);
+/* Seconds of the longest call that was measured, since the last reset; 0 for none. */
+FLAREBOX_API double flarebox_host_longest_turn(flarebox_host* host);
+/* Begins the search for the longest call anew. */
+FLAREBOX_API flarebox_result flarebox_host_reset_longest_turn(flarebox_host* host);
+
 /* --- Tab ---------------------------------------------------------------------------------------------------------- */
 
 /* The panel with its open button. */
@@ -362,8 +404,17 @@ FLAREBOX_API flarebox_result flarebox_tab_close(flarebox_tab* tab, bool animated
 FLAREBOX_API bool flarebox_tab_is_open(flarebox_tab* tab);
 /* The open button at the tab's edge. Hiding it closes the tab. */
 FLAREBOX_API flarebox_result flarebox_tab_show_button(flarebox_tab* tab, bool show);
+/* As said last, whether the tab is attached or not. */
+FLAREBOX_API bool flarebox_tab_is_button_visible(flarebox_tab* tab);
 /* 0, invisible, to 1. */
 FLAREBOX_API flarebox_result flarebox_tab_set_button_alpha(flarebox_tab* tab, double alpha);
+/* The uid of the product that is shown, "" while there is none; null, with flarebox_last_error, where the call was
+ * refused. Valid until the next call of this function, or the tab's end. */
+FLAREBOX_API const char* flarebox_tab_asset(flarebox_tab* tab);
+/* What the content area shows, a flarebox_mode; -1, with flarebox_last_error, where the call was refused. */
+FLAREBOX_API int32_t flarebox_tab_mode(flarebox_tab* tab);
+/* Shows the product in another flarebox_mode. Fails where there is no product, or nothing of it to show so. */
+FLAREBOX_API flarebox_result flarebox_tab_set_mode(flarebox_tab* tab, int32_t mode);
 /* Seconds between two lists, not less than 0; 0: 180. Holds for all tabs, as the configuration's does. */
 FLAREBOX_API flarebox_result flarebox_tab_set_refresh(flarebox_tab* tab, int32_t seconds);
 /* Starts anew with what is configured now. */

@@ -3,6 +3,7 @@
 #include <Flarebox/C/flarebox.h>
 #include <Flarebox/Core/FlareboxConfig.h>
 #include <Foundation/MainQueue.h>
+#include <Tests/C/RendererTesting.h>
 #include <Tests/Views/TabTesting.h>
 #include <UIKit/UIApplication.h>
 #include <UIKit/UIHost.h>
@@ -20,24 +21,6 @@
 namespace flarebox::testing {
 namespace {
 
-/// What the game's renderer works with.
-struct Drawing {
-    int textures = 0;
-    std::function<void()> inQuad;
-};
-
-std::uint32_t createTexture(void* drawing, std::int32_t, std::int32_t) {
-    return static_cast<std::uint32_t>(++static_cast<Drawing*>(drawing)->textures);
-}
-void updateTexture(void*, std::uint32_t, std::int32_t, std::int32_t, std::int32_t, std::int32_t, const std::uint32_t*,
-                   std::int32_t) {}
-void destroyTexture(void* drawing, std::uint32_t) {
-    --static_cast<Drawing*>(drawing)->textures;
-}
-void drawQuad(void* drawing, const flarebox_quad*) {
-    if (const auto& inQuad = static_cast<Drawing*>(drawing)->inQuad) inQuad();
-}
-
 class ContractTest : public ::testing::Test {
 protected:
     ContractTest() { sharedService(); }
@@ -45,17 +28,8 @@ protected:
         flarebox_host_destroy(host_);
         EXPECT_EQ(drawing_.textures, 0);
     }
-    flarebox_renderer renderer() {
-        flarebox_renderer made = FLAREBOX_RENDERER;
-        made.context = &drawing_;
-        made.create_texture = createTexture;
-        made.update_texture = updateTexture;
-        made.destroy_texture = destroyTexture;
-        made.draw_quad = drawQuad;
-        return made;
-    }
     void makeHost() {
-        const flarebox_renderer drawing = renderer();
+        const flarebox_renderer drawing = rendererOf(drawing_);
         host_ = flarebox_host_create(667, 375, 2, &drawing);
         ASSERT_TRUE(host_) << flarebox_last_error();
     }
@@ -64,7 +38,7 @@ protected:
 };
 
 TEST_F(ContractTest, WrongArgumentsAreRefusedWithAReason) {
-    const flarebox_renderer good = renderer();
+    const flarebox_renderer good = rendererOf(drawing_);
     flarebox_renderer unsized = good, incomplete = good;
     unsized.struct_size = 7;
     incomplete.draw_quad = nullptr;
@@ -190,7 +164,7 @@ TEST_F(ContractTest, TheHostStaysUntilTheCallbackIsOver) {
     EXPECT_TRUE(attempted([&] { flarebox_tab_open(tab, false); }));
     dispatch_async_main(attempt);
     EXPECT_TRUE(attempted([&] { flarebox_host_update(host_, 1); }));
-    drawing_.inQuad = [&] {
+    drawing_.inQuad = [&](auto&) {
         attempt();
         flarebox_tab_destroy(tab);
     };
@@ -209,7 +183,7 @@ TEST_F(ContractTest, OtherThreadsAreRefusedAndHaveTheirOwnReason) {
         EXPECT_EQ(flarebox_host_update(host_, 0), FLAREBOX_WRONG_THREAD);
         EXPECT_STREQ(flarebox_last_error(), "called from another thread than the main one");
         EXPECT_EQ(flarebox_tab_create(), nullptr);
-        const flarebox_renderer drawing = renderer();
+        const flarebox_renderer drawing = rendererOf(drawing_);
         EXPECT_EQ(flarebox_host_create(667, 375, 2, &drawing), nullptr);
     }).join();
     EXPECT_EQ(flarebox_last_error(), reason);
