@@ -44,7 +44,7 @@ public:
     /// `showFlareboxButton`.
     bool showFlareboxButton() const { return showFlareboxButton_; }
     void setShowFlareboxButton(bool show);  ///< tells those who observe it
-    /// A slot for the host, false at first.
+    /// A slot for the host, true at first.
     bool initializeOnStart() const { return initializeOnStart_; }
     void setInitializeOnStart(bool initialize);  ///< the kit itself does not look at it
     /// A slot for the host; the current game session is kept by FlareboxManager.
