@@ -364,7 +364,8 @@ typedef struct flarebox_tab flarebox_tab;
 /* What the content area shows. */
 typedef enum flarebox_mode { FLAREBOX_MODE_2D = 0, FLAREBOX_MODE_3D = 1, FLAREBOX_MODE_VIDEO = 2 } flarebox_mode;
 
-/* What a game can follow; any function may be null. Called on the main thread, after each change. */
+/* What a game can follow; any function may be null. Called on the main thread, after each change; of a
+ * link before it is opened. */
 typedef struct flarebox_observer {
     size_t struct_size;                               /* set by FLAREBOX_OBSERVER */
     void* context;                                    /* handed to every function */
@@ -378,7 +379,8 @@ typedef struct flarebox_observer {
     void (*coupon_saved)(void* context, flarebox_tab* tab, const char* uid);
     /* The player is about to leave the game. False: the link is not opened. */
     bool (*should_open_link)(void* context, flarebox_tab* tab, const char* url);
-    /* A session or a list could not be had; the tab tries again with its next refresh. `code` is one of `domain`. */
+    /* A session or a list could not be had, for want of a network or of an identifier of the device, or by the
+     * service's fault; the tab tries again with its next refresh. `code` is one of `domain`. */
     void (*load_failed)(void* context, flarebox_tab* tab, const char* domain, int32_t code, const char* reason);
 } flarebox_observer;
 

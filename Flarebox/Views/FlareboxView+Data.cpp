@@ -58,12 +58,26 @@ void FlareboxView::loadData() {
     if (!requireMainThread("FlareboxView::loadData")) return;
     assetView_->setHidden(true);
     emptyView_->setHidden(true);
-    if (!validSessionData()) return startFreshTimer();
+    if (!validSessionData()) {
+        startFreshTimer();
+        return tellMissingIdentifier();
+    }
 
     AFNetworkReachabilityManager& reachability = AFNetworkReachabilityManager::sharedManager();
     reachability.startMonitoring();
     reachability.setReachabilityStatusChangeBlock(
         [self = Ref<FlareboxView>(this)](std::int64_t status) { self->reachabilityChanged(status); });
+}
+
+void FlareboxView::tellMissingIdentifier() {
+    // At the next turn: the first load begins before the host can follow the tab.
+    dispatch_async_main([tab = Weak<FlareboxView>(this)] {
+        const Ref<FlareboxView> self = tab.lock();
+        if (!self || !self->delegate_) return;
+        self->delegate_->flareboxViewDidFailToLoad(*self,
+                                                   NSError::errorWithDomain(kApiErrorDomain, kApiMissingParamErrorCode,
+                                                                            "There is no identifier of the device"));
+    });
 }
 
 void FlareboxView::reachabilityChanged(std::int64_t status) {

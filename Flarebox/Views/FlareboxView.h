@@ -87,7 +87,8 @@ public:
     void setFlareboxButtonAlpha(double alpha);
 
     // Data.
-    /// Seconds between refreshes; 0 or less for the default. Restarts the countdown.
+    /// Seconds between refreshes; 0 or less for the default. Restarts the countdown. Kept in the configuration, so it
+    /// holds for the next countdowns of every tab.
     void changeRefreshDataTime(std::int32_t seconds);
     /// Starts a new game session; for hosts that have changed the configured game. Nothing happens offline or while a
     /// load is under way: then the former session stays in use until this is called again.
@@ -227,6 +228,7 @@ private:
 
     // FlareboxView+Data.cpp
     void startLoad(const std::function<void()>& load);
+    void tellMissingIdentifier();
     void reachabilityChanged(std::int64_t status);
     void gameSessionCreated(const Ref<FXSessionInfo>& session, const Ref<NSError>& error);
     void assetsLoaded(const std::shared_ptr<AssetList>& assets, const Ref<NSError>& error);

@@ -14,8 +14,8 @@ class FlareboxView;
 enum AssetMode : std::uint64_t { AssetMode2D = 0, AssetMode3D = 1, AssetModeVideo = 2 };
 
 /// What a host can follow of its tab: to pause the game, to count, to say no to a link. Called on the main thread, once
-/// for each change and after it, inside whatever brought it about; everything that a host may do in a callback it
-/// may do here.
+/// for each change and after it, inside whatever brought it about; of a link before it is opened. Everything that a
+/// host may do in a callback it may do here.
 class FLAREBOX_EXPORT FlareboxViewDelegate {
 public:
     virtual ~FlareboxViewDelegate() = default;
@@ -32,8 +32,9 @@ public:
     /// The game loses the player to another application next. False: the link is not opened; the game can open it
     /// later (UIApplication::openURL), once it has paused.
     virtual bool flareboxViewShouldOpenLink(FlareboxView&, const NSURL&) { return true; }
-    /// A session or a list could not be had, for want of a network or by the service's fault. The tab tries again with
-    /// its next refresh.
+    /// A session or a list could not be had: for want of a network, by the service's fault, or without an identifier of
+    /// the device, as where the player allows none; that one is told at the next turn, with `kApiMissingParamErrorCode`
+    /// of `kApiErrorDomain`. The tab tries again with its next refresh.
     virtual void flareboxViewDidFailToLoad(FlareboxView&, const Ref<NSError>&) {}
 };
 

@@ -190,6 +190,19 @@ TEST_F(CTabTest, ItsObserverIsToldOfEveryChangeOnce) {
     EXPECT_THAT(diary_.take(), IsEmpty());
 }
 
+TEST_F(CTabTest, WithoutAnIdentifierOfTheDeviceItFailsToLoad) {
+    FlareboxConfig::defaultConfig().setDeviceUID(nullptr);
+    flarebox_set_tracking_allowed(false);
+    showTab();
+    EXPECT_THAT(diary_.take(), ElementsAre("failure " + std::string(kApiErrorDomain) + " " +
+                                           std::to_string(kApiMissingParamErrorCode)));
+    flarebox_set_tracking_allowed(true);
+    frames(181);
+    settle();
+    EXPECT_THAT(diary_.take(), ElementsAre("asset a Ale"));
+    ASIdentifierManager::sharedManager().setAdvertisingTrackingEnabled(std::nullopt);
+}
+
 TEST_F(CTabTest, InputReachesThePanelOrIsTheGames) {
     showTab();
     const Element button = find("Open Flarebox");
