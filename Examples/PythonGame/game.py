@@ -127,8 +127,7 @@ def main():
     kit = flarebox.load(sys.argv[1])
     game = Game(kit)
     configuration = flarebox.make(flarebox.Configuration, game_uid=b"python-game", game_version=b"1.0",
-                                  api_url=sys.argv[2].encode(), device_id=b"6F9619FF-8B86-D011-B42D-00C04FC964FF",
-                                  enable_logging=True, log_level=2)
+                                  api_url=sys.argv[2].encode(), device_id=b"6F9619FF-8B86-D011-B42D-00C04FC964FF")
     kit.flarebox_configure(ctypes.byref(configuration))
     game.play(sys.argv[3])
 
