@@ -55,7 +55,7 @@ class Runner:
         return {**kept, "HOME": str(self.folder), "SDL_VIDEODRIVER": "dummy", **self.variables}
 
     def program(self, name):
-        found = [path for path in self.build.glob(f"*/**/{name}") if path.is_file() and os.access(path, os.X_OK)]
+        found = [path for path in self.build.glob(f"Examples/*/{name}") if path.is_file() and os.access(path, os.X_OK)]
         return str(found[0]) if found else None
 
     def run(self, words):

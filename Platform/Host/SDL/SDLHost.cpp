@@ -1,6 +1,7 @@
 #include "SDLHost.h"
 
 #include <Foundation/LogSink.h>
+#include <Host/SDL/SDLControllers.h>
 #include <SDL.h>
 
 #include <algorithm>
@@ -64,7 +65,11 @@ bool repeats(std::string_view key) {
 }  // namespace
 
 SDLHost::SDLHost(SDL_Window* window, SDL_Renderer* renderer)
-    : UIHost(sizeOf(window), scaleOf(window, renderer)), window_(window), renderer_(renderer), compositor_(renderer) {
+    : UIHost(sizeOf(window), scaleOf(window, renderer)),
+      window_(window),
+      renderer_(renderer),
+      compositor_(renderer),
+      controllers_(std::make_unique<SDLControllers>(*this)) {
     if (!window || !renderer)
         LogSink::write(LogLevelError, "SDLHost: without a window and a renderer nothing is shown");
     followWindow();
@@ -99,7 +104,7 @@ InputResult SDLHost::handleEvent(const SDL_Event& event) {
         case SDL_CONTROLLERBUTTONUP:
         case SDL_CONTROLLERAXISMOTION:
         case SDL_CONTROLLERDEVICEREMOVED:
-            return controllers_.handleEvent(event);
+            return controllers_->handleEvent(event);
         case SDL_WINDOWEVENT:
             handleWindow(event);
             return InputResult::Ignored;
@@ -210,7 +215,7 @@ void SDLHost::handleWindow(const SDL_Event& event) {
         case SDL_WINDOWEVENT_HIDDEN:
         case SDL_WINDOWEVENT_MINIMIZED:
             cancelPointers();
-            controllers_.letGo();
+            controllers_->letGo();
             break;
         default:
             break;

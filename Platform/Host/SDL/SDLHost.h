@@ -2,11 +2,11 @@
 
 #include <Foundation/Export.h>
 #include <Host/SDL/SDLCompositor.h>
-#include <Host/SDL/SDLControllers.h>
 #include <UIKit/UIHost.h>
 
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <set>
 
 struct SDL_Window;
@@ -14,6 +14,8 @@ struct SDL_Renderer;
 union SDL_Event;
 
 namespace flarebox {
+
+class SDLControllers;
 
 /// The panel in a window of a game on SDL2.
 ///
@@ -76,7 +78,7 @@ private:
     InputResult mouseResult_ = InputResult::Ignored;
     /// Buttons beside the left one, and keys, that went down on the panel: their end belongs to the panel as well.
     std::set<int> panelButtons_, panelKeys_;
-    SDLControllers controllers_{*this};
+    std::unique_ptr<SDLControllers> controllers_;
 };
 
 }  // namespace flarebox
