@@ -1,4 +1,5 @@
 #include <Foundation/Clock.h>
+#include <Foundation/MainQueue.h>
 #include <Host/SDL/SDLHost.h>
 #include <UIKit/UIApplication.h>
 #include <UIKit/UIControl.h>
