@@ -7,6 +7,9 @@
 namespace flarebox {
 namespace {
 
+/// Points. What lies at the screen's edge may reach into it by an error of rounding.
+constexpr CGFloat leastSeen = 0.5;
+
 bool reducesMotion = false;
 
 using Elements = std::vector<UIAccessibilityElement>;
@@ -67,7 +70,8 @@ void collect(UIView& view, bool isInList, std::vector<Group>& groups) {
     if (!isContainer && !view.isAccessibilityElement()) return collectBelow(isInList, groups);
     const bool isGroup = container == UIAccessibilityContainerType::SemanticGroup;
     const CGRect frame = visibleRectOf(view);
-    if (frame.isEmpty() || (!isGroup && !uncoveredPointOf(view))) return;
+    if (frame.width() < leastSeen || frame.height() < leastSeen) return;
+    if (!isGroup && !uncoveredPointOf(view)) return;
     Group group{{Ref<UIView>(&view), view.accessibilityLabel(), view.accessibilityValue(), view.accessibilityTraits(),
                  roleOf(view, isInList), frame},
                 {}};
