@@ -17,6 +17,8 @@
 #include <UIKit/FontOpening.h>
 #include <UIKit/UIImage.h>
 
+#include <utility>
+
 namespace flarebox {
 
 // --- Texts ---
@@ -101,7 +103,8 @@ Transport& Transport::shared() {
     return transport;
 }
 Transport::Identifier Transport::start(TransferRequest request, Completion completion) {
-    completion({networkError(NSURLErrorNotConnectedToInternet, request.url), request.url, 0, {}, {}});
+    const std::string url = std::move(request.url);
+    std::exchange(completion, nullptr)({networkError(NSURLErrorNotConnectedToInternet, url), url, 0, {}, {}});
     return next_++;
 }
 void Transport::cancel(Identifier) {}

@@ -37,7 +37,7 @@ void sleep(double seconds) {
 }
 
 Ref<FXUserSession> samplePlayer() {
-    const Ref<FXUserSession> player = FXUserSession::init();
+    Ref<FXUserSession> player = FXUserSession::init();
     player->setFirstName("Sample");
     player->setLastName("Player");
     player->setAge(27);
