@@ -42,6 +42,14 @@ protected:
         }
         return condition();
     }
+    /// A host with a tab of which something can be told; null when there is none.
+    flarebox_tab* showTab() {
+        makeHost();
+        flarebox_tab* const tab = flarebox_tab_create();
+        flarebox_tab_show(tab);
+        const auto isSeen = [this] { return flarebox_host_visit_elements(host_, nullptr, nullptr) > 0; };
+        return tab && updateUntil(isSeen) ? tab : nullptr;
+    }
     Drawing drawing_;
     flarebox_host* host_ = nullptr;
 };
@@ -143,11 +151,8 @@ TEST_F(ContractTest, WhatCannotHappenIsNoSuccess) {
 }
 
 TEST_F(ContractTest, TheHostStaysUntilTheCallbackIsOver) {
-    makeHost();
-    flarebox_tab* const tab = flarebox_tab_create();
+    flarebox_tab* const tab = showTab();
     ASSERT_TRUE(tab) << flarebox_last_error();
-    flarebox_tab_show(tab);
-    ASSERT_TRUE(updateUntil([&] { return flarebox_host_visit_elements(host_, nullptr, nullptr) > 0; }));
     int attempts = 0;
     std::function<void()> attempt = [&] {
         ++attempts;
@@ -254,11 +259,8 @@ TEST_F(ContractTest, OnlyWhatIsInReachIsAdjusted) {
 }
 
 TEST_F(ContractTest, ElementsAreToldOfAndActivated) {
-    makeHost();
-    flarebox_tab* const tab = flarebox_tab_create();
+    flarebox_tab* const tab = showTab();
     ASSERT_TRUE(tab) << flarebox_last_error();
-    flarebox_tab_show(tab);
-    ASSERT_TRUE(updateUntil([&] { return flarebox_host_visit_elements(host_, nullptr, nullptr) > 0; }));
     struct Known {
         std::uint64_t id;
         std::string told;
