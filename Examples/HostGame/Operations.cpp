@@ -166,26 +166,15 @@ constexpr OperationKind operations[] = {
     {"updateWithNewGameUDID", "", 0, 0, plain<&FlareboxView::updateWithNewGameUDID>},
 };
 
-std::string operationNames() {
-    std::string names;
-    for (const OperationKind& each : operations) names += (names.empty() ? "" : ", ") + std::string(each.name);
-    return names;
-}
-
-std::string countOfArguments(const OperationKind& operation) {
-    const std::string most = std::to_string(operation.most);
-    return operation.fewest == operation.most ? most : std::to_string(operation.fewest) + " to " + most;
-}
-
 }  // namespace
 
 Failure callOperation(Game& game, const std::string& name, Arguments arguments) {
     const std::string plainName = name.substr(0, name.find(':'));
     const auto operation = std::find_if(std::begin(operations), std::end(operations),
                                         [&](const OperationKind& each) { return each.name == plainName; });
-    if (operation == std::end(operations)) return "is no operation of the tab; it has " + operationNames();
+    if (operation == std::end(operations)) return "is no operation of the tab; --help lists them";
     if (arguments.size() < operation->fewest || arguments.size() > operation->most)
-        return "wants " + countOfArguments(*operation) + " arguments";
+        return "wants " + (operation->most > 0 ? std::string(operation->form) : "no arguments");
     return operation->call(game, arguments);
 }
 

@@ -88,8 +88,8 @@ TEST(ScriptTest, FailureNamesItsLine) {
         {"await text lbAssetTitle \"open\n",
          "s.script:1: await text lbAssetTitle \"open: the closing quote is missing"},
         {"swipe contentView away\n", "wants FIELD left|right|up|down"},
-        {"call explode\n", "s.script:1: call explode: explode is no operation of the tab; it has init, "},
-        {"call toggleFlarebox true true true\n", "toggleFlarebox wants 0 to 2 arguments"},
+        {"call explode\n", "s.script:1: call explode: explode is no operation of the tab; --help lists them"},
+        {"call toggleFlarebox true true true\n", "toggleFlarebox wants [true|false [true|false]]"},
         {"dump no/such/folder.json\n", "s.script:1: dump no/such/folder.json: cannot write no/such/folder.json"},
         {"orientation sideways\n", "s.script:1: orientation sideways: wants unknown|portrait"},
     };
